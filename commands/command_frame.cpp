@@ -1,0 +1,111 @@
+#include "commands/command_frame.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "commands/handlers.h"
+#include "elements/instance_id.h"
+#include "engine/vorn_core.h"
+
+namespace vorn {
+
+namespace {
+
+/// What `name` must lead to before the command runs.
+enum class Target { NewProject, Project, Element };
+
+/// Which log takes the exchanges of a command.
+enum class Log { Reads, Writes };
+
+struct CommandRow {
+    std::string_view word;
+    Target target;
+    Handler handler;
+    Log log;
+};
+
+using enum Target;
+using enum Log;
+
+constexpr CommandRow CommandTable[] = {
+    {"Create", NewProject, Create, Writes},      {"Open", NewProject, Open, Writes},
+    {"AddModule", Project, AddModule, Writes},   {"AddNode", Project, AddNode, Writes},
+    {"AddLink", Project, AddLink, Writes},       {"NetAccess", Project, nullptr, Writes},
+    {"PjtInfoChk", Project, nullptr, Reads},     {"PjtRun", Project, nullptr, Writes},
+    {"PjtPause", Project, nullptr, Writes},      {"PjtStep", Project, nullptr, Writes},
+    {"PjtStop", Project, nullptr, Writes},       {"PjtClose", Project, nullptr, Writes},
+    {"PjtClear", Project, nullptr, Reads},       {"PjtSent", Project, nullptr, Writes},
+    {"LuaSent", Project, nullptr, Writes},       {"PjtCacheToRun", Project, nullptr, Writes},
+    {"PjtRunToCache", Project, nullptr, Writes}, {"ImportantGet", Project, nullptr, Reads},
+    {"PjtPngGet", Project, nullptr, Reads},      {"PjtChartGet", Project, nullptr, Reads},
+    {"PjtCerGet", Project, nullptr, Reads},      {"PjtAddVar", Project, nullptr, Reads},
+    {"PjtDleVar", Project, nullptr, Reads},      {"DeleteMNL", Element, nullptr, Writes},
+    {"MoveMN", Element, nullptr, Reads},         {"PreGet", Element, nullptr, Reads},
+    {"TempGet", Element, nullptr, Reads},        {"FlowGet", Element, nullptr, Reads},
+    {"RoomGet", Element, nullptr, Reads},        {"VarInfoGet", Element, nullptr, Reads},
+    {"VarValueSet", Element, nullptr, Writes},   {"VarCacheGet", Element, nullptr, Reads},
+    {"VarCacheSet", Element, nullptr, Reads},    {"RunValueGet", Element, nullptr, Reads},
+    {"RunValueSet", Element, nullptr, Reads},    {"CacheToRun", Element, nullptr, Writes},
+    {"RunToCache", Element, nullptr, Writes},    {"ImportantSet", Element, nullptr, Writes},
+};
+
+constexpr int SlotCount = 8;
+
+const CommandRow* CommandFind(std::string_view word) {
+    const auto* row = std::find_if(std::begin(CommandTable), std::end(CommandTable),
+                                   [word](const CommandRow& each) { return each.word == word; });
+    return row == std::end(CommandTable) ? nullptr : row;
+}
+
+bool Addressed(int midstate, int midnb) {
+    return midnb >= 0 && midstate >= ModuleKind;
+}
+
+/// What stands behind the project in an element address. The scan does not go back after a cut, so an
+/// identity that holds `_` itself is left whole where its first `_` falls on a place already passed.
+std::string_view IdentityOf(std::string_view name) {
+    for (std::size_t index = 0; index < name.size(); ++index) {
+        if (name[index] == '_') name.remove_prefix(index + 1);
+    }
+    return name;
+}
+
+std::string Run(const CommandRow* row, std::string name, const std::string& messages) {
+    const auto served = [row](Target target) {
+        return row != nullptr && row->handler != nullptr && row->target == target;
+    };
+    if (served(NewProject)) return row->handler({.name = name, .messages = messages});
+
+    int pjtnb = -1;
+    int midstate = -1;
+    int midnb = -1;
+    NameParsing_ModNod(name.c_str(), midstate, pjtnb, midnb);
+    if (pjtnb < 0 || pjtnb >= SlotCount) return "项目名称找不到(project Char error)";
+    if (served(Project)) return row->handler({.name = name, .messages = messages, .pjtnb = pjtnb});
+
+    if (!Addressed(midstate, midnb)) {
+        name = IdentityOf(name);
+        midstate = InstanceIdResolve(pjtnb, name.c_str(), midnb);
+        if (!Addressed(midstate, midnb)) {
+            return "无法识别name中的InstanceID或ConnectionID，请核对一下";
+        }
+    }
+    if (served(Element)) {
+        return row->handler(
+            {.name = name, .messages = messages, .pjtnb = pjtnb, .midstate = midstate, .midnb = midnb});
+    }
+    return "the header is none";
+}
+
+}  // namespace
+
+void ProjectCommand(std::string command, std::string name, std::string messages, std::string& reply) {
+    reply = Run(CommandFind(command), std::move(name), messages);
+}
+
+bool CommandWrites(std::string_view command) {
+    const CommandRow* row = CommandFind(command);
+    return row != nullptr && row->log == Writes;
+}
+
+}  // namespace vorn

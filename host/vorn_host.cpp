@@ -1,0 +1,5 @@
+#include "include/vorn_server.h"
+int main() {
+    HttpServerThread(nullptr);
+    return 0;
+}

@@ -1,0 +1,38 @@
+#include "service/api_envelope.h"
+
+#include "service/dispatcher.h"
+#include "service/service_locks.h"
+#include "text/json.h"
+
+namespace vorn {
+
+namespace {
+
+/// A text as it is, any other value as its JSON text; empty when absent.
+std::string MessagesText(const rapidjson::Value& envelope) {
+    const auto messages = envelope.FindMember("messages");
+    if (messages == envelope.MemberEnd()) return {};
+    const rapidjson::Value& value = messages->value;
+    return value.IsString() ? std::string(value.GetString(), value.GetStringLength()) : JsonText(value);
+}
+
+}  // namespace
+
+void ApiEnvelope(const std::string& body, std::string& reply) {
+    rapidjson::Document envelope;
+    JsonParse(body.c_str(), envelope);
+    if (!envelope.IsObject()) {
+        reply = "API调用格式错误";
+        return;
+    }
+    std::string midHeader;
+    std::string midData;
+    FieldText(envelope, "command", midHeader);
+    FieldText(envelope, "name", midData);
+    std::string midValue = MessagesText(envelope);
+
+    const std::lock_guard guard(DispatchLock);
+    ServerDispatch(std::move(midHeader), std::move(midData), std::move(midValue), reply);
+}
+
+}  // namespace vorn

@@ -1,0 +1,67 @@
+#include "service/dispatcher.h"
+
+#include <algorithm>
+#include <iterator>
+#include <string_view>
+
+#include "commands/command_frame.h"
+#include "engine/vorn_core.h"
+#include "service/exchange_log.h"
+#include "service/server_root.h"
+#include "text/ansi_to_utf8.h"
+
+namespace vorn {
+
+namespace {
+
+constexpr int SlotCount = 8;
+
+/// Tells whether this server holds the project.
+void Fdp(const std::string& midData, const std::string& /*midValue*/, std::string& reply) {
+    const int slot = ProjectNameToID(midData.c_str());
+    reply = slot >= 0 && slot < SlotCount ? "1" : "0";
+}
+
+/// Tells whether this server runs from the given directory tree.
+void Fph(const std::string& midData, const std::string& /*midValue*/, std::string& reply) {
+    reply = DirectoryHolds(DirectoryText(AnsiToUtf8(ServerRootGet())), midData) ? "1" : "0";
+}
+
+struct VerbRow {
+    std::string_view word;
+    void (*serve)(const std::string& midData, const std::string& midValue, std::string& reply);
+    bool writes;  ///< its exchanges go to the log of writes
+};
+
+constexpr VerbRow VerbTable[] = {
+    {"Set", nullptr, true}, {"Get", nullptr, false}, {"Put", nullptr, true},
+    {"Fdp", Fdp, false},    {"Fph", Fph, false},
+};
+
+/// No command, but logged as a write: clients know it as a word for moving elements.
+constexpr std::string_view LoggedAsWrite = "MoveModNod";
+
+const VerbRow* VerbFind(std::string_view word) {
+    const auto* row = std::find_if(std::begin(VerbTable), std::end(VerbTable),
+                                   [word](const VerbRow& each) { return each.word == word; });
+    return row == std::end(VerbTable) ? nullptr : row;
+}
+
+}  // namespace
+
+void ServerDispatch(std::string midHeader, std::string midData, std::string midValue, std::string& reply) {
+    const VerbRow* verb = VerbFind(midHeader);
+    const bool if_Set =
+        verb != nullptr ? verb->writes : midHeader == LoggedAsWrite || CommandWrites(midHeader);
+
+    RtnLogRequest(if_Set, midHeader, midData);
+    reply.clear();
+    if (verb != nullptr && verb->serve != nullptr) {
+        verb->serve(midData, midValue, reply);
+    } else {
+        ProjectCommand(midHeader, midData, midValue, reply);
+    }
+    RtnLogResult(if_Set, midValue, reply);
+}
+
+}  // namespace vorn

@@ -1,0 +1,85 @@
+#include "service/exchange_log.h"
+
+#include <atomic>
+#include <string>
+
+#include "include/vorn_server.h"
+#include "service/service_locks.h"
+
+namespace vorn {
+
+namespace {
+
+constexpr std::size_t KeptBytesAtMost = 20000;
+constexpr std::size_t BytesAfterTrim = 2000;
+
+struct LogSide {
+    std::mutex& lock;    ///< guards `text`
+    std::string text{};  ///< gathered since the last drain
+    std::string out{};   ///< handed to the host; touched by the drain alone
+    std::atomic<bool> news{false};
+};
+
+// Never destroyed: exchanges may be logged while the process ends.
+LogSide& Side(bool if_Set) {
+    static LogSide& Rtn_Get = *new LogSide{.lock = RtnGetLock};
+    static LogSide& Rtn_Set = *new LogSide{.lock = RtnSetLock};
+    return if_Set ? Rtn_Set : Rtn_Get;
+}
+
+/// Appends the second half of an exchange and trims. Of a half that alone is over the limit only the bytes
+/// that remain are copied.
+void AppendTrimmed(std::string& text, std::string_view messages, std::string_view reply) {
+    constexpr std::size_t SeparatorBytes = 2;
+    if (text.size() + messages.size() + reply.size() + SeparatorBytes <= KeptBytesAtMost) {
+        text.append(messages).append(" ").append(reply).append("\n");
+        return;
+    }
+    const auto tail = [](std::string_view part) {
+        return part.substr(part.size() - std::min(part.size(), BytesAfterTrim));
+    };
+    std::string kept(tail(text));
+    kept.append(tail(messages)).append(" ").append(tail(reply)).append("\n");
+    text = tail(kept);
+}
+
+const char* Drain(LogSide& side) {
+    {
+        const std::lock_guard guard(side.lock);
+        side.out.swap(side.text);
+        side.text.clear();
+    }
+    if (side.out.ends_with('\n')) side.out.pop_back();
+    if (side.out.ends_with('\r')) side.out.pop_back();
+    return side.out.c_str();
+}
+
+}  // namespace
+
+void RtnLogRequest(bool if_Set, std::string_view header, std::string_view name) {
+    LogSide& side = Side(if_Set);
+    const std::lock_guard guard(side.lock);
+    side.text.append(header).append(" ").append(name).append(" ");
+}
+
+void RtnLogResult(bool if_Set, std::string_view messages, std::string_view reply) {
+    LogSide& side = Side(if_Set);
+    const std::lock_guard guard(side.lock);
+    AppendTrimmed(side.text, messages, reply);
+    side.news = true;
+}
+
+}  // namespace vorn
+
+bool RtnGet_SxGet() {
+    return vorn::Side(false).news.exchange(false);
+}
+bool RtnSet_SxGet() {
+    return vorn::Side(true).news.exchange(false);
+}
+const char* Rtn_Get_Get() {
+    return vorn::Drain(vorn::Side(false));
+}
+const char* Rtn_Set_Get() {
+    return vorn::Drain(vorn::Side(true));
+}

@@ -1,0 +1,89 @@
+#include "standin/catalogue.h"
+
+#include <algorithm>
+
+namespace standin {
+
+namespace {
+
+using std::string_view;
+
+constexpr PortType ThroughIn{.outlet = false, .through = true, .aisle = 0};
+constexpr PortType ThroughOut{.outlet = true, .through = true, .aisle = 0};
+constexpr PortType SecondIn{.outlet = false, .through = true, .aisle = 1};
+constexpr PortType SecondOut{.outlet = true, .through = true, .aisle = 1};
+constexpr PortType EndIn{.outlet = false};
+constexpr PortType EndOut{.outlet = true};
+
+constexpr std::array InlinePorts{ThroughIn, ThroughOut};
+constexpr std::array DrivenPorts{ThroughIn, ThroughOut, EndIn};  // port 2 takes the power
+constexpr std::array ExchangerPorts{ThroughIn, ThroughOut, SecondIn, SecondOut};
+constexpr std::array VesselPorts{EndIn, EndOut};
+constexpr std::array SourcePorts{EndOut};
+
+constexpr std::array OneAisle{AisleType{0, 1}};
+constexpr std::array TwoAisles{AisleType{0, 1}, AisleType{2, 3}};
+
+constexpr std::array<string_view, 3> PipeItems{"PL", "ElbowNb", "D"};
+constexpr std::array<string_view, 4> DuctItems{"PL", "ElbowNb", "W", "H"};
+constexpr std::array<string_view, 1> WireItems{"PL"};
+constexpr std::array<string_view, 6> RoomItems{"InsideTemperature", "OutsideTemperature", "InsideHumidity",
+                                               "OutsideHumidity",   "InsidePm25",         "OutsidePm25"};
+constexpr std::array<string_view, 1> PowerItems{"Power"};
+constexpr std::array<string_view, 2> AirCoolerItems{"Power", "BKT_TEMP"};
+constexpr std::array<string_view, 2> PumpItems{"Head", "Power"};
+constexpr std::array<string_view, 1> OpeningItems{"Opening"};
+constexpr std::array<string_view, 1> AreaItems{"Area"};
+constexpr std::array<string_view, 2> EvaporatorItems{"Area", "BKT_TEMP"};
+constexpr std::array<string_view, 1> VolumeItems{"Volume"};
+constexpr std::array<string_view, 1> VoltageItems{"Voltage"};
+constexpr std::array<string_view, 1> StoreItems{"BKT_TEMP"};
+
+constexpr std::array<string_view, 3> JunctionItems{"Pressure", "Temperature", "Flow"};
+
+constexpr ModuleType Types[] = {
+    {24032022192805856, "铸铁管道", InlinePorts, OneAisle, PipeItems},
+    {25032321491014823, "导线", InlinePorts, OneAisle, WireItems},
+    {25082921244318233, "矩形风管", InlinePorts, OneAisle, DuctItems},
+    {25083017561574261, "铜管", InlinePorts, OneAisle, PipeItems},
+    {24032321240010392, "铸铁异径管", InlinePorts, OneAisle, PipeItems},
+    {25082923170872582, "风管异径管", InlinePorts, OneAisle, DuctItems},
+    {25083018524631661, "铜异径管", InlinePorts, OneAisle, PipeItems},
+    {25092208120526336, "房间", {}, {}, RoomItems},
+    {25092117291321127, "风机盘管", InlinePorts, OneAisle, PowerItems},
+    {25092119192771617, "冷风机", InlinePorts, OneAisle, AirCoolerItems},
+    {25092119192766817, "散热器", InlinePorts, OneAisle, PowerItems},
+    {26010100000000011, "水泵", DrivenPorts, OneAisle, PumpItems},
+    {26010100000000012, "阀门", InlinePorts, OneAisle, OpeningItems},
+    {26010100000000013, "板式换热器", ExchangerPorts, TwoAisles, AreaItems},
+    {26010100000000014, "膨胀水箱", VesselPorts, {}, VolumeItems},
+    {26010100000000015, "冷却塔", VesselPorts, {}, PowerItems},
+    {26010100000000016, "压缩机", DrivenPorts, OneAisle, PowerItems},
+    {26010100000000017, "冷凝器", ExchangerPorts, TwoAisles, AreaItems},
+    {26010100000000018, "蒸发器", ExchangerPorts, TwoAisles, EvaporatorItems},
+    {26010100000000019, "膨胀阀", InlinePorts, OneAisle, OpeningItems},
+    {26010100000000020, "储液器", VesselPorts, {}, VolumeItems},
+    {26010100000000021, "电源", SourcePorts, {}, VoltageItems},
+    {26010100000000022, "冷库", {}, {}, StoreItems},
+};
+
+}  // namespace
+
+std::span<const ModuleType> Catalogue() {
+    return Types;
+}
+
+const ModuleType* ModuleTypeFind(int type) {
+    return type >= 0 && type < static_cast<int>(std::size(Types)) ? &Types[type] : nullptr;
+}
+
+std::span<const std::string_view> NodeItems() {
+    return JunctionItems;
+}
+
+int ItemRow(std::span<const std::string_view> items, std::string_view item) {
+    const auto found = std::find(items.begin(), items.end(), item);
+    return found == items.end() ? -1 : static_cast<int>(found - items.begin());
+}
+
+}  // namespace standin

@@ -1,0 +1,47 @@
+// The catalogue of module types that the stand-in offers. A type's number is its row.
+
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+namespace standin {
+
+inline constexpr int PortsPerElement = 16;
+
+/// One port of a module type. The through ports of a module are flagged: a chain goes on inside the module.
+struct PortType {
+    bool outlet = false;
+    bool through = false;
+    int aisle = -1;  ///< the aisle that the port belongs to; -1 for an end port
+};
+
+/// The path through a module from an inlet to an outlet.
+struct AisleType {
+    int inlet = -1;
+    int outlet = -1;
+};
+
+struct ModuleType {
+    std::int64_t oneId;
+    std::string_view name;  ///< UTF-8
+    std::span<const PortType> ports;
+    std::span<const AisleType> aisles;
+    std::span<const std::string_view> items;  ///< the rows of the type's table of items, all reals
+};
+
+/// All types, by type number.
+std::span<const ModuleType> Catalogue();
+
+/// The type of that number, null when there is none.
+const ModuleType* ModuleTypeFind(int type);
+
+/// The items of every node, all reals: what flows through a junction.
+std::span<const std::string_view> NodeItems();
+
+/// The row of `item` in `items`, -1 when it is not there.
+int ItemRow(std::span<const std::string_view> items, std::string_view item);
+
+}  // namespace standin

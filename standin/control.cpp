@@ -1,0 +1,93 @@
+#include "standin/control.h"
+
+#include <array>
+#include <mutex>
+#include <unordered_map>
+#include <utility>
+
+#include "engine/vorn_core.h"
+#include "standin/project.h"
+#include "standin/trace.h"
+
+namespace standin {
+
+namespace {
+
+constexpr std::array<int, TableKindCount> FullCapacities{ModuleCapacity, NodeCapacity, LinkCapacity};
+
+struct Control {
+    std::array<int, TableKindCount> capacities = FullCapacities;
+    bool refuseNextAddition = false;
+    int viewBusyPolls = 0;
+    std::unordered_map<std::string, DecodedName> names;
+};
+
+// Never destroyed: the engine's threads may work while the process ends.
+Control& TheControl() {
+    static Control& control = *new Control;
+    return control;
+}
+
+}  // namespace
+
+void CapacitySet(TableKind table, int capacity) {
+    const std::lock_guard guard(EngineLock());
+    TheControl().capacities[table] = capacity;
+    for (int slot = 0; slot < SlotCount; ++slot) {
+        Project* project = ProjectFind(slot);
+        if (project == nullptr) continue;
+        if (table == ModuleTable) project->modules.capacity = capacity;
+        if (table == NodeTable) project->nodes.capacity = capacity;
+        if (table == LinkTable) project->links.capacity = capacity;
+    }
+}
+
+int CapacityOf(TableKind table) {
+    return TheControl().capacities[table];
+}
+
+void RefuseNextAddition() {
+    const std::lock_guard guard(EngineLock());
+    TheControl().refuseNextAddition = true;
+}
+
+bool AdditionRefused() {
+    return std::exchange(TheControl().refuseNextAddition, false);
+}
+
+void ViewBusySet(int polls) {
+    const std::lock_guard guard(EngineLock());
+    TheControl().viewBusyPolls = polls;
+}
+
+void NameDefine(const std::string& name, const DecodedName& decoded) {
+    const std::lock_guard guard(EngineLock());
+    TheControl().names[name] = decoded;
+}
+
+bool NameDefined(const std::string& name, DecodedName& decoded) {
+    const auto& names = TheControl().names;
+    if (names.empty()) return false;
+    const auto found = names.find(name);
+    if (found == names.end()) return false;
+    decoded = found->second;
+    return true;
+}
+
+void EngineReset() {
+    const std::lock_guard guard(EngineLock());
+    TheControl() = Control();
+    for (int slot = 0; slot < SlotCount; ++slot) {
+        if (Project* project = ProjectFind(slot)) ProjectFree(*project);
+    }
+}
+
+}  // namespace standin
+
+bool GuiRef_Get(int slot) {
+    standin::Trace("GuiRef_Get", slot);
+    const std::lock_guard guard(standin::EngineLock());
+    int& polls = standin::TheControl().viewBusyPolls;
+    if (polls > 0) --polls;
+    return polls != 0;
+}

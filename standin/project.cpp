@@ -1,0 +1,207 @@
+#include "standin/project.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "standin/control.h"
+#include "text/fixed_text.h"
+
+namespace standin {
+
+namespace {
+
+constexpr int NodeKinds = 4;
+constexpr int ModuleKind = 1;
+constexpr int NodeKind = 2;
+
+std::array<Project, SlotCount>& Slots() {
+    // Never destroyed: the engine's threads may work while the process ends.
+    static auto& slots = *new std::array<Project, SlotCount>;
+    return slots;
+}
+
+/// The variables that every project has.
+std::vector<ProjectVariable> StandardVariables() {
+    return {{.name = "GTemp"},
+            {.name = "WAll"},
+            {.name = "COP"},
+            {.name = "GStep", .kind = VariableKind::Integer},
+            {.name = "GSeries", .kind = VariableKind::RealArray},
+            {.name = "GCounts", .kind = VariableKind::IntegerArray}};
+}
+
+/// The link counters of one end's port, null where the end is no port of a module or node.
+int* PortCounter(Project& project, int kind, int number, int port) {
+    Element* element = ElementFind(project, kind, number);
+    if (element == nullptr || port < 0 || port >= PortsPerElement) return nullptr;
+    return &element->linksAtPort[static_cast<std::size_t>(port)];
+}
+
+void CountLink(Project& project, const LinkSxCache& link, int step) {
+    if (int* counter = PortCounter(project, link.F_Sx, link.F_Nb, link.F_PortNb)) *counter += step;
+    if (int* counter = PortCounter(project, link.S_Sx, link.S_Nb, link.S_PortNb)) *counter += step;
+}
+
+void RemoveLinksAt(Project& project, int kind, int number) {
+    for (std::size_t row = 0; row < project.links.rows.size(); ++row) {
+        const LinkSxCache& link = project.links.rows[row];
+        const bool upstream = link.F_Sx == kind && link.F_Nb == number;
+        const bool downstream = link.S_Sx == kind && link.S_Nb == number;
+        if (link.InUse && (upstream || downstream)) LinkRemove(project, static_cast<int>(row));
+    }
+}
+
+void Place(Element& element, int page, int x, int z, std::size_t itemCount) {
+    element.inUse = true;
+    element.page = page;
+    element.x = x;
+    element.z = z;
+    for (ElementValues& layer : element.layers) layer.items.assign(itemCount, 0.0);
+}
+
+void Identify(Element* element, IdentityIndex& index, int number, std::string_view text) {
+    if (element == nullptr) return;
+    index.Remove(element->instanceId, number);
+    element->instanceId = vorn::TextCut(text, IdentityBytes - 1);
+    index.Add(element->instanceId, number);
+}
+
+}  // namespace
+
+void IdentityIndex::Remove(const std::string& text, int number) {
+    const auto found = numbers_.find(text);
+    if (found == numbers_.end()) return;
+    found->second.erase(number);
+    if (found->second.empty()) numbers_.erase(found);
+}
+
+int IdentityIndex::Find(const std::string& text) const {
+    const auto found = numbers_.find(text);
+    return found == numbers_.end() ? -1 : *found->second.begin();
+}
+
+std::mutex& EngineLock() {
+    static std::mutex lock;
+    return lock;
+}
+
+Project* ProjectFind(int slot) {
+    if (slot < 0 || slot >= SlotCount) return nullptr;
+    Project& project = Slots()[static_cast<std::size_t>(slot)];
+    return project.name[0] == '\0' ? nullptr : &project;
+}
+
+Project* ProjectFind(std::string_view name) {
+    if (name.empty()) return nullptr;
+    for (Project& project : Slots()) {
+        if (vorn::EqualWithoutCase(project.name, name)) return &project;
+    }
+    return nullptr;
+}
+
+int SlotOf(const Project& project) {
+    return static_cast<int>(&project - Slots().data());
+}
+
+Project* ProjectMake(std::string_view name) {
+    if (name.empty() || name.size() >= ProjectNameBytes || ProjectFind(name) != nullptr) return nullptr;
+    for (Project& project : Slots()) {
+        if (project.name[0] != '\0') continue;
+        project = Project();
+        std::transform(name.begin(), name.end(), project.name, vorn::AsciiUpper);
+        project.modules.capacity = CapacityOf(ModuleTable);
+        project.nodes.capacity = CapacityOf(NodeTable);
+        project.links.capacity = CapacityOf(LinkTable);
+        project.variables = StandardVariables();
+        return &project;
+    }
+    return nullptr;
+}
+
+void ProjectFree(Project& project) {
+    project = Project();
+}
+
+void ProjectEmpty(Project& project) {
+    project.modules.rows.clear();
+    project.nodes.rows.clear();
+    project.links.rows.clear();
+    project.modules.lowestVacant = project.nodes.lowestVacant = project.links.lowestVacant = 0;
+    project.moduleIdentities.Clear();
+    project.nodeIdentities.Clear();
+}
+
+Module* ModuleAdd(Project& project, int number, int type, int page, int x, int z) {
+    const ModuleType* moduleType = ModuleTypeFind(type);
+    if (moduleType == nullptr) return nullptr;
+    Module* module = project.modules.Add(number);
+    if (module == nullptr) return nullptr;
+    Place(*module, page, x, z, moduleType->items.size());
+    module->type = type;
+    return module;
+}
+
+Node* NodeAdd(Project& project, int number, int kind, int page, int x, int z) {
+    if (kind < 0 || kind >= NodeKinds) return nullptr;
+    Node* node = project.nodes.Add(number);
+    if (node == nullptr) return nullptr;
+    Place(*node, page, x, z, NodeItems().size());
+    node->kind = kind;
+    return node;
+}
+
+bool LinkAdd(Project& project, int number, const LinkSxCache& link) {
+    LinkSxCache* row = project.links.Add(number);
+    if (row == nullptr) return false;
+    *row = link;
+    row->InUse = true;
+    CountLink(project, *row, 1);
+    return true;
+}
+
+void ModuleRemove(Project& project, int number) {
+    const Module* module = project.modules.Find(number);
+    if (module == nullptr) return;
+    RemoveLinksAt(project, ModuleKind, number);
+    project.moduleIdentities.Remove(module->instanceId, number);
+    project.modules.Remove(number);
+}
+
+void NodeRemove(Project& project, int number) {
+    const Node* node = project.nodes.Find(number);
+    if (node == nullptr) return;
+    RemoveLinksAt(project, NodeKind, number);
+    project.nodeIdentities.Remove(node->instanceId, number);
+    project.nodes.Remove(number);
+}
+
+void LinkRemove(Project& project, int number) {
+    const LinkSxCache* link = project.links.Find(number);
+    if (link == nullptr) return;
+    CountLink(project, *link, -1);
+    project.links.Remove(number);
+}
+
+void ModuleIdentify(Project& project, int number, std::string_view text) {
+    Identify(project.modules.Find(number), project.moduleIdentities, number, text);
+}
+
+void NodeIdentify(Project& project, int number, std::string_view text) {
+    Identify(project.nodes.Find(number), project.nodeIdentities, number, text);
+}
+
+Element* ElementFind(Project& project, int kind, int number) {
+    if (kind == ModuleKind) return project.modules.Find(number);
+    if (kind == NodeKind) return project.nodes.Find(number);
+    return nullptr;
+}
+
+const PortType* PortFind(Project& project, int module, int port) {
+    const Module* found = project.modules.Find(module);
+    if (found == nullptr) return nullptr;
+    const auto ports = Catalogue()[static_cast<std::size_t>(found->type)].ports;
+    return port >= 0 && port < static_cast<int>(ports.size()) ? &ports[static_cast<std::size_t>(port)]
+                                                              : nullptr;
+}
+
+}  // namespace standin

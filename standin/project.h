@@ -1,0 +1,175 @@
+// The content of the open projects: eight slots, each with its tables of modules, nodes and links, its values
+// and its run state. Everything here is guarded by the one engine lock; an operation takes it once, at its
+// start, and works on the records directly.
+
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <mutex>
+#include <set>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "engine/vorn_records.h"
+#include "engine/vorn_var.h"
+#include "standin/catalogue.h"
+
+namespace standin {
+
+inline constexpr int SlotCount = 8;
+inline constexpr std::size_t ProjectNameBytes = 65;  ///< a name of 64 characters and its terminator
+
+/// The layers of an element's values that a project holds, in the order of the item columns 1 to 4.
+enum Layer { RunLayer, CacheLayer0, CacheLayer1, CacheLayer2, LayerCount };
+
+/// The values of one port.
+struct PortValues {
+    double pressure = 0.0;
+    double temperature = 0.0;
+    double flow = 0.0;
+    std::array<double, ArrayEntries> series{};
+};
+
+/// One layer of one element's values.
+struct ElementValues {
+    std::vector<double> items;      ///< by row of the table of items
+    std::vector<PortValues> ports;  ///< by port; empty while all are zero
+};
+
+/// What modules and nodes have in common.
+struct Element {
+    bool inUse = false;
+    int page = 0;
+    int x = 0;  ///< grid units
+    int z = 0;
+    std::string instanceId;
+    std::array<int, PortsPerElement> linksAtPort{};  ///< how many links end at each port
+    std::array<ElementValues, LayerCount> layers;
+};
+
+struct Module : Element {
+    int type = -1;
+    std::string modelId;    ///< the model that its cache set 0 came from
+    std::string important;  ///< the important-value text
+    int room = -1;          ///< the room module it stands in, -1 for none
+};
+
+struct Node : Element {
+    int kind = 0;
+};
+
+/// The rows of one kind of element. A row's index is the element's number; vacant rows have `inUse` false.
+/// `capacity` bounds the numbers; the lowest vacant number is the next one.
+template <typename Row>
+struct Table {
+    std::vector<Row> rows;
+    int capacity = 0;
+    int lowestVacant = 0;  ///< no vacant number lies below it
+
+    /// The row of `number`, null when it is vacant or names nothing.
+    Row* Find(int number) {
+        if (number < 0 || number >= static_cast<int>(rows.size())) return nullptr;
+        Row& row = rows[static_cast<std::size_t>(number)];
+        return InUse(row) ? &row : nullptr;
+    }
+    /// The lowest vacant number, -1 when the table is full.
+    int NextNumber() {
+        while (Find(lowestVacant) != nullptr) ++lowestVacant;
+        return lowestVacant < capacity ? lowestVacant : -1;
+    }
+    /// A new row under a vacant number; null when the number is taken or beyond the capacity.
+    Row* Add(int number) {
+        if (number < 0 || number >= capacity || Find(number) != nullptr) return nullptr;
+        if (number >= static_cast<int>(rows.size())) rows.resize(static_cast<std::size_t>(number) + 1);
+        return &rows[static_cast<std::size_t>(number)];
+    }
+    void Remove(int number) {
+        rows[static_cast<std::size_t>(number)] = Row();
+        lowestVacant = std::min(lowestVacant, number);
+    }
+
+  private:
+    static bool InUse(const Element& element) { return element.inUse; }
+    static bool InUse(const LinkSxCache& link) { return link.InUse; }
+};
+
+/// Finds element numbers by identity. Of two equal texts the lowest number wins.
+class IdentityIndex {
+  public:
+    void Add(const std::string& text, int number) { numbers_[text].insert(number); }
+    void Remove(const std::string& text, int number);
+    /// -1 when no element bears the text.
+    int Find(const std::string& text) const;
+    void Clear() { numbers_.clear(); }
+
+  private:
+    std::unordered_map<std::string, std::set<int>> numbers_;
+};
+
+enum class VariableKind { Real = 0, Integer = 1, RealArray = 2, IntegerArray = 3 };
+
+/// A variable of the project as a whole. An array keeps its entries; a scalar is entry 0.
+struct ProjectVariable {
+    std::string name;  ///< empty marks a vacant row
+    VariableKind kind = VariableKind::Real;
+    std::array<double, ArrayEntries> reals{};
+    std::array<int, ArrayEntries> integers{};
+};
+
+/// Rows of the table of project variables.
+inline constexpr std::size_t ProjectVariableCapacity = 256;
+
+struct Project {
+    char name[ProjectNameBytes] = {};  ///< upper case; empty marks a free slot. Its address never changes
+    Table<Module> modules;
+    Table<Node> nodes;
+    Table<LinkSxCache> links;
+    IdentityIndex moduleIdentities;
+    IdentityIndex nodeIdentities;
+    std::vector<ProjectVariable> variables;  ///< a row's index is the variable's number
+    std::string script;
+    bool started = false;
+    bool paused = false;
+    int stepRequests = 0;
+    std::string access;                ///< why the last start was refused; empty when it was not
+    std::vector<double> temperatures;  ///< GTemp after each step of the run, for the chart
+};
+
+/// The one lock of the engine.
+std::mutex& EngineLock();
+
+/// The records of a slot that holds a project, null for any other number. The lock is held.
+Project* ProjectFind(int slot);
+/// The open project of that name, compared without case; null when there is none. The lock is held.
+Project* ProjectFind(std::string_view name);
+/// The slot of a project that is open.
+int SlotOf(const Project& project);
+/// A slot made ready for a new, empty project of that name, in upper case; null when all are taken, when a
+/// project of that name is open, and when the name is empty or too long. The lock is held.
+Project* ProjectMake(std::string_view name);
+/// Frees the slot. The name's text keeps its address and becomes empty.
+void ProjectFree(Project& project);
+/// Removes all modules, nodes and links.
+void ProjectEmpty(Project& project);
+
+/// Adds an element and readies its values. Null when the number is taken, or the type or kind is unknown.
+Module* ModuleAdd(Project& project, int number, int type, int page, int x, int z);
+Node* NodeAdd(Project& project, int number, int kind, int page, int x, int z);
+/// Adds a link and takes its ports.
+bool LinkAdd(Project& project, int number, const LinkSxCache& link);
+/// Remove an element that is there, with the links at it.
+void ModuleRemove(Project& project, int number);
+void NodeRemove(Project& project, int number);
+void LinkRemove(Project& project, int number);
+/// Give an element that is there its identity, cut to 37 bytes at a character's end.
+void ModuleIdentify(Project& project, int number, std::string_view text);
+void NodeIdentify(Project& project, int number, std::string_view text);
+/// The element of kind 1 (module) or 2 (node), null for any other kind and for a vacant number.
+Element* ElementFind(Project& project, int kind, int number);
+/// The port of a module, null when the module is vacant or has no such port.
+const PortType* PortFind(Project& project, int module, int port);
+
+}  // namespace standin

@@ -1,0 +1,29 @@
+// Texts of bounded size, and comparisons that do not depend on the locale.
+
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+
+namespace vorn {
+
+/// `character` in upper case if it is one of a to z, else as it is.
+constexpr char AsciiUpper(char character) {
+    return character >= 'a' && character <= 'z' ? static_cast<char>(character - 'a' + 'A') : character;
+}
+
+/// True when both texts have the same bytes, letters compared without case.
+bool EqualWithoutCase(std::string_view left, std::string_view right);
+
+/// The longest start of `text` of at most `bytes` bytes that does not end inside a UTF-8 character.
+std::string_view TextCut(std::string_view text, std::size_t bytes);
+
+/// Copies `text` into a field of fixed size, cut as by `TextCut`, and fills the rest with zero bytes.
+void TextCopy(char* field, std::size_t fieldBytes, std::string_view text);
+
+template <std::size_t Bytes>
+void TextCopy(char (&field)[Bytes], std::string_view text) {
+    TextCopy(field, Bytes, text);
+}
+
+}  // namespace vorn
