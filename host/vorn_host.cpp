@@ -1,5 +1,84 @@
+// vorn-host: runs VornServer as a program of its own, in the place of the platform's host.
+
+#include <pthread.h>
+#include <signal.h>
+
+#include <atomic>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <thread>
+
+#include "host/options.h"
+#include "host/own_port.h"
 #include "include/vorn_server.h"
-int main() {
-    HttpServerThread(nullptr);
-    return 0;
+
+namespace {
+
+std::atomic<bool> httpEnded{false};
+
+/// The signals that end the program. They are blocked in all threads and fetched by the main thread.
+sigset_t EndSignals() {
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGINT);
+    sigaddset(&signals, SIGTERM);
+    return signals;
+}
+
+/// True when an end signal has come, which this call may wait for.
+bool EndAsked(const sigset_t& signals, long waitMilliseconds) {
+    const timespec wait{.tv_sec = waitMilliseconds / 1000, .tv_nsec = waitMilliseconds % 1000 * 1000000};
+    return sigtimedwait(&signals, nullptr, &wait) > 0;
+}
+
+/// The service threads never return, so the process ends around them.
+[[noreturn]] void End(int status) {
+    std::fflush(nullptr);
+    std::_Exit(status);
+}
+
+void StartHttp() {
+    std::thread([] {
+        HttpServerThread(nullptr);
+        httpEnded = true;
+    }).detach();
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+    Options options;
+    std::string fault;
+    if (!OptionsRead(count, arguments, options, fault)) {
+        std::fprintf(stderr, "vorn-host: %s\n", fault.c_str());
+        return 2;
+    }
+    if (options.help) {
+        std::fputs(HelpText, stdout);
+        return 0;
+    }
+    if (options.trace) setenv("VORN_ENGINE_TRACE", "1", 1);
+    const sigset_t endSignals = EndSignals();
+    pthread_sigmask(SIG_BLOCK, &endSignals, nullptr);
+
+    StartHttp();
+    bool endAsked = false;
+    const int port = OwnPortFind(
+        [&] {
+            endAsked = EndAsked(endSignals, 0);
+            return !endAsked && !httpEnded;
+        },
+        [](const std::string&) {});
+    if (endAsked) End(0);
+    if (port == 0) {
+        std::fprintf(stderr, "vorn-host: no port of %d to %d is free\n", FirstPort, LastPort);
+        End(1);
+    }
+    std::printf("VornServer answers on http://127.0.0.1:%d/api\n", port);
+    std::fflush(stdout);
+
+    while (!EndAsked(endSignals, 1000)) continue;
+    std::puts("VornServer has ended.");
+    End(0);
 }

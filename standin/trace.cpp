@@ -11,10 +11,9 @@ namespace standin {
 
 namespace {
 
-const bool watched = std::getenv("VORN_ENGINE_TRACE") != nullptr;
-
 struct Record {
     std::mutex lock;
+    const bool watched = std::getenv("VORN_ENGINE_TRACE") != nullptr;
     bool collecting = false;
     std::vector<std::string> lines;
 };
@@ -25,11 +24,17 @@ Record& TheRecord() {
     return record;
 }
 
+/// The record's lock is held.
+void StateSet(const Record& record) {
+    detail::traceState =
+        record.watched || record.collecting ? detail::TraceState::On : detail::TraceState::Off;
+}
+
 }  // namespace
 
 namespace detail {
 
-std::atomic<bool> traceOn{watched};
+std::atomic<TraceState> traceState{TraceState::Unknown};
 
 void TraceArgument(std::string& line, std::string_view text) {
     line += '"';
@@ -61,22 +66,23 @@ void TraceStart() {
     const std::lock_guard guard(record.lock);
     record.lines.clear();
     record.collecting = true;
-    detail::traceOn = true;
+    StateSet(record);
 }
 
 std::vector<std::string> TraceStop() {
     Record& record = TheRecord();
     const std::lock_guard guard(record.lock);
     record.collecting = false;
-    detail::traceOn = watched;
+    StateSet(record);
     return std::exchange(record.lines, {});
 }
 
 void TraceLine(std::string line) {
-    if (!detail::traceOn) return;
-    if (watched) std::fprintf(stderr, "engine: %s\n", line.c_str());
+    if (detail::traceState == detail::TraceState::Off) return;
     Record& record = TheRecord();
     const std::lock_guard guard(record.lock);
+    StateSet(record);
+    if (record.watched) std::fprintf(stderr, "engine: %s\n", line.c_str());
     if (record.collecting) record.lines.push_back(std::move(line));
 }
 

@@ -23,7 +23,10 @@ std::vector<std::string> TraceStop();
 void TraceLine(std::string line);
 
 namespace detail {
-extern std::atomic<bool> traceOn;
+/// Whether calls are kept; unknown until the first call, so that a host can set the environment in its
+/// `main`.
+enum class TraceState { Unknown, Off, On };
+extern std::atomic<TraceState> traceState;
 void TraceArgument(std::string& line, std::string_view text);
 void TraceArgument(std::string& line, const LinkSxCache& link);
 void TraceArgument(std::string& line, long long number);
@@ -45,7 +48,7 @@ inline void TraceArgument(std::string& line, bool flag) {
 /// Writes one call down. Costs one load where nothing is traced.
 template <typename... Arguments>
 void Trace(std::string_view operation, const Arguments&... arguments) {
-    if (!detail::traceOn.load(std::memory_order_relaxed)) return;
+    if (detail::traceState.load(std::memory_order_relaxed) == detail::TraceState::Off) return;
     std::string line(operation);
     line += '(';
     ((detail::TraceArgument(line, arguments), line += ','), ...);

@@ -1,0 +1,16 @@
+// Finding out on which port this very process answers: the library tells no port.
+
+#pragma once
+
+#include <functional>
+#include <string>
+
+/// Ports that a service may stand on.
+inline constexpr int FirstPort = 33360;
+inline constexpr int LastPort = 33459;
+
+/// Asks the ports in rising order until one is found that this process serves, again and again while
+/// `waiting` gives true; 0 when it no longer does. Another server of the same directory may stand on a lower
+/// port: a port is this process's own when a request sent there turns up in this process's log of reads. What
+/// else that log holds goes to `reads`. Called from the thread that fetches the log.
+int OwnPortFind(const std::function<bool()>& waiting, const std::function<void(const std::string&)>& reads);
