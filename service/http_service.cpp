@@ -28,21 +28,31 @@ void Hi(const httplib::Request& request, httplib::Response& response) {
     response.set_content("Hello Quelmo!\n", "text/plain");
 }
 
-/// Reads the body itself: the library would refuse one of over 8 KB that is marked as a form, and so each
-/// larger document that a plain `curl -d` sends. A multipart body, which has no one text, counts as empty.
-void Api(const httplib::Request& request, httplib::Response& response,
-         const httplib::ContentReader& content) {
+/// A request that names no length has no body; the library would wait for one until the connection ends.
+bool HasBody(const httplib::Request& request) {
+    return request.has_header("Content-Length") || request.has_header("Transfer-Encoding");
+}
+
+/// Reads the whole body; false when it did not come whole. The library, left to read by itself, would refuse a
+/// body of over 8 KB that is marked as a form, and so each larger document that a plain `curl -d` sends. A
+/// multipart body, which has no one text, counts as empty.
+bool ReadBody(const httplib::Request& request, const httplib::ContentReader& content, std::string& body) {
+    if (!HasBody(request)) return true;
+    if (request.is_multipart_form_data()) {
+        return content([](const httplib::MultipartFormData&) { return true; },
+                       [](const char*, std::size_t) { return true; });
+    }
+    return content([&body](const char* data, std::size_t bytes) {
+        body.append(data, bytes);
+        return true;
+    });
+}
+
+void Api(const httplib::Request& request, httplib::Response& response, const httplib::ContentReader& content) {
     IgnoreRanges(request);
     std::string body;
-    if (request.is_multipart_form_data()) {
-        content([](const httplib::MultipartFormData&) { return true; },
-                [](const char*, std::size_t) { return true; });
-    } else {
-        content([&body](const char* data, std::size_t bytes) {
-            body.append(data, bytes);
-            return true;
-        });
-    }
+    // Half a request is not carried out: the library then answers with its own error status.
+    if (!ReadBody(request, content, body)) return;
     std::string reply;
     ApiEnvelope(body, reply);
     response.set_content(reply.c_str(), "application/json");

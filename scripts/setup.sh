@@ -1,0 +1,33 @@
+#!/usr/bin/env bash
+# Installs the Debian packages that are missing. With --full also those of the format and lint checks.
+set -euo pipefail
+. "$(dirname "$0")/lib.sh"
+
+packages=(g++ cmake ninja-build pkg-config curl python3 locales
+          rapidjson-dev libcpp-httplib-dev liblua5.4-dev libgtest-dev libbenchmark-dev)
+[ "${1:-}" = --full ] && packages+=(clang-format clang-tidy)
+
+if ! command -v apt-get >/dev/null; then
+    say "no apt on this system: make sure that these Debian packages' likes are installed: ${packages[*]}"
+    exit 0
+fi
+
+missing=()
+for package in "${packages[@]}"; do
+    status=$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null || true)
+    [ "$status" = installed ] || missing+=("$package")
+done
+if [ ${#missing[@]} -eq 0 ]; then
+    say "setup: all packages are there"
+    exit 0
+fi
+
+as_root=()
+if [ "$(id -u)" -ne 0 ]; then
+    command -v sudo >/dev/null || fail "not root and no sudo; install as root: apt-get install ${missing[*]}"
+    as_root=(sudo)
+fi
+say "setup: installing ${missing[*]}"
+"${as_root[@]}" apt-get update -q
+"${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends "${missing[@]}"
+say "setup: installed"

@@ -1,0 +1,43 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds, and runs all tests. With --full also the sanitizer runs, the format check and
+# the lint check.
+set -euo pipefail
+. "$(dirname "$0")/lib.sh"
+
+full=no
+case "${1:-}" in
+    "") ;;
+    --full) full=yes ;;
+    *) fail "usage: scripts/test.sh [--full]" ;;
+esac
+cd "$repository"
+
+run_preset() { # PRESET [ctest arguments]
+    local preset=$1
+    shift
+    scripts/build.sh "$preset" || exit 1
+    say "tests: $preset"
+    ctest --preset "$preset" --parallel "$(nproc)" "$@" || fail "the tests of $preset"
+}
+
+sources() { git ls-files '*.cpp' '*.h'; }
+
+if [ "$full" = yes ]; then
+    scripts/setup.sh --full
+    say "format"
+    sources | xargs clang-format --dry-run --Werror || fail "the format check; clang-format -i mends it"
+else
+    scripts/setup.sh
+fi
+
+run_preset release
+
+if [ "$full" = yes ]; then
+    say "lint"
+    git ls-files '*.cpp' ':!tests' ':!bench' | xargs -P "$(nproc)" -n 4 clang-tidy -p build/release --quiet 2>/dev/null \
+        || fail "the lint check"
+    run_preset asan
+    # Under ThreadSanitizer only the tests with threads are worth their time.
+    run_preset tsan -R Threads
+fi
+say "test: all passed"
