@@ -66,16 +66,14 @@ bool TakeOutMarked(std::string& log, const std::string& mark) {
 int OwnPortFind(const std::function<bool()>& waiting, const std::function<void(const std::string&)>& reads) {
     const std::string directory = DirectoryText();
     const std::string mark = UniqueMark();
-    while (waiting()) {
-        for (int port = FirstPort; port <= LastPort; ++port) {
-            if (!AnswersFromHere(port, directory, mark)) continue;
-            RtnGet_SxGet();
-            std::string log = Rtn_Get_Get();
-            const bool own = TakeOutMarked(log, mark);
-            if (!log.empty()) reads(log);
-            if (own) return port;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    for (int port = FirstPort; waiting(); port = port == LastPort ? FirstPort : port + 1) {
+        if (port == FirstPort) std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        if (!AnswersFromHere(port, directory, mark)) continue;
+        RtnGet_SxGet();
+        std::string log = Rtn_Get_Get();
+        const bool own = TakeOutMarked(log, mark);
+        if (!log.empty()) reads(log);
+        if (own) return port;
     }
     return 0;
 }

@@ -1,6 +1,7 @@
 // Stand in for the store until it is there.
 #include "engine/vorn_core.h"
 #include "standin/project_store.h"
+#include "standin/trace.h"
 
 bool standin::StoreWrite(const Project&) {
     return false;
@@ -11,7 +12,8 @@ bool standin::StoreHas(std::string_view) {
 bool standin::StoreRead(Project&) {
     return false;
 }
-int ProjectInfoRead(const char*) {
+int ProjectInfoRead(const char* name) {
+    standin::Trace("ProjectInfoRead", name);
     return 0;
 }
 void ProjectDBRead(const char*) {}

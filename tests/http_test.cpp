@@ -1,0 +1,151 @@
+// The HTTP service for real: the port walk, the routes, and what anybody on the network may send.
+
+#include <gtest/gtest.h>
+#include <httplib.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <chrono>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "platform/listen_socket.h"
+#include "tests/support/host_process.h"
+
+namespace {
+
+using std::string;
+
+constexpr const char* BadEnvelope = "API调用格式错误";
+
+/// A port that is held while the object lives, as another program's server would hold it.
+class HeldPort {
+  public:
+    explicit HeldPort(int port) : socket_(socket(AF_INET, SOCK_STREAM, 0)) {
+        vorn::ListenSocketOptions(socket_);
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_port = htons(static_cast<std::uint16_t>(port));
+        bind(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof address);
+        listen(socket_, 1);
+    }
+    ~HeldPort() { close(socket_); }
+    HeldPort(const HeldPort&) = delete;
+    HeldPort& operator=(const HeldPort&) = delete;
+
+  private:
+    int socket_;
+};
+
+string Post(httplib::Client& client, const string& body, const char* type = "application/json") {
+    const auto result = client.Post("/api", body, type);
+    if (!result) return "no reply";
+    EXPECT_EQ(result->status, 200);
+    EXPECT_EQ(result->get_header_value("Content-Type"), "application/json");
+    return result->body;
+}
+
+TEST(HttpThreadsTest, ServesItsTwoRoutes) {
+    HostProcess host;
+    httplib::Client client = host.Client();
+    const auto hi = client.Get("/hi");
+    ASSERT_TRUE(hi);
+    EXPECT_EQ(hi->body, "Hello Quelmo!\n");
+    EXPECT_EQ(hi->get_header_value("Content-Type"), "text/plain");
+    EXPECT_EQ(client.Get("/api")->status, 404);
+    EXPECT_EQ(client.Post("/hi", "", "text/plain")->status, 404);
+    EXPECT_EQ(client.Get("/hi/more")->status, 404);
+    EXPECT_EQ(client.Get("/")->status, 404);
+    // Ranges do not cut a reply.
+    EXPECT_EQ(client.Get("/hi", {{"Range", "bytes=0-3,5-6"}})->status, 200);
+    EXPECT_EQ(Post(client, R"({"command":"Create","name":"p1"})"), "OK");
+    EXPECT_EQ(host.End(), 0);
+}
+
+TEST(HttpThreadsTest, AnswersWhateverIsSent) {
+    HostProcess host;
+    httplib::Client client = host.Client();
+    client.set_read_timeout(60);
+    EXPECT_EQ(Post(client, ""), BadEnvelope);
+    EXPECT_EQ(Post(client, string(1000000, '[')), BadEnvelope);
+    EXPECT_EQ(Post(client, R"({"command":)" + string(1000000, '[')), BadEnvelope);
+    EXPECT_EQ(Post(client, string(1000, '\0')), BadEnvelope);
+    EXPECT_EQ(Post(client, "\xff\xfe\xc0\x80"), BadEnvelope);
+    EXPECT_EQ(Post(client, "{\"command\":\"Fdp\",\"name\":\"\xff\xfe\"}"), "0");
+    EXPECT_EQ(Post(client, R"({"command":"Fdp","name":")" + string(50000000, 'x') + "\"}"), "0");
+    // What a plain `curl -d` sends is marked as a form.
+    EXPECT_EQ(Post(client, R"({"command":"Fdp","name":")" + string(20000, 'x') + "\"}",
+                   "application/x-www-form-urlencoded"),
+              "0");
+    EXPECT_EQ(Post(client, "--b\r\n\r\n{}\r\n--b--\r\n", "multipart/form-data; boundary=b"), BadEnvelope);
+    EXPECT_EQ(client.Get("/hi")->status, 200);
+}
+
+TEST(HttpThreadsTest, CarriesOutNoHalfRequestAndWaitsForNoBodyThatIsNotTold) {
+    HostProcess host;
+    const string whole = R"({"command":"Create","name":"HALF"})";
+    const string head = "POST /api HTTP/1.1\r\nHost: x\r\n";
+    host.SendRaw(head + "Content-Length: 100\r\n\r\n" + whole, true);
+    httplib::Client client = host.Client();
+    EXPECT_EQ(Post(client, R"({"command":"Fdp","name":"HALF"})"), "0");
+    EXPECT_NE(host.SendRaw(head + "\r\n", false).find(BadEnvelope), string::npos);
+}
+
+TEST(HttpThreadsTest, AnswersHiWhileACommandRuns) {
+    HostProcess host;
+    httplib::Client client = host.Client();
+    Post(client, R"({"command":"Create","name":"P"})");
+    std::atomic<bool> placed{false};
+    std::thread command([&] {
+        httplib::Client other = host.Client();
+        EXPECT_EQ(
+            Post(other,
+                 R"({"command":"AddNode","name":"P","messages":{"VornModuleID":3000,"NodeName":"FLUID"}})"),
+            "NOD0");
+        placed = true;
+    });
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    EXPECT_EQ(client.Get("/hi")->status, 200);
+    EXPECT_FALSE(placed) << "the greeting waited for the command";
+    command.join();
+}
+
+TEST(HttpThreadsTest, AnswersAHundredRequestsOnOneConnection) {
+    HostProcess host;
+    httplib::Client client = host.Client();
+    client.set_keep_alive(true);
+    for (int request = 1; request <= 100; ++request) {
+        const auto result = client.Get("/hi");
+        ASSERT_TRUE(result) << request;
+        EXPECT_EQ(result->get_header_value("Connection"), request < 100 ? "" : "close") << request;
+    }
+}
+
+TEST(HttpThreadsTest, WalksPastHeldPorts) {
+    HostProcess first;
+    HostProcess second;
+    ASSERT_GT(first.Port(), 0);
+    EXPECT_GT(second.Port(), first.Port());
+    httplib::Client onFirst = first.Client();
+    httplib::Client onSecond = second.Client();
+    EXPECT_EQ(Post(onSecond, R"({"command":"Create","name":"MINE"})"), "OK");
+    EXPECT_EQ(Post(onSecond, R"({"command":"Fdp","name":"MINE"})"), "1");
+    EXPECT_EQ(Post(onFirst, R"({"command":"Fdp","name":"MINE"})"), "0");
+
+    const int next = second.Port() + 1;
+    const HeldPort held(next);
+    HostProcess third;
+    EXPECT_GT(third.Port(), next);
+}
+
+TEST(HttpThreadsTest, EndsWhenNoPortIsFree) {
+    std::vector<std::unique_ptr<HeldPort>> held;
+    for (int port = 33360; port <= 33459; ++port) held.push_back(std::make_unique<HeldPort>(port));
+    HostProcess host;
+    EXPECT_EQ(host.Port(), 0);
+    EXPECT_NE(host.Output().find("no port of 33360 to 33459 is free"), string::npos) << host.Output();
+}
+
+}  // namespace

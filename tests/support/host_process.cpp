@@ -1,0 +1,93 @@
+#include "tests/support/host_process.h"
+
+#include <arpa/inet.h>
+#include <poll.h>
+#include <signal.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdlib>
+#include <filesystem>
+
+HostProcess::HostProcess(const std::vector<std::string>& arguments) {
+    std::string folder = std::filesystem::temp_directory_path() / "vorn_host_XXXXXX";
+    folder_ = mkdtemp(folder.data());
+    const std::string work = folder_ + "/work";
+    std::filesystem::create_directory(work);
+
+    std::vector<char*> words{const_cast<char*>(VORN_HOST_PROGRAM)};
+    for (const std::string& argument : arguments) words.push_back(const_cast<char*>(argument.c_str()));
+    words.push_back(nullptr);
+
+    std::array<int, 2> ends{};
+    if (pipe(ends.data()) != 0) return;
+    pid_ = fork();
+    if (pid_ == 0) {
+        if (chdir(work.c_str()) != 0) _exit(126);
+        dup2(ends[1], STDOUT_FILENO);
+        dup2(ends[1], STDERR_FILENO);
+        close(ends[0]);
+        close(ends[1]);
+        execv(words[0], words.data());
+        _exit(127);
+    }
+    close(ends[1]);
+    output_fd_ = ends[0];
+    ReadUntilPort();
+}
+
+HostProcess::~HostProcess() {
+    End();
+    close(output_fd_);
+    std::error_code error;
+    std::filesystem::remove_all(folder_, error);
+}
+
+void HostProcess::ReadUntilPort() {
+    const std::string mark = "http://127.0.0.1:";
+    std::array<char, 512> buffer{};
+    pollfd readable{.fd = output_fd_, .events = POLLIN, .revents = 0};
+    while (poll(&readable, 1, 20000) > 0) {
+        const ssize_t count = read(output_fd_, buffer.data(), buffer.size());
+        if (count <= 0) return;
+        output_.append(buffer.data(), static_cast<std::size_t>(count));
+        const std::size_t at = output_.find(mark);
+        if (at == std::string::npos || output_.find('\n', at) == std::string::npos) continue;
+        port_ = std::atoi(output_.c_str() + at + mark.size());
+        return;
+    }
+}
+
+std::string HostProcess::SendRaw(const std::string& bytes, bool shut) const {
+    const int connection = socket(AF_INET, SOCK_STREAM, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(static_cast<std::uint16_t>(port_));
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    std::string replies;
+    if (connect(connection, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0) {
+        send(connection, bytes.data(), bytes.size(), MSG_NOSIGNAL);
+        if (shut) shutdown(connection, SHUT_WR);
+        std::array<char, 4096> buffer{};
+        pollfd readable{.fd = connection, .events = POLLIN, .revents = 0};
+        // A connection that the service keeps open is left after a second of silence.
+        while (poll(&readable, 1, 1000) > 0) {
+            const ssize_t count = recv(connection, buffer.data(), buffer.size(), 0);
+            if (count <= 0) break;
+            replies.append(buffer.data(), static_cast<std::size_t>(count));
+        }
+    }
+    close(connection);
+    return replies;
+}
+
+int HostProcess::End() {
+    if (pid_ <= 0) return -1;
+    kill(pid_, SIGTERM);
+    int status = 0;
+    waitpid(pid_, &status, 0);
+    pid_ = 0;
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}

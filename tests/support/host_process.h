@@ -1,0 +1,38 @@
+// A real vorn-host in a process of its own, for tests that talk to it over real transports.
+
+#pragma once
+
+#include <httplib.h>
+#include <sys/types.h>
+
+#include <string>
+#include <vector>
+
+/// Starts the program in a fresh folder and waits until it has said its port or has ended; ends it at the
+/// latest when the object goes.
+class HostProcess {
+  public:
+    explicit HostProcess(const std::vector<std::string>& arguments = {});
+    ~HostProcess();
+    HostProcess(const HostProcess&) = delete;
+    HostProcess& operator=(const HostProcess&) = delete;
+
+    /// The port that it told, 0 when it ended without one.
+    int Port() const { return port_; }
+    /// What it has printed so far.
+    const std::string& Output() const { return output_; }
+    httplib::Client Client() const { return httplib::Client("127.0.0.1", port_); }
+    /// Sends bytes as they are and gives all that comes back; `shut` ends the sending side behind them.
+    std::string SendRaw(const std::string& bytes, bool shut) const;
+    /// Asks it to end and gives its exit status, -1 when it did not end by itself.
+    int End();
+
+  private:
+    void ReadUntilPort();
+
+    pid_t pid_ = 0;
+    int output_fd_ = -1;
+    std::string output_;
+    std::string folder_;
+    int port_ = 0;
+};
