@@ -1,0 +1,101 @@
+// Numbers, bounded texts, JSON and the system code page.
+
+#include <gtest/gtest.h>
+
+#include <clocale>
+#include <cmath>
+#include <limits>
+#include <string>
+
+#include "elements/grid.h"
+#include "platform/code_page.h"
+#include "text/ansi_to_utf8.h"
+#include "text/fixed_text.h"
+#include "text/json.h"
+#include "text/number_text.h"
+
+namespace {
+
+using std::string;
+
+constexpr int IntMax = std::numeric_limits<int>::max();
+constexpr int IntMin = std::numeric_limits<int>::min();
+
+TEST(TextTest, ReadsIntegersAsFarAsTheyGo) {
+    const struct {
+        string text;
+        int number;
+    } rows[] = {
+        {"", 0},
+        {"2", 2},
+        {" \t\n-3x", -3},
+        {"+4", 4},
+        {"+-4", 0},
+        {"--4", 0},
+        {"abc", 0},
+        {"1.9", 1},
+        {"- 1", 0},
+        {"99999999999", IntMax},
+        {"-99999999999", IntMin},
+        {"2147483647", IntMax},
+        {"-2147483648", IntMin},
+        {"0x10", 0},
+    };
+    for (const auto& row : rows) EXPECT_EQ(vorn::IntFromText(row.text), row.number) << row.text;
+}
+
+TEST(TextTest, CutsRealsToThirtyTwoBits) {
+    EXPECT_EQ(vorn::IntFromReal(-1.99), -1);
+    EXPECT_EQ(vorn::IntFromReal(3e9), IntMax);
+    EXPECT_EQ(vorn::IntFromReal(-HUGE_VAL), IntMin);
+    EXPECT_EQ(vorn::IntFromReal(std::nan("")), 0);
+    EXPECT_TRUE(vorn::GridFits(42949672.94));
+    EXPECT_FALSE(vorn::GridFits(42949672.96));
+    EXPECT_FALSE(vorn::GridFits(-HUGE_VAL));
+    EXPECT_EQ(vorn::GridFromPosition(1e300), IntMax);
+}
+
+TEST(TextTest, ReadsDigitsWhole) {
+    int number = -7;
+    for (const string bad : {"", "a", "1a", "-1", "+1", " 1", "2147483648", "99999999999999999999"}) {
+        EXPECT_FALSE(vorn::NumberFromDigits(bad, number)) << bad;
+    }
+    EXPECT_EQ(number, -7);
+    EXPECT_TRUE(vorn::NumberFromDigits("2147483647", number));
+    EXPECT_EQ(number, IntMax);
+}
+
+TEST(TextTest, CutsTextsBetweenCharacters) {
+    EXPECT_EQ(vorn::TextCut("abc", 3), "abc");
+    EXPECT_EQ(vorn::TextCut("水泵", 5), "水");
+    EXPECT_EQ(vorn::TextCut("水泵", 3), "水");
+    EXPECT_EQ(vorn::TextCut("水泵", 2), "");
+    EXPECT_EQ(vorn::TextCut("\xF0\x9F\x98\x80x", 3), "");
+    // What is no UTF-8 is cut where the bytes end.
+    EXPECT_EQ(vorn::TextCut("a\x80\x80\x80\x80\x80", 5), "a\x80\x80\x80\x80");
+    char field[4] = {'x', 'x', 'x', 'x'};
+    vorn::TextCopy(field, "ab水");
+    EXPECT_EQ(string(field, 4), string("ab\0\0", 4));
+}
+
+TEST(TextTest, TakesTheCLocaleAsUtf8AndReplacesWhatIsNone) {
+    EXPECT_STREQ(vorn::AnsiToUtf8("水泵"), "水泵");
+    EXPECT_STREQ(vorn::AnsiToUtf8("a\xff水\xe6\xb0"), "a\uFFFD水\uFFFD\uFFFD");
+    EXPECT_EQ(vorn::CodePageFromUtf8("水\xff"
+                                     "b"),
+              "水?b");
+    const string large(100000, 'x');
+    EXPECT_EQ(vorn::Utf8FromCodePage(large), large);
+}
+
+TEST(TextTest, KeepsAParsedDocumentNullOnAFault) {
+    rapidjson::Document document;
+    for (const char* bad : {"", "{", "[1,]", "{} {}", "1e999", "tru"}) {
+        vorn::JsonParse(bad, document);
+        EXPECT_TRUE(document.IsNull()) << bad;
+    }
+    vorn::JsonParse(" {\"a\":[1,2.5,\"x\",null]} ", document);
+    EXPECT_EQ(vorn::JsonText(document), R"({"a":[1,2.5,"x",null]})");
+}
+
+}  // namespace
