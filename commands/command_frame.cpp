@@ -99,8 +99,9 @@ std::string Run(const CommandRow* row, std::string name, const std::string& mess
 
 }  // namespace
 
-void ProjectCommand(std::string command, std::string name, std::string messages, std::string& reply) {
-    reply = Run(CommandFind(command), std::move(name), messages);
+void ProjectCommand(const std::string& command, const std::string& name, const std::string& messages,
+                    std::string& reply) {
+    reply = Run(CommandFind(command), name, messages);
 }
 
 bool CommandWrites(std::string_view command) {

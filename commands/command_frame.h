@@ -11,7 +11,8 @@ namespace vorn {
 /// Finds what `name` addresses, an open project or one of its elements, runs the command and sets `reply`,
 /// which arrives empty. An unknown word or address gets the reply that says so. The dispatcher's lock is
 /// held, and the waits of a command are spent inside it.
-void ProjectCommand(std::string command, std::string name, std::string messages, std::string& reply);
+void ProjectCommand(const std::string& command, const std::string& name, const std::string& messages,
+                    std::string& reply);
 
 /// True for a command whose exchanges go to the log of writes; false for all other words.
 bool CommandWrites(std::string_view command);

@@ -29,10 +29,10 @@ void ApiEnvelope(const std::string& body, std::string& reply) {
     std::string midData;
     FieldText(envelope, "command", midHeader);
     FieldText(envelope, "name", midData);
-    std::string midValue = MessagesText(envelope);
+    const std::string midValue = MessagesText(envelope);
 
     const std::lock_guard guard(DispatchLock);
-    ServerDispatch(std::move(midHeader), std::move(midData), std::move(midValue), reply);
+    ServerDispatch(midHeader, midData, midValue, reply);
 }
 
 }  // namespace vorn

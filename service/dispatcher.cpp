@@ -49,7 +49,8 @@ const VerbRow* VerbFind(std::string_view word) {
 
 }  // namespace
 
-void ServerDispatch(std::string midHeader, std::string midData, std::string midValue, std::string& reply) {
+void ServerDispatch(const std::string& midHeader, const std::string& midData, const std::string& midValue,
+                    std::string& reply) {
     const VerbRow* verb = VerbFind(midHeader);
     const bool if_Set =
         verb != nullptr ? verb->writes : midHeader == LoggedAsWrite || CommandWrites(midHeader);

@@ -9,6 +9,7 @@ namespace vorn {
 /// Serves one request and logs the exchange. `midHeader` is the command word, `midData` a name or address,
 /// `midValue` a value or JSON text; texts are taken byte for byte, and `reply` is overwritten. A word that
 /// the dispatcher does not serve itself goes to the project commands. The caller holds `DispatchLock`.
-void ServerDispatch(std::string midHeader, std::string midData, std::string midValue, std::string& reply);
+void ServerDispatch(const std::string& midHeader, const std::string& midData, const std::string& midValue,
+                    std::string& reply);
 
 }  // namespace vorn

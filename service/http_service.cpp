@@ -2,6 +2,7 @@
 
 #include <httplib.h>
 
+#include <algorithm>
 #include <string>
 
 #include "include/vorn_server.h"
@@ -33,8 +34,8 @@ bool HasBody(const httplib::Request& request) {
     return request.has_header("Content-Length") || request.has_header("Transfer-Encoding");
 }
 
-/// Reads the whole body; false when it did not come whole. The library, left to read by itself, would refuse a
-/// body of over 8 KB that is marked as a form, and so each larger document that a plain `curl -d` sends. A
+/// Reads the whole body; false when it did not come whole. The library, left to read by itself, would refuse
+/// a body of over 8 KB that is marked as a form, and so each larger document that a plain `curl -d` sends. A
 /// multipart body, which has no one text, counts as empty.
 bool ReadBody(const httplib::Request& request, const httplib::ContentReader& content, std::string& body) {
     if (!HasBody(request)) return true;
@@ -48,14 +49,17 @@ bool ReadBody(const httplib::Request& request, const httplib::ContentReader& con
     });
 }
 
-void Api(const httplib::Request& request, httplib::Response& response, const httplib::ContentReader& content) {
+void Api(const httplib::Request& request, httplib::Response& response,
+         const httplib::ContentReader& content) {
     IgnoreRanges(request);
     std::string body;
     // Half a request is not carried out: the library then answers with its own error status.
     if (!ReadBody(request, content, body)) return;
     std::string reply;
     ApiEnvelope(body, reply);
-    response.set_content(reply.c_str(), "application/json");
+    // A reply ends at its first zero byte.
+    reply.resize(std::min(reply.find('\0'), reply.size()));
+    response.set_content(reply, "application/json");
 }
 
 }  // namespace
