@@ -65,10 +65,10 @@ void NameDefine(const std::string& name, const DecodedName& decoded) {
     TheControl().names[name] = decoded;
 }
 
-bool NameDefined(const std::string& name, DecodedName& decoded) {
+bool NameDefined(std::string_view name, DecodedName& decoded) {
     const auto& names = TheControl().names;
     if (names.empty()) return false;
-    const auto found = names.find(name);
+    const auto found = names.find(std::string(name));
     if (found == names.end()) return false;
     decoded = found->second;
     return true;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 namespace standin {
 
@@ -33,7 +34,7 @@ struct DecodedName {
 };
 void NameDefine(const std::string& name, const DecodedName& decoded);
 /// Gives what was defined. The engine lock is held.
-bool NameDefined(const std::string& name, DecodedName& decoded);
+bool NameDefined(std::string_view name, DecodedName& decoded);
 
 /// Back to the state after loading: no open project, nothing refused, full, busy or defined.
 void EngineReset();

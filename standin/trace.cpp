@@ -11,6 +11,16 @@ namespace standin {
 
 namespace {
 
+template <typename Number>
+void ArrayArgument(std::string& line, std::span<const Number> numbers) {
+    line += '[';
+    for (const Number number : numbers) {
+        if (line.back() != '[') line += ' ';
+        detail::TraceArgument(line, number);
+    }
+    line += ']';
+}
+
 struct Record {
     std::mutex lock;
     const bool watched = std::getenv("VORN_ENGINE_TRACE") != nullptr;
@@ -57,6 +67,12 @@ void TraceArgument(std::string& line, long long number) {
 }
 void TraceArgument(std::string& line, double number) {
     vorn::AppendReal(line, number);
+}
+void TraceArgument(std::string& line, std::span<const double> numbers) {
+    ArrayArgument(line, numbers);
+}
+void TraceArgument(std::string& line, std::span<const int> numbers) {
+    ArrayArgument(line, numbers);
 }
 
 }  // namespace detail

@@ -7,6 +7,7 @@
 #pragma once
 
 #include <atomic>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -31,6 +32,8 @@ void TraceArgument(std::string& line, std::string_view text);
 void TraceArgument(std::string& line, const LinkSxCache& link);
 void TraceArgument(std::string& line, long long number);
 void TraceArgument(std::string& line, double number);
+void TraceArgument(std::string& line, std::span<const double> numbers);
+void TraceArgument(std::string& line, std::span<const int> numbers);
 inline void TraceArgument(std::string& line, const char* text) {
     TraceArgument(line, std::string_view(text == nullptr ? "" : text));
 }

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <iterator>
 #include <limits>
 
 namespace vorn {
@@ -22,16 +23,26 @@ locale_t CLocale() {
 
 }  // namespace
 
+char* RealToText(char* first, char* last, double value, int decimals) {
+    const auto [end, error] = std::to_chars(first, last, value, std::chars_format::fixed, decimals);
+    return error == std::errc() ? end : nullptr;
+}
+
 void AppendReal(std::string& text, double value) {
     // The largest double has 309 digits before the point.
     char buffer[352];
-    const auto [end, error] =
-        std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::fixed, 6);
-    text.append(buffer, end);
+    text.append(buffer, RealToText(buffer, std::end(buffer), value, 6));
 }
 
 double RealFromText(std::string_view text) {
-    // A terminated copy: a number's text is short, and only what follows it can be long.
+    text.remove_prefix(std::min(text.find_first_not_of(WhiteSpace), text.size()));
+    if (text.starts_with('+') && !text.starts_with("+-")) text.remove_prefix(1);
+    double value = 0.0;
+    const char* const last = text.data() + text.size();
+    const auto [end, error] = std::from_chars(text.data(), last, value);
+    const bool hexadecimal = end != last && (*end == 'x' || *end == 'X');
+    if (error != std::errc::result_out_of_range && !hexadecimal) return value;
+    // The two forms that are left to the slow reader, which wants a terminated text.
     const std::string copy(text);
     return strtod_l(copy.c_str(), nullptr, CLocale());
 }

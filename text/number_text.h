@@ -10,6 +10,10 @@ namespace vorn {
 /// Appends `value` as "%f" prints it in the C locale: six decimals, 21.5 as `21.500000`, NaN as `nan`.
 void AppendReal(std::string& text, double value);
 
+/// Writes `value` with that many decimals from `first` on, without a terminator, and gives the end of what it
+/// wrote; null where it does not fit before `last`.
+char* RealToText(char* first, char* last, double value, int decimals);
+
 /// The number at the start of `text`, as `atof` reads it in the C locale: leading white space and a sign are
 /// taken, reading stops where the number ends, and a text that begins with none gives 0.
 double RealFromText(std::string_view text);
