@@ -196,6 +196,20 @@ Element* ElementFind(Project& project, int kind, int number) {
     return nullptr;
 }
 
+int VariableFind(Project& project, std::string_view name) {
+    const auto& variables = project.variables;
+    const auto bears = [name](const ProjectVariable& variable) { return variable.name == name; };
+    const auto known = project.variableRows.find(name);
+    if (known != project.variableRows.end()) {
+        const auto row = static_cast<std::size_t>(known->second);
+        if (row < variables.size() && bears(variables[row])) return known->second;
+        project.variableRows.erase(known);
+    }
+    const auto found = std::find_if(variables.begin(), variables.end(), bears);
+    if (name.empty() || found == variables.end()) return -1;
+    return project.variableRows[std::string(name)] = static_cast<int>(found - variables.begin());
+}
+
 const PortType* PortFind(Project& project, int module, int port) {
     const Module* found = project.modules.Find(module);
     if (found == nullptr) return nullptr;

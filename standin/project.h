@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <functional>
 #include <mutex>
 #include <set>
 #include <string>
@@ -119,8 +120,18 @@ struct ProjectVariable {
     std::array<int, ArrayEntries> integers{};
 };
 
+/// The variables that every project has are the first rows and stay there; clients add the others.
+inline constexpr std::size_t StandardVariableCount = 6;
+
 /// Rows of the table of project variables.
 inline constexpr std::size_t ProjectVariableCapacity = 256;
+
+/// Numbers of project variables by name, as the last look-ups found them: a hint, good only while the row
+/// still bears the name.
+struct TextHash : std::hash<std::string_view> {
+    using is_transparent = void;
+};
+using VariableRows = std::unordered_map<std::string, int, TextHash, std::equal_to<>>;
 
 struct Project {
     char name[ProjectNameBytes] = {};  ///< upper case; empty marks a free slot. Its address never changes
@@ -130,6 +141,7 @@ struct Project {
     IdentityIndex moduleIdentities;
     IdentityIndex nodeIdentities;
     std::vector<ProjectVariable> variables;  ///< a row's index is the variable's number
+    VariableRows variableRows;
     std::string script;
     bool started = false;
     bool paused = false;
@@ -169,6 +181,8 @@ void ModuleIdentify(Project& project, int number, std::string_view text);
 void NodeIdentify(Project& project, int number, std::string_view text);
 /// The element of kind 1 (module) or 2 (node), null for any other kind and for a vacant number.
 Element* ElementFind(Project& project, int kind, int number);
+/// The number of the project variable `name`, -1 when there is none.
+int VariableFind(Project& project, std::string_view name);
 /// The port of a module, null when the module is vacant or has no such port.
 const PortType* PortFind(Project& project, int module, int port);
 

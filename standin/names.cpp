@@ -1,0 +1,79 @@
+// The names of variables: PROJECT_MOD7_X, PROJECT_NOD3_X and PROJECT_X, where X is an item, a port's value
+// such as IM0_PRE, or a variable of the project. The project's part is compared without case.
+
+#include <algorithm>
+#include <string_view>
+
+#include "engine/vorn_core.h"
+#include "standin/control.h"
+#include "standin/trace.h"
+#include "standin/values.h"
+#include "text/number_text.h"
+
+using namespace standin;
+
+namespace {
+
+/// A port's value, such as IM0_PRE.
+bool PortParse(std::string_view text, DecodedName& decoded) {
+    const std::size_t end = text.find('_');
+    if (!text.starts_with("IM") || end == std::string_view::npos) return false;
+    if (!vorn::NumberFromDigits(text.substr(2, end - 2), decoded.port)) return false;
+    if (decoded.port >= PortsPerElement) return false;
+
+    const std::string_view word = text.substr(end + 1);
+    if (word == PortSeriesWord) {
+        decoded.type = static_cast<int>(VariableKind::RealArray);
+        decoded.variable = 0;
+        return true;
+    }
+    const auto* real = std::find_if(PortReals.begin(), PortReals.end(),
+                                    [word](const PortReal& each) { return each.word == word; });
+    decoded.variable = static_cast<int>(real - PortReals.begin());
+    return real != PortReals.end();
+}
+
+/// A variable of an element that is there.
+bool ElementParse(Project& project, std::string_view item, DecodedName& decoded) {
+    const auto items = ItemsOf(project, decoded.scope, decoded.element);
+    if (items.empty()) return false;
+    decoded.variable = ItemRow(items, item);
+    return decoded.variable >= 0 || PortParse(item, decoded);
+}
+
+bool ProjectVariableParse(Project& project, std::string_view text, DecodedName& decoded) {
+    decoded.variable = VariableFind(project, text);
+    if (decoded.variable < 0) return false;
+    decoded.type = static_cast<int>(project.variables[static_cast<std::size_t>(decoded.variable)].kind);
+    return true;
+}
+
+bool NameDecode(std::string_view name, DecodedName& decoded) {
+    const std::size_t projectEnd = name.find('_');
+    if (projectEnd == std::string_view::npos) return false;
+    Project* project = ProjectFind(name.substr(0, projectEnd));
+    if (project == nullptr) return false;
+    decoded.slot = SlotOf(*project);
+
+    name.remove_prefix(projectEnd + 1);
+    return ElementPrefixCut(name, decoded.scope, decoded.element)
+               ? ElementParse(*project, name, decoded)
+               : ProjectVariableParse(*project, name, decoded);
+}
+
+}  // namespace
+
+void NameParsing(const char* name, int& scope, int& type, int& slot, int& element, int& port, int& variable,
+                 bool& found) {
+    Trace("NameParsing", name);
+    const std::lock_guard guard(EngineLock());
+    DecodedName decoded;
+    if (!NameDefined(name, decoded) && !NameDecode(name, decoded)) return;
+    scope = decoded.scope;
+    type = decoded.type;
+    slot = decoded.slot;
+    element = decoded.element;
+    port = decoded.port;
+    variable = decoded.variable;
+    found = true;
+}

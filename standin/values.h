@@ -1,0 +1,44 @@
+// The values of an element: which variables it has, and where they stand. The engine lock is held.
+
+#pragma once
+
+#include <array>
+#include <span>
+#include <string_view>
+
+#include "standin/project.h"
+
+namespace standin {
+
+/// The kinds of element that have values. As scopes of a variable's name they bear the same numbers.
+inline constexpr int ModuleKind = 1;
+inline constexpr int NodeKind = 2;
+
+/// The reals of a port, in the order of their variable numbers. The word stands behind `IM0_` in the name.
+struct PortReal {
+    std::string_view word;
+    double PortValues::*value;
+};
+inline constexpr std::array<PortReal, 3> PortReals{{
+    {"PRE", &PortValues::pressure},
+    {"TEMP", &PortValues::temperature},
+    {"FLOW", &PortValues::flow},
+}};
+
+/// The word of a port's array.
+inline constexpr std::string_view PortSeriesWord = "ARY";
+
+/// Reads the element that a name's text behind the project begins with, such as `MOD7_`, and cuts it off.
+/// False, with the text as it was, where the text begins otherwise.
+bool ElementPrefixCut(std::string_view& text, int& kind, int& number);
+
+/// The items of the element of kind 1 or 2, by row; none where the numbers name no element.
+std::span<const std::string_view> ItemsOf(Project& project, int kind, int number);
+
+/// The value of the item in that row; null for a row that the element does not have.
+double* ItemAt(Element& element, Layer layer, int row);
+
+/// The values of a port to be read; all zero for a port number that names nothing.
+const PortValues& PortRead(const Element& element, Layer layer, int port);
+
+}  // namespace standin
