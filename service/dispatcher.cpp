@@ -9,6 +9,9 @@
 #include "service/exchange_log.h"
 #include "service/server_root.h"
 #include "text/ansi_to_utf8.h"
+#include "variables/var_batch.h"
+#include "variables/var_read.h"
+#include "variables/var_write.h"
 
 namespace vorn {
 
@@ -27,6 +30,25 @@ void Fph(const std::string& midData, const std::string& /*midValue*/, std::strin
     reply = DirectoryHolds(DirectoryText(AnsiToUtf8(ServerRootGet())), midData) ? "1" : "0";
 }
 
+/// The name that stands for a batch in the place of a variable's.
+constexpr std::string_view BatchName = "json";
+
+void Set(const std::string& midData, const std::string& midValue, std::string& reply) {
+    if (midData == BatchName) {
+        VarSetByJson(midValue.c_str(), reply);
+    } else {
+        reply = VarSetByName(midData.c_str(), midValue.c_str());
+    }
+}
+
+void Get(const std::string& midData, const std::string& midValue, std::string& reply) {
+    if (midData == BatchName) {
+        VarGetByJson(midValue.c_str(), reply);
+    } else {
+        reply = VarGetByName(midData.c_str());
+    }
+}
+
 struct VerbRow {
     std::string_view word;
     void (*serve)(const std::string& midData, const std::string& midValue, std::string& reply);
@@ -34,8 +56,7 @@ struct VerbRow {
 };
 
 constexpr VerbRow VerbTable[] = {
-    {"Set", nullptr, true}, {"Get", nullptr, false}, {"Put", nullptr, true},
-    {"Fdp", Fdp, false},    {"Fph", Fph, false},
+    {"Set", Set, true}, {"Get", Get, false}, {"Put", nullptr, true}, {"Fdp", Fdp, false}, {"Fph", Fph, false},
 };
 
 /// No command, but logged as a write: clients know it as a word for moving elements.
