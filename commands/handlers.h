@@ -15,4 +15,23 @@ std::string AddModule(const Request& request);
 std::string AddNode(const Request& request);
 std::string AddLink(const Request& request);
 
+std::string PreGet(const Request& request);
+std::string TempGet(const Request& request);
+std::string FlowGet(const Request& request);
+std::string RoomGet(const Request& request);
+std::string VarInfoGet(const Request& request);
+std::string VarCacheGet(const Request& request);
+std::string RunValueGet(const Request& request);
+std::string VarValueSet(const Request& request);
+std::string VarCacheSet(const Request& request);
+std::string RunValueSet(const Request& request);
+std::string CacheToRun(const Request& request);
+std::string RunToCache(const Request& request);
+std::string ImportantGet(const Request& request);
+std::string ImportantSet(const Request& request);
+
+std::string PjtAddVar(const Request& request);
+std::string PjtDleVar(const Request& request);
+std::string PjtCerGet(const Request& request);
+
 }  // namespace vorn
