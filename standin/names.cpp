@@ -33,12 +33,13 @@ bool PortParse(std::string_view text, DecodedName& decoded) {
     return real != PortReals.end();
 }
 
-/// A variable of an element that is there.
-bool ElementParse(Project& project, std::string_view item, DecodedName& decoded) {
-    const auto items = ItemsOf(project, decoded.scope, decoded.element);
-    if (items.empty()) return false;
-    decoded.variable = ItemRow(items, item);
-    return decoded.variable >= 0 || PortParse(item, decoded);
+/// A variable of an element that is there: a port's value, or an item of its table.
+bool ElementParse(Project& project, std::string_view text, DecodedName& decoded) {
+    if (ElementFind(project, decoded.scope, decoded.element) == nullptr) return false;
+    if (PortParse(text, decoded)) return true;
+    decoded.port = -1;
+    decoded.variable = ItemRow(ItemsOf(project, decoded.scope, decoded.element), text);
+    return decoded.variable >= 0;
 }
 
 bool ProjectVariableParse(Project& project, std::string_view text, DecodedName& decoded) {
