@@ -1,0 +1,239 @@
+// The commands on the values of one element, project variables, and the performance report.
+
+#include <string>
+#include <vector>
+
+#include "engine/vorn_core.h"
+#include "tests/support/service_test.h"
+
+namespace {
+
+using std::string;
+
+/// A project P with the room MOD0, the valve MOD1, the node NOD0 and the link LNK0 between the last two.
+class ValuesTest : public ServiceTest {
+  protected:
+    ValuesTest() {
+        Send("Create", "P");
+        Send("AddModule", "P", R"({"VornModuleID":25092208120526336,"DeviceName":"房间"})");
+        Send("AddModule", "P", R"({"VornModuleID":26010100000000012,"DeviceName":"阀门"})");
+        Send("AddNode", "P", R"({"VornModuleID":3000,"NodeName":"FLUID"})");
+        Send("AddLink", "P", R"({"F_InstanceID":"MOD1","F_PortNb":1,"S_InstanceID":"NOD0"})");
+    }
+};
+
+/// The engine calls of one command, but for the frame's own, on one line.
+string OwnCalls(const string& command, const string& name, const string& messages) {
+    string line;
+    for (const string& call : CallsOf(command, name, messages)) {
+        if (!call.starts_with("NameParsing_ModNod")) line += (line.empty() ? "" : " ") + call;
+    }
+    return line;
+}
+
+constexpr const char* NotFound = "none varname 找不到变量名称";
+constexpr const char* BadColumn = "仅有1、2、3套库值，您调用的column编号不可用";
+constexpr const char* Ref = "Pipe_PjtVarValueRef(0)";
+constexpr const char* ZeroRoom = R"({"InsideTemperature":0.0,"OutsideTemperature":0.0,"InsideHumidity":0.0,)"
+                                 R"("OutsideHumidity":0.0,"InsidePm25":0.0,"OutsidePm25":0.0})";
+
+TEST_F(ValuesTest, ServesEachKindInItsWay) {
+    const string full(255, 'v');
+    const string node = "ProjectNodeItemValueSet(0,0,";
+    const string valve = "ProjectModuleItemValueSet(0,1,";
+    const string read = "ProjectNameGet(0) NameParsing(\"P_MOD1_IM0_";
+    const string andRef = string(" ") + Ref;
+    const struct {
+        string command, element, messages, reply, calls;
+    } rows[] = {
+        {"PreGet", "MOD1", "", "0.000000", read + "PRE\") ModPortGet(0,1,0,0)"},
+        {"TempGet", "MOD1", "", "0.000000", read + "TEMP\") ModPortGet(0,1,0,1)"},
+        {"FlowGet", "MOD1", "", "0.000000", read + "FLOW\") ModPortGet(0,1,0,2)"},
+        {"PreGet", "NOD0", "", "0.00", ""},
+        {"TempGet", "JMP3", "", "0.00", ""},
+        {"FlowGet", "LNK0", "", "0.00", ""},
+        {"PreGet", "MOD7", "", NotFound, "ProjectNameGet(0) NameParsing(\"P_MOD7_IM0_PRE\")"},
+        {"RoomGet", "NOD0", "", ZeroRoom, ""},
+        {"RoomGet", "LNK0", "", ZeroRoom, ""},
+        {"VarInfoGet", "LNK0", "", "[]", "Pipe_ModuleVarValueGet(0,4,0)"},
+        {"VarCacheGet", "JMP3", "", "[]", "Pipe_ModuleVarCacheGet(0,3,3)"},
+        {"RunValueGet", "MOD7", "", "[]", "Pipe_ModuleRunValueGet(0,1,7)"},
+
+        {"VarValueSet", "MOD1", R"({"Row":0,"Column":7,"Value":"x"})", "OK", valve + "0,7,\"x\")" + andRef},
+        {"VarValueSet", "NOD0", R"({"Row":2,"Column":-1,"Value":"x"})", "OK", node + "2,-1,\"x\")" + andRef},
+        {"VarValueSet", "LNK0", R"({"Row":2,"Column":1,"Value":"x"})", "OK", Ref},
+        {"VarValueSet", "MOD1", R"({"Row":1.5,"Column":"2","Value":3})", "OK", valve + "0,0,\"\")" + andRef},
+        {"VarValueSet", "MOD1", "no object", "OK", valve + "0,0,\"\")" + andRef},
+        {"VarValueSet", "MOD1", R"({"Value":")" + full + "\"}", "OK",
+         valve + "0,0,\"" + full + "\")" + andRef},
+        {"VarValueSet", "MOD1", R"({"Value":"v)" + full + "\"}", "shibai", ""},
+
+        {"VarCacheSet", "MOD1", R"({"Row":1,"Column":1,"Value":"x"})", "OK", valve + "1,2,\"x\")" + andRef},
+        {"VarCacheSet", "NOD0", R"({"Column":3})", "OK", node + "0,4,\"\")" + andRef},
+        {"VarCacheSet", "JMP3", R"({"Column":2})", "OK", Ref},
+        {"VarCacheSet", "MOD1", R"({"Column":4,"Value":"x"})", BadColumn, Ref},
+        {"VarCacheSet", "LNK0", R"({"Column":0})", BadColumn, Ref},
+        {"VarCacheSet", "MOD1", "", BadColumn, Ref},
+        {"VarCacheSet", "MOD1", R"({"Column":9,"Value":"v)" + full + "\"}", "shibai", ""},
+
+        {"RunValueSet", "MOD1", R"({"Row":1,"Column":3,"Value":"x"})", "OK", valve + "1,1,\"x\")"},
+        {"RunValueSet", "NOD0", "[]", "OK", node + "0,1,\"\")"},
+        {"RunValueSet", "LNK0", "{}", "OK", ""},
+        {"RunValueSet", "LNK0", R"({"Value":"v)" + full + "\"}", "shibai", ""},
+
+        {"CacheToRun", "MOD1", "", "OK", "Pjt_Modu_PchToRun(0,1,0)"},
+        {"CacheToRun", "NOD0", " +2x", "OK", "Pjt_Node_PchToRun(0,0,2)"},
+        {"CacheToRun", "MOD1", "3", "shibai", ""},
+        {"CacheToRun", "MOD1", "-1", "shibai", ""},
+        {"CacheToRun", "LNK0", "0", "shibai", ""},
+        {"RunToCache", "MOD1", "1", "OK", "Pjt_Modu_RunToPch(0,1,1)" + andRef},
+        {"RunToCache", "NOD0", "x", "OK", "Pjt_Node_RunToPch(0,0,0)" + andRef},
+        {"RunToCache", "MOD1", "3", "shibai", ""},
+        {"RunToCache", "LNK0", "2", "shibai", Ref},
+        {"RunToCache", "LNK0", "99999999999", "shibai", ""},
+
+        {"ImportantSet", "MOD1", " a\"b", "OK", "Pipe_ImportantSet(0,1,\" a\"b\")"},
+        {"ImportantSet", "NOD0", "a", "shibai", ""},
+        {"ImportantSet", "LNK0", "a", "shibai", ""},
+        {"ImportantGet", "", "", R"([{"InstanceID":"MOD1","Important":" a\"b"}])", "Pipe_ImportantGet(0)"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(Send(row.command, "P_" + row.element, row.messages), row.reply)
+            << row.command << ' ' << row.element << ' ' << row.messages;
+        EXPECT_EQ(OwnCalls(row.command, "P_" + row.element, row.messages), row.calls)
+            << row.command << ' ' << row.element << ' ' << row.messages;
+    }
+}
+
+TEST_F(ValuesTest, ShowsARoomAsTexts) {
+    const char* items[] = {"InsideTemperature", "OutsideTemperature", "InsideHumidity",
+                           "OutsideHumidity",   "InsidePm25",         "OutsidePm25"};
+    string room;
+    string none;
+    for (int row = 0; row < 6; ++row) {
+        const string value = std::to_string(row) + ".5";
+        Send("Set", string("P_MOD0_") + items[row], value);
+        room += string(row == 0 ? "{" : ",") + '"' + items[row] + "\":\"" + value + "00000\"";
+        none += string(row == 0 ? "{" : ",") + '"' + items[row] + "\":\"" + NotFound + '"';
+    }
+    EXPECT_EQ(Send("RoomGet", "P_MOD0"), room + '}');
+    EXPECT_EQ(Send("RoomGet", "P_MOD1"), none + '}');
+}
+
+TEST_F(ValuesTest, MovesValuesBetweenTheLayers) {
+    ModuleInstanceIDSet(0, 1, "valve");  // a free identity leads to the element too
+    for (const char* set : {"1", "2", "3"}) {
+        Send("VarCacheSet", "P_valve", string(R"({"Column":)") + set + R"(,"Value":"1)" + set + "\"}");
+        Send("VarCacheSet", "P_NOD0", string(R"({"Row":1,"Column":)") + set + R"(,"Value":"2)" + set + "\"}");
+    }
+    EXPECT_EQ(Send("VarCacheGet", "P_MOD1"), R"([{"Row":0,"Item":"Opening","Sets":[11.0,12.0,13.0]}])");
+    EXPECT_EQ(Send("Get", "P_MOD1_Opening"), "0.000000");
+    Send("CacheToRun", "P_MOD1", "1");
+    Send("CacheToRun", "P_NOD0", "2");
+    EXPECT_EQ(Send("Get", "P_MOD1_Opening"), "12.000000");
+    EXPECT_EQ(Send("RunValueGet", "P_NOD0"),
+              R"([{"Row":0,"Item":"Pressure","Value":0.0},{"Row":1,"Item":"Temperature","Value":23.0},)"
+              R"({"Row":2,"Item":"Flow","Value":0.0}])");
+
+    Send("RunValueSet", "P_MOD1", R"({"Value":"99"})");
+    Send("Set", "P_MOD1_IM1_TEMP", "4.5");
+    Send("Set", "P_NOD0_Temperature", "77");
+    Send("RunToCache", "P_MOD1", "0");
+    Send("RunToCache", "P_NOD0", "0");
+    EXPECT_EQ(Send("VarCacheGet", "P_MOD1"), R"([{"Row":0,"Item":"Opening","Sets":[99.0,12.0,13.0]}])");
+    EXPECT_NE(Send("VarCacheGet", "P_NOD0").find(R"("Temperature","Sets":[77.0,22.0,23.0])"), string::npos);
+    Send("CacheToRun", "P_MOD1", "1");
+    EXPECT_EQ(Send("Get", "P_MOD1_IM1_TEMP"), "0.000000");
+    Send("CacheToRun", "P_MOD1", "0");
+    EXPECT_EQ(Send("Get", "P_MOD1_IM1_TEMP"), "4.500000");
+}
+
+TEST_F(ValuesTest, TellsTheVariablesOfAnElement) {
+    Send("Set", "P_MOD1_Opening", "nan");
+    Send("Set", "P_MOD1_IM1_FLOW", "1.25");
+    Send("Set", "P_MOD1_IM1_ARY", "1,2,-inf");
+    EXPECT_EQ(Send("VarInfoGet", "P_MOD1"),
+              R"([{"Row":0,"Item":"Opening","Name":"P_MOD1_Opening","Value":null},)"
+              R"({"Port":0,"Name":"P_MOD1_IM0_PRE","Value":0.0},)"
+              R"({"Port":0,"Name":"P_MOD1_IM0_TEMP","Value":0.0},)"
+              R"({"Port":0,"Name":"P_MOD1_IM0_FLOW","Value":0.0},)"
+              R"({"Port":0,"Name":"P_MOD1_IM0_ARY","Value":[0.0,0.0,0.0,0.0,0.0,0.0,0.0,0.0]},)"
+              R"({"Port":1,"Name":"P_MOD1_IM1_PRE","Value":0.0},)"
+              R"({"Port":1,"Name":"P_MOD1_IM1_TEMP","Value":0.0},)"
+              R"({"Port":1,"Name":"P_MOD1_IM1_FLOW","Value":1.25},)"
+              R"({"Port":1,"Name":"P_MOD1_IM1_ARY","Value":[1.0,2.0,null,0.0,0.0,0.0,0.0,0.0]}])");
+    const string node = Send("VarInfoGet", "P_NOD0");
+    EXPECT_NE(node.find(R"({"Port":0,"Name":"P_NOD0_IM0_PRE","Value":0.0})"), string::npos);
+    EXPECT_EQ(node.find("IM1_"), string::npos);
+}
+
+constexpr const char* NotAdded = "重名或变量数量达到上限";
+constexpr const char* NotDeleted = "找不到变量名";
+
+TEST_F(ValuesTest, AddsAndDeletesProjectVariables) {
+    const string longest(63, 'x');
+    const string overlong(64, 'x');
+    const struct {
+        string command, messages, reply, calls;
+    } rows[] = {
+        {"PjtAddVar", "Q_1", "OK", string(R"(ProjectNameGet(0) ProjectVarAdd("P",0,"Q_1") )") + Ref},
+        {"PjtAddVar", "Q_1", NotAdded, R"(ProjectNameGet(0) ProjectVarAdd("P",0,"Q_1"))"},
+        {"PjtAddVar", "GTemp", NotAdded, R"(ProjectNameGet(0) ProjectVarAdd("P",0,"GTemp"))"},
+        {"PjtDleVar", "Q_1", "OK", string(R"(ProjectNameGet(0) ProjectVarDle("P","Q_1") )") + Ref},
+        {"PjtDleVar", "Q_1", NotDeleted, R"(ProjectNameGet(0) ProjectVarDle("P","Q_1"))"},
+    };
+    for (const auto& row : rows) {
+        standin::TraceStart();
+        EXPECT_EQ(Send(row.command, "P", row.messages), row.reply) << row.command << row.messages;
+        string line;
+        for (const string& call : standin::TraceStop()) line += call + ' ';
+        EXPECT_EQ(line, "NameParsing_ModNod(\"P\") " + row.calls + ' ');
+    }
+    for (const string& bad :
+         std::vector<string>{"", "a b", "a/b", "变量", "MOD7_PL", "NOD0_x", "xx\"", overlong}) {
+        EXPECT_EQ(Send("PjtAddVar", "P", bad), NotAdded) << bad;
+    }
+    for (const string& good : std::vector<string>{longest, "q", "Q", "MOD7", "MODE_x", "7", "_"}) {
+        EXPECT_EQ(Send("PjtAddVar", "P", good), "OK") << good;
+        EXPECT_EQ(Send("Get", "P_" + good), "0.000000") << good;
+    }
+    EXPECT_EQ(Send("PjtDleVar", "P", "GTemp"), NotDeleted);
+    EXPECT_EQ(Send("PjtDleVar", "P", ""), NotDeleted);
+}
+
+TEST_F(ValuesTest, FillsTheTableOfProjectVariables) {
+    int added = 0;
+    while (Send("PjtAddVar", "P", "v" + std::to_string(added)) == "OK") {
+        Send("Set", "P_v" + std::to_string(added), std::to_string(added));
+        ++added;
+    }
+    EXPECT_EQ(added, 250);
+    EXPECT_EQ(Send("PjtDleVar", "P", "v100"), "OK");
+    EXPECT_EQ(Send("Get", "P_v100"), NotFound);
+    EXPECT_EQ(Send("PjtAddVar", "P", "w"), "OK");
+    EXPECT_EQ(Send("Get", "P_w"), "0.000000");
+    EXPECT_EQ(Send("Get", "P_v100"), NotFound);
+    EXPECT_EQ(Send("Get", "P_v249"), "249.000000");
+}
+
+TEST_F(ValuesTest, ReportsThePerformance) {
+    Send("Set", "P_COP", "3.25");
+    Send("Set", "P_WAll", "100");
+    Send("Set", "P_GTemp", "-10");
+    const auto report = [](const string& store) {
+        return R"({"data":"效率值:3.250000(COP)\n总能耗:100.000000(KW)\n库温:)" + store +
+               R"~((摄氏度)\n蒸发温度:-10.000000(摄氏度)"})~";
+    };
+    EXPECT_EQ(Send("PjtCerGet", "P"), report(NotFound));
+    ProjectAddModule("P", 145, ModuleOneID_ToID(26010100000000022), 0, 0, 0);
+    Send("Set", "P_MOD145_BKT_TEMP", "-18.5");
+    EXPECT_EQ(Send("PjtCerGet", "P"), report("-18.500000"));
+
+    string reads;
+    for (const string& call : CallsOf("PjtCerGet", "P")) {
+        if (call.starts_with("Glo") || call.starts_with("Mod")) reads += call + ' ';
+    }
+    EXPECT_EQ(reads, "GloGet(0,0) ModGet(0,145,0) GloGet(0,1) GloGet(0,2) ");
+}
+
+}  // namespace

@@ -1,0 +1,333 @@
+// Variables by name: the store's calls, the texts of values, the names of the stand-in, batches, locales.
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <clocale>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "engine/vorn_core.h"
+#include "tests/support/service_test.h"
+#include "variables/var_read.h"
+#include "variables/var_write.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using std::string;
+
+constexpr const char* NotFound = "none varname 找不到变量名称";
+
+/// A project P with the pipe MOD0 and the node NOD0.
+class VariablesTest : public ServiceTest {
+  protected:
+    VariablesTest() {
+        Send("Create", "P");
+        Send("AddModule", "P", R"({"VornModuleID":24032022192805856,"DeviceName":"铸铁管道"})");
+        Send("AddNode", "P", R"({"VornModuleID":3000,"NodeName":"FLUID"})");
+    }
+};
+
+/// An array's text that begins so and has zeros for the rest.
+string Padded(string text, const string& zero) {
+    const auto commas = std::count(text.begin(), text.end(), ',');
+    for (auto count = text.empty() ? 0 : commas + 1; count < 8; ++count) {
+        text += (text.empty() ? "" : ",") + zero;
+    }
+    return text;
+}
+
+string Reals(const string& text) {
+    return Padded(text, "0.00000000");
+}
+string Integers(const string& text) {
+    return Padded(text, "0");
+}
+
+using Calls = std::vector<string>;
+
+/// What is written of the text 7.25,8 for each kind of value, as the trace shows it.
+const string Written[] = {"7.250000)", "7)",
+                          "[7.250000 8.000000 0.000000 0.000000 0.000000 0.000000 0.000000 0.000000])",
+                          "[7 8 0 0 0 0 0 0])"};
+
+TEST_F(VariablesTest, CallsTheStoreAsTheKindAndPlaceSay) {
+    const string real = "7.250000";
+    const string reals = Reals("7.25000000,8.00000000");
+    const string noReals = Reals("");
+    const string integers = Integers("7,8");
+    const string noIntegers = Integers("");
+    const struct {
+        int type, scope, port;
+        string read, text, write;
+    } rows[] = {
+        {0, 0, -1, "GloGet(0,2)", real, "w_GloSet(0,2,"},
+        {0, 0, 5, "GloGet(0,2)", real, "w_GloSet(0,2,"},
+        {0, 1, -1, "ModGet(0,0,2)", real, "w_ModSet(0,0,2,"},
+        {0, 1, 0, "ModPortGet(0,0,0,2)", real, "w_ModPortSet(0,0,0,2,"},
+        {0, 2, -1, "NodGet(0,0,2)", real, "w_NodSet(0,0,2,"},
+        {0, 9, 15, "NodPortGet(0,0,15,2)", real, "w_NodPortSet(0,0,15,2,"},
+        {1, 0, 5, "GloIntGet(0,3)", "7", "w_GloIntSet(0,3,"},
+        {1, 1, -1, "ModIntGet(0,0,3)", "0", "w_ModIntSet(0,0,3,"},
+        {1, 1, 5, "ModIntGet(0,0,3)", "0", "w_ModIntSet(0,0,3,"},
+        {1, 2, -1, "NodIntGet(0,0,3)", "0", "w_NodIntSet(0,0,3,"},
+        {1, 2, 0, "", "0", "w_NodIntSet(0,0,3,"},
+        {2, 0, 5, "GloAryGet(0,4)", reals, "w_GloArySet(0,4,"},
+        {2, 1, -1, "ModAryGet(0,0,4)", noReals, "w_ModArySet(0,0,4,"},
+        {2, 1, 1, "ModPortAryGet(0,0,1)", reals, "w_ModPortArySet(0,0,1,"},
+        {2, -1, -1, "NodAryGet(0,0,4)", noReals, "w_NodArySet(0,0,4,"},
+        {2, 2, 0, "NodPortAryGet(0,0,0)", reals, "w_NodPortArySet(0,0,0,"},
+        {3, 0, 5, "GloIntAryGet(0,5)", integers, "w_GloIntArySet(0,5,"},
+        {3, 1, -1, "ModIntAryGet(0,0,5)", noIntegers, "w_ModIntArySet(0,0,5,"},
+        {3, 1, 5, "ModIntAryGet(0,0,5)", noIntegers, "w_ModIntArySet(0,0,5,"},
+        {3, 2, -1, "NodIntAryGet(0,0,5)", noIntegers, "w_NodIntArySet(0,0,5,"},
+        {3, 2, 5, "", noIntegers, "w_NodIntArySet(0,0,5,"},
+    };
+    for (const auto& row : rows) {
+        standin::NameDefine("X", {row.scope, row.type, 0, 0, row.port, row.type + 2});
+        Calls calls = {"NameParsing(\"X\")", row.write + Written[row.type]};
+        EXPECT_EQ(CallsOf("Set", "X", "7.25,8"), calls);
+        calls.pop_back();
+        if (!row.read.empty()) calls.push_back(row.read);
+        EXPECT_EQ(CallsOf("Get", "X"), calls);
+        EXPECT_EQ(Send("Get", "X"), row.text) << row.write;
+    }
+}
+
+TEST_F(VariablesTest, TouchesNothingWithoutAKnownNameOrKind) {
+    for (const int type : {-1, 4}) {
+        standin::NameDefine("X", {.type = type});
+        EXPECT_EQ(Send("Get", "X"), "变量类型错误,请联系技术支持");
+        EXPECT_EQ(Send("Set", "X", "1"), "OK");
+        EXPECT_EQ(CallsOf("Get", "X"), Calls{"NameParsing(\"X\")"});
+        EXPECT_EQ(CallsOf("Set", "X", "1"), Calls{"NameParsing(\"X\")"});
+    }
+    EXPECT_EQ(CallsOf("Set", "Y", "1"), Calls{"NameParsing(\"Y\")"});
+}
+
+TEST_F(VariablesTest, ReadsValueTexts) {
+    const struct {
+        string value, real, integer, reals, integers;
+    } rows[] = {
+        {"", "0.000000", "0", "", ""},
+        {"abc", "0.000000", "0", "", ""},
+        {"1.5", "1.500000", "1", "1.50000000", "1"},
+        {"3.7x", "3.700000", "3", "3.70000000", "3"},
+        {"+5", "5.000000", "5", "5.00000000", "5"},
+        {"+-5", "0.000000", "0", "", ""},
+        {"-3", "-3.000000", "-2", "-3.00000000", "-2"},
+        {"2.998", "2.998000", "2", "2.99800000", "3"},
+        {"2.999", "2.999000", "3", "2.99900000", "3"},
+        {"2.9995", "2.999500", "3", "2.99950000", "3"},
+        {"1,2,3", "1.000000", "1", "1.00000000,2.00000000,3.00000000", "1,2,3"},
+        {"1,2,", "1.000000", "1", "1.00000000,2.00000000", "1,2"},
+        {",5", "0.000000", "0", "0.00000000,5.00000000", "0,5"},
+        {" \t1, 2 ,\n3", "1.000000", "1", "1.00000000,2.00000000,3.00000000", "1,2,3"},
+        {"1,2,3,4,5,6,7,8,9", "1.000000", "1",
+         "1.00000000,2.00000000,3.00000000,4.00000000,5.00000000,6.00000000,7.00000000,8.00000000",
+         "1,2,3,4,5,6,7,8"},
+        {string(190, '0') + "12,7", "12.000000", "12", "1.00000000,7.00000000", "1,7"},
+        {"1e400,2", "inf", "2147483647", "0.00000000,2.00000000", "2147483640,2"},
+        {"-1e400,2", "-inf", "-2147483648", "0.00000000,2.00000000", "-2147483640,2"},
+        {"1e-400", "0.000000", "0", "", ""},
+        {"nan,2", "nan", "0", "0.00000000,2.00000000", "0,2"},
+        {"1e14", "100000000000000.000000", "2147483647", "9999999999999.00000000", "2147483640"},
+        {"2147483647", "2147483647.000000", "2147483647", "2147483647.00000000", "2147483640"},
+        {"-2147483648", "-2147483648.000000", "-2147483647", "-2147483648.00000000", "-2147483640"},
+        {"0x10,0x1p3", "16.000000", "16", "16.00000000,8.00000000", "16,8"},
+        {".5e1z", "5.000000", "5", "5.00000000", "5"},
+        {"1e", "1.000000", "1", "1.00000000", "1"},
+    };
+    for (const auto& row : rows) {
+        const auto check = [&](const string& name, const string& text) {
+            Send("Set", name, "9,9,9,9,9,9,9,9");
+            EXPECT_EQ(Send("Set", name, row.value), "OK");
+            EXPECT_EQ(Send("Get", name), text) << name << ' ' << row.value;
+        };
+        check("P_GTemp", row.real);
+        check("P_GStep", row.integer);
+        check("P_GSeries", Reals(row.reals));
+        check("P_GCounts", Integers(row.integers));
+    }
+}
+
+TEST_F(VariablesTest, WritesTheLongestTexts) {
+    Send("Set", "P_GSeries", "-1e20,-1e20,-1e20,-1e20,-1e20,-1e20,-1e20,-1e20");
+    const string longest = Send("Get", "P_GSeries");
+    EXPECT_EQ(longest.size(), 191U);
+    EXPECT_EQ(longest.substr(168), "-9999999999999.00000000");
+    Send("Set", "P_MOD0_IM3_ARY", longest);
+    EXPECT_EQ(Send("Get", "P_MOD0_IM3_ARY"), longest);
+    Send("Set", "P_GTemp", "-1.7976931348623157e308");
+    EXPECT_EQ(Send("Get", "P_GTemp").size(), 1U + 309 + 7);
+}
+
+TEST_F(VariablesTest, KnowsItsNames) {
+    const struct {
+        string name;
+        bool known;
+    } rows[] = {
+        {"p_GTemp", true},
+        {"P_gtemp", false},
+        {"P_MOD0_D", true},
+        {"P_MOD0_d", false},
+        {"P_NOD0_Flow", true},
+        {"P_NOD0_D", false},
+        {"P_MOD0_IM0_PRE", true},
+        {"P_MOD0_IM15_FLOW", true},
+        {"P_NOD0_IM9_TEMP", true},
+        {"P_MOD0_IM16_PRE", false},
+        {"P_MOD0_IM0_XXX", false},
+        {"P_MOD0_IM0", false},
+        {"P_MOD0_IM-1_PRE", false},
+        {"P_MOD0_IM_PRE", false},
+        {"P_MOD1_D", false},
+        {"P_MOD-1_D", false},
+        {"P_MOD_D", false},
+        {"P_MOD99999999999_D", false},
+        {"P_MOD0_IM9999999999_PRE", false},
+        {"P_LNK0_D", false},
+        {"P_MOD0_", false},
+        {"P_MOD0", false},
+        {"P_", false},
+        {"P", false},
+        {"", false},
+        {"_GTemp", false},
+        {"Q_GTemp", false},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(Send("Set", row.name, "3.5"), row.known ? "OK" : NotFound) << row.name;
+        EXPECT_EQ(Send("Get", row.name), row.known ? "3.500000" : NotFound) << row.name;
+    }
+    EXPECT_EQ(Send("Get", "P_MOD0_PL"), "0.000000");
+    Pipe_DeleteModule(0, 0);
+    EXPECT_EQ(Send("Get", "P_MOD0_D"), NotFound);
+}
+
+TEST_F(VariablesTest, AnswersBatches) {
+    const struct {
+        string verb, request, reply;
+        string first, second;  ///< what GTemp and WAll hold afterwards, from 5 and 6 before
+    } rows[] = {
+        {"Get", R"({"VarName":["P_GTemp","X","P_WAll"],"VarValue":["1"]})",
+         R"(["5.000000","none varname 找不到变量名称","6.000000"])", "5", "6"},
+        {"Get", R"({"VarName":[7,null,["P_GTemp"],"P_GTemp","a\"b","P_GTemp\u0000x"]})",
+         R"(["none varname 找不到变量名称","none varname 找不到变量名称","none varname 找不到变量名称",)"
+         R"("5.000000","none varname 找不到变量名称","5.000000"])",
+         "5", "6"},
+        {"Set", R"({"VarName":["P_GTemp","P_WAll"],"VarValue":["1"]})", R"(["OK"])", "1", "6"},
+        {"Set", R"({"VarName":["P_GTemp"],"VarValue":["1","2"]})", R"(["OK"])", "1", "6"},
+        {"Set", R"({"VarName":["X","P_WAll"],"VarValue":["1","2"]})",
+         R"(["none varname 找不到变量名称","OK"])", "5", "2"},
+        {"Set", R"({"VarName":["P_GTemp","P_GTemp"],"VarValue":["1","2"]})", R"(["OK","OK"])", "2", "6"},
+        {"Set", R"({"VarName":["P_GTemp","P_WAll"]})", R"(["OK","OK"])", "0", "0"},
+        {"Set", R"({"VarName":["P_GTemp","P_WAll"],"VarValue":{}})", R"(["OK","OK"])", "0", "0"},
+        {"Set", R"({"VarName":["P_GTemp"],"VarValue":[]})", "[]", "5", "6"},
+        {"Set", R"({"VarName":["P_GTemp","P_WAll"],"VarValue":[true,-2.50]})", R"(["shibai","OK"])", "5",
+         "-2.5"},
+        {"Set", R"({"VarName":["P_GTemp","P_WAll"],"VarValue":[["1"],1e2]})", R"(["shibai","OK"])", "5",
+         "100"},
+        {"Set", R"({"VarName":[1,"P_WAll"],"VarValue":["1","2"]})", R"(["none varname 找不到变量名称","OK"])",
+         "5", "2"},
+    };
+    for (const auto& row : rows) {
+        Send("Set", "P_GTemp", "5");
+        Send("Set", "P_WAll", "6");
+        EXPECT_EQ(Send(row.verb, "json", row.request), row.reply) << row.request;
+        EXPECT_EQ(std::stod(Send("Get", "P_GTemp")), std::stod(row.first)) << row.request;
+        EXPECT_EQ(std::stod(Send("Get", "P_WAll")), std::stod(row.second)) << row.request;
+    }
+    for (const string request : {R"({"VarName":[]})", R"({"VarName":"X"})", "{}", "[]", "", "{", "7",
+                                 R"({"VarName":["P_GTemp"]}x)", R"({"VarValue":["1"]})"}) {
+        EXPECT_EQ(Send("Get", "json", request), "[]") << request;
+        EXPECT_EQ(Send("Set", "json", request), "[]") << request;
+    }
+    EXPECT_EQ(Send("Get", "json", R"({"VarName":)" + string(100000, '[')), "[]");
+}
+
+TEST_F(VariablesTest, AnswersAHundredThousandNames) {
+    string names;
+    string values;
+    string read;
+    string written;
+    for (int position = 0; position < 100000; ++position) {
+        const string comma = position == 0 ? "" : ",";
+        const bool known = position % 3 != 0;
+        names += comma + (known ? R"("P_MOD0_IM1_TEMP")" : R"("P_MOD9_PL")");
+        values += comma + '"' + std::to_string(position) + '"';
+        read += comma + '"' + (known ? "99998.000000" : NotFound) + '"';
+        written += comma + '"' + (known ? "OK" : NotFound) + '"';
+    }
+    const string begin = R"({"VarName":[)" + names;
+    EXPECT_TRUE(Send("Set", "json", begin + R"(],"VarValue":[)" + values + "]}") == '[' + written + ']');
+    EXPECT_TRUE(Send("Get", "json", begin + "]}") == '[' + read + ']');
+}
+
+TEST_F(VariablesTest, ServesThreadsSideBySide) {
+    std::atomic<int> faults = 0;
+    const auto client = [&faults](int port) {
+        const string name = "P_MOD0_IM" + std::to_string(port) + "_ARY";
+        for (int step = 0; step < 500; ++step) {
+            const string value = Reals(std::to_string(port * 1000 + step) + ".00000000");
+            vorn::VarSetByName(name.c_str(), value.c_str());
+            if (vorn::VarGetByName(name.c_str()) != value) ++faults;
+        }
+    };
+    std::vector<std::jthread> clients;
+    for (int port = 0; port < 4; ++port) clients.emplace_back(client, port);
+    clients.clear();
+    EXPECT_EQ(faults, 0);
+}
+
+/// A German locale of the test's own making, set for the process while the object lives.
+class GermanLocale {
+  public:
+    GermanLocale() {
+        const string build = "localedef -i de_DE -f UTF-8 '" + (folder_ / "de_DE.UTF-8").string() + "'";
+        fs::create_directories(folder_);
+        if (std::system((build + " >/dev/null 2>&1").c_str()) != 0) return;
+        setenv("LOCPATH", folder_.c_str(), 1);
+        set_ = std::setlocale(LC_ALL, "de_DE.UTF-8") != nullptr;
+    }
+    ~GermanLocale() {
+        std::setlocale(LC_ALL, "C");
+        unsetenv("LOCPATH");
+        fs::remove_all(folder_);
+    }
+    GermanLocale(const GermanLocale&) = delete;
+    GermanLocale& operator=(const GermanLocale&) = delete;
+    bool Set() const { return set_; }
+
+  private:
+    const fs::path folder_ = fs::path(testing::TempDir()) / ("vorn_locale_" + std::to_string(getpid()));
+    bool set_ = false;
+};
+
+TEST_F(VariablesTest, KeepsTheDecimalPointInAnyLocale) {
+    const GermanLocale locale;
+    if (!locale.Set())
+        GTEST_SKIP() << "no German locale: localedef or its sources (package locales) are missing";
+    char comma[8];
+    std::snprintf(comma, sizeof comma, "%.1f", 0.5);
+    ASSERT_STREQ(comma, "0,5");
+
+    const string batch = R"({"VarName":["P_GTemp","P_WAll"],"VarValue":["21.5",-2.75]})";
+    EXPECT_EQ(Send("Set", "json", batch), R"(["OK","OK"])");
+    EXPECT_EQ(Send("Get", "json", batch), R"(["21.500000","-2.750000"])");
+    Send("Set", "P_GSeries", "1234567.25,0x1.8p1,1e400");
+    EXPECT_EQ(Send("Get", "P_GSeries"), Reals("1234567.25000000,3.00000000"));
+    Send("Set", "P_GStep", "1234.9995");
+    EXPECT_EQ(Send("Get", "P_GStep"), "1235");
+    Send("RunValueSet", "P_MOD0", R"({"Row":2,"Value":"0.125"})");
+    EXPECT_EQ(Send("RunValueGet", "P_MOD0"),
+              R"([{"Row":0,"Item":"PL","Value":0.0},{"Row":1,"Item":"ElbowNb","Value":0.0},)"
+              R"({"Row":2,"Item":"D","Value":0.125}])");
+}
+
+}  // namespace
