@@ -273,6 +273,7 @@ TEST_F(VariablesTest, ServesThreadsSideBySide) {
         }
     };
     std::vector<std::jthread> clients;
+    clients.reserve(4);
     for (int port = 0; port < 4; ++port) clients.emplace_back(client, port);
     clients.clear();
     EXPECT_EQ(faults, 0);
