@@ -30,8 +30,8 @@ using enum Log;
 constexpr CommandRow CommandTable[] = {
     {"Create", NewProject, Create, Writes},        {"Open", NewProject, Open, Writes},
     {"AddModule", Project, AddModule, Writes},     {"AddNode", Project, AddNode, Writes},
-    {"AddLink", Project, AddLink, Writes},         {"NetAccess", Project, nullptr, Writes},
-    {"PjtInfoChk", Project, nullptr, Reads},       {"PjtRun", Project, nullptr, Writes},
+    {"AddLink", Project, AddLink, Writes},         {"NetAccess", Project, NetAccess, Writes},
+    {"PjtInfoChk", Project, PjtInfoChk, Reads},    {"PjtRun", Project, nullptr, Writes},
     {"PjtPause", Project, nullptr, Writes},        {"PjtStep", Project, nullptr, Writes},
     {"PjtStop", Project, nullptr, Writes},         {"PjtClose", Project, nullptr, Writes},
     {"PjtClear", Project, nullptr, Reads},         {"PjtSent", Project, nullptr, Writes},

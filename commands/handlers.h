@@ -15,6 +15,9 @@ std::string AddModule(const Request& request);
 std::string AddNode(const Request& request);
 std::string AddLink(const Request& request);
 
+std::string NetAccess(const Request& request);
+std::string PjtInfoChk(const Request& request);
+
 std::string PreGet(const Request& request);
 std::string TempGet(const Request& request);
 std::string FlowGet(const Request& request);

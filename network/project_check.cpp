@@ -1,0 +1,25 @@
+#include "network/project_check.h"
+
+namespace vorn {
+
+// Without a destructor and all zero, so that it costs nothing at load and outlives every thread.
+constinit ProjectCheckCache ProjectCheck;
+
+const ModuleRow* ModuleRowFind(int module) {
+    return module >= 0 && module < ProjectCheck.ModuleNb ? &ProjectCheck.ModuleSx[module] : nullptr;
+}
+
+const NodeRow* NodeRowFind(int node) {
+    return node >= 0 && node < ProjectCheck.NodeNb ? &ProjectCheck.NodeSx[node] : nullptr;
+}
+
+int LinkRowCount() {
+    return ProjectCheck.LinkNb + ProjectCheck.PageLinkNb;
+}
+
+const LinkSxCache& LinkRowAt(int row) {
+    return row < ProjectCheck.LinkNb ? ProjectCheck.LinkSx[row]
+                                     : ProjectCheck.PageLinkSx[row - ProjectCheck.LinkNb];
+}
+
+}  // namespace vorn

@@ -1,0 +1,151 @@
+// The engine's operations that serve the network analysis: the snapshot of a project, the connections that
+// lead over jumps, and the aisles of its modules.
+
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+#include <utility>
+#include <vector>
+
+#include "engine/vorn_core.h"
+#include "standin/project.h"
+#include "standin/trace.h"
+#include "text/fixed_text.h"
+
+using namespace standin;
+
+namespace {
+
+constexpr int ModuleKind = 1;
+constexpr int NodeKind = 2;
+constexpr int JumpKind = 3;
+
+/// The record filled last, until its page links are made. The engine lock guards it.
+ProjectCheckCache* filled = nullptr;
+
+/// Rows of a table, as many as the record has room for.
+template <typename Row>
+std::int32_t CountOf(const Table<Row>& table, std::int32_t room) {
+    return std::min(static_cast<std::int32_t>(table.rows.size()), room);
+}
+
+void Fill(ModuleRow& row, const Module& module) {
+    row = {.InUse = module.inUse, .TypeNb = module.type, .PositionX = module.x, .PositionZ = module.z};
+    if (const ModuleType* type = ModuleTypeFind(module.type)) row.VornModuleOneID = type->oneId;
+    vorn::TextCopy(row.ModelID, module.modelId);
+    vorn::TextCopy(row.InstanceID, module.instanceId);
+}
+
+void Fill(NodeRow& row, const Node& node) {
+    row = {.InUse = node.inUse, .Kind = node.kind, .PositionX = node.x, .PositionZ = node.z};
+    vorn::TextCopy(row.InstanceID, node.instanceId);
+}
+
+void Fill(LinkSxCache& row, const LinkSxCache& link) {
+    row = link;
+}
+
+template <typename Row, typename SnapshotRow>
+void FillRows(const Table<Row>& table, std::int32_t count, SnapshotRow* rows) {
+    for (std::int32_t row = 0; row < count; ++row) Fill(rows[row], table.rows[static_cast<std::size_t>(row)]);
+}
+
+/// The rows that lead out of each jump, in row order.
+using JumpOutlets = std::unordered_map<std::int32_t, std::vector<const LinkSxCache*>>;
+
+bool IsPlace(std::int32_t kind) {
+    return kind == ModuleKind || kind == NodeKind;
+}
+
+JumpOutlets OutletsOf(const ProjectCheckCache& check) {
+    JumpOutlets outlets;
+    for (std::int32_t row = 0; row < check.LinkNb; ++row) {
+        const LinkSxCache& link = check.LinkSx[row];
+        if (link.InUse && link.F_Sx == JumpKind) outlets[link.F_Nb].push_back(&link);
+    }
+    return outlets;
+}
+
+/// The rows that lead from a jump, and from the jumps joined to it, to modules and nodes.
+std::vector<const LinkSxCache*> WaysOut(const JumpOutlets& outlets, std::int32_t jump) {
+    std::vector<const LinkSxCache*> ways;
+    std::vector<std::int32_t> jumps{jump};
+    std::unordered_set<std::int32_t> seen{jump};
+    for (std::size_t next = 0; next < jumps.size(); ++next) {
+        const auto found = outlets.find(jumps[next]);
+        if (found == outlets.end()) continue;
+        for (const LinkSxCache* link : found->second) {
+            if (IsPlace(link->S_Sx)) ways.push_back(link);
+            if (link->S_Sx == JumpKind && seen.insert(link->S_Nb).second) jumps.push_back(link->S_Nb);
+        }
+    }
+    return ways;
+}
+
+/// Joins each row into a jump with each way out of it, as far as there is room.
+void MakePageLinks(ProjectCheckCache& check) {
+    const JumpOutlets outlets = OutletsOf(check);
+    std::unordered_map<std::int32_t, std::vector<const LinkSxCache*>> waysOut;
+    for (std::int32_t row = 0; row < check.LinkNb; ++row) {
+        const LinkSxCache& into = check.LinkSx[row];
+        if (!into.InUse || !IsPlace(into.F_Sx) || into.S_Sx != JumpKind) continue;
+        const auto [ways, isNew] = waysOut.try_emplace(into.S_Nb);
+        if (isNew) ways->second = WaysOut(outlets, into.S_Nb);
+        for (const LinkSxCache* out : ways->second) {
+            if (check.PageLinkNb == PageLinkCapacity) return;
+            LinkSxCache& page = check.PageLinkSx[check.PageLinkNb++];
+            page = into;
+            page.S_Sx = out->S_Sx;
+            page.S_Nb = out->S_Nb;
+            page.S_PortNb = out->S_PortNb;
+            page.S_Type2 = out->S_Type2;
+        }
+    }
+}
+
+}  // namespace
+
+void ProjectInfoGet(const char* name, ProjectCheckCache& check) {
+    Trace("ProjectInfoGet", name);
+    const std::lock_guard guard(EngineLock());
+    check.ModuleNb = check.NodeNb = check.LinkNb = check.PageLinkNb = 0;
+    filled = &check;
+    const Project* project = ProjectFind(name);
+    if (project == nullptr) return;
+    check.ModuleNb = CountOf(project->modules, ModuleCapacity);
+    check.NodeNb = CountOf(project->nodes, NodeCapacity);
+    check.LinkNb = CountOf(project->links, LinkCapacity);
+    FillRows(project->modules, check.ModuleNb, check.ModuleSx);
+    FillRows(project->nodes, check.NodeNb, check.NodeSx);
+    FillRows(project->links, check.LinkNb, check.LinkSx);
+}
+
+void ProjectInfoJumpLinkPressing(int slot) {
+    Trace("ProjectInfoJumpLinkPressing", slot);
+    const std::lock_guard guard(EngineLock());
+    if (ProjectCheckCache* check = std::exchange(filled, nullptr)) MakePageLinks(*check);
+}
+
+ModulePortInfoCache ModulePortInfo(int slot, int module, int port, int selector) {
+    Trace("ModulePortInfo", slot, module, port, selector);
+    const std::lock_guard guard(EngineLock());
+    Project* project = ProjectFind(slot);
+    const PortType* found = project == nullptr ? nullptr : PortFind(*project, module, port);
+    ModulePortInfoCache info;
+    if (found != nullptr) info.AisleNb = found->aisle;
+    return info;
+}
+
+AisleSxCache ModuleAisleSx(int slot, int module, int aisle, int selector) {
+    Trace("ModuleAisleSx", slot, module, aisle, selector);
+    const std::lock_guard guard(EngineLock());
+    Project* project = ProjectFind(slot);
+    const Module* found = project == nullptr ? nullptr : project->modules.Find(module);
+    AisleSxCache info;
+    if (found == nullptr) return info;
+    const auto aisles = Catalogue()[static_cast<std::size_t>(found->type)].aisles;
+    if (aisle >= 0 && aisle < static_cast<int>(aisles.size())) {
+        info.OutPortNb = aisles[static_cast<std::size_t>(aisle)].outlet;
+    }
+    return info;
+}
