@@ -1,11 +1,9 @@
 #include "network/branch_walk.h"
 
-#include <algorithm>
-#include <compare>
-#include <functional>
-#include <numeric>
-#include <queue>
+#include <bit>
+#include <cstdint>
 #include <utility>
+#include <vector>
 
 #include "elements/instance_id.h"
 #include "engine/vorn_core.h"
@@ -17,100 +15,69 @@ namespace {
 
 constexpr int PortSelector = 5;
 constexpr int AisleSelector = 2;
-constexpr int BeforeFirstRow = -1;
-constexpr auto NoGroup = static_cast<std::size_t>(-1);
+constexpr int FirstRow = 0;
 constexpr auto NoBranch = static_cast<std::size_t>(-1);
 
-/// A port at which branches leave a module; the numbers are as the rows tell them, and may name nothing.
-struct Outlet {
-    int module;
-    int port;
-    auto operator<=>(const Outlet&) const = default;
+/// A set of rows that can be gone through in order while others, which lie further on, join it.
+struct RowSet {
+    std::vector<std::uint64_t> words{};
+    bool any = false;  ///< some row joined
 };
 
-/// A row that leads away from an outlet.
-struct WaitingRow {
-    Outlet outlet;
-    int row;
-    auto operator<=>(const WaitingRow&) const = default;
-};
+constexpr int WordBits = 64;
 
-/// A row that will find branches when the pass comes to it.
-struct Visit {
-    int row;
-    std::size_t place;  ///< its place among the waiting rows
-    std::size_t group;  ///< the place of its outlet's first row
-    auto operator<=>(const Visit&) const = default;
-};
-using Visits = std::priority_queue<Visit, std::vector<Visit>, std::greater<>>;  // the earliest row first
+void Join(RowSet& set, int row) {
+    set.words[static_cast<std::size_t>(row / WordBits)] |= std::uint64_t{1} << (row % WordBits);
+    set.any = true;
+}
+
+/// Takes the rows out in order and runs `run` on each.
+template <typename Run>
+void TakeAll(RowSet& set, Run run) {
+    for (std::size_t word = 0; word < set.words.size(); ++word) {
+        while (set.words[word] != 0) {
+            const int row = static_cast<int>(word) * WordBits + std::countr_zero(set.words[word]);
+            set.words[word] &= set.words[word] - 1;
+            run(row);
+        }
+    }
+    set.any = false;
+}
 
 /// Only rows that find branches are visited, in the order of the passes. The branches at an outlet await its
 /// first row that is not consumed and lies behind the row that led them there; if there is none, its first
 /// such row of the next pass. Branches that come to others at an outlet find them awaiting that very row.
 struct Walk {
     int project;
-    std::vector<WaitingRow> waiting{};    ///< sorted; those of one outlet are a group
-    std::vector<std::size_t> left{};      ///< by place: all rows from here to the place named are consumed
-    std::vector<std::size_t> standing{};  ///< by group: the branch that came last to its outlet
-    std::vector<std::size_t> nextStanding{};  ///< by branch: the one that came before it
-    Visits visits{};                          ///< of this pass
-    Visits nextVisits{};
+    RowMarks& consumed;
+    OutletRows outlets;
+    std::vector<std::size_t> standing;      ///< by outlet's group: the branch that came last to it
+    std::vector<std::size_t> nextStanding;  ///< by branch: the one that came to the outlet before it
+    RowSet visits;                          ///< of this pass
+    RowSet nextVisits;
 };
 
-std::vector<WaitingRow> WaitingRows(const RowMarks& consumed) {
-    std::vector<WaitingRow> waiting;
-    for (int row = 0; row < LinkRowCount(); ++row) {
-        const LinkSxCache& link = LinkRowAt(row);
-        if (!link.InUse || consumed[static_cast<std::size_t>(row)]) continue;
-        if (link.F_Sx != ModuleKind || !link.F_Type2) continue;
-        waiting.push_back({{link.F_Nb, link.F_PortNb}, row});
-    }
-    std::sort(waiting.begin(), waiting.end());
-    return waiting;
-}
-
-std::size_t PlaceOf(const Walk& walk, const WaitingRow& row) {
-    const auto place = std::lower_bound(walk.waiting.begin(), walk.waiting.end(), row);
-    return static_cast<std::size_t>(place - walk.waiting.begin());
-}
-
-bool InGroup(const Walk& walk, std::size_t place, std::size_t group) {
-    return place < walk.waiting.size() && walk.waiting[place].outlet == walk.waiting[group].outlet;
-}
-
-/// The first place from `place` on whose row is not consumed.
-std::size_t FirstLeft(Walk& walk, std::size_t place) {
-    std::size_t first = place;
-    while (walk.left[first] != first) first = walk.left[first];
-    while (walk.left[place] != first) place = std::exchange(walk.left[place], first);
-    return first;
-}
-
-/// Plans the visit for the branches that stand at the outlet of `group` since the visit of `row`.
-void Await(Walk& walk, std::size_t group, int row) {
-    const std::size_t behind = FirstLeft(walk, PlaceOf(walk, {walk.waiting[group].outlet, row + 1}));
-    if (InGroup(walk, behind, group)) {
-        walk.visits.push({walk.waiting[behind].row, behind, group});
+/// Plans the visit for the branches at an outlet that have been there since before row `from` had its turn.
+void Await(Walk& walk, std::size_t group, int from) {
+    const std::size_t place = OutletRowFrom(walk.outlets, group, from);
+    if (place != NoPlace) {
+        Join(walk.visits, walk.outlets.rows[place].row);
         return;
     }
-    const std::size_t first = FirstLeft(walk, group);
-    if (InGroup(walk, first, group)) walk.nextVisits.push({walk.waiting[first].row, first, group});
+    const std::size_t again = OutletRowFrom(walk.outlets, group, FirstRow);
+    if (again != NoPlace) Join(walk.nextVisits, walk.outlets.rows[again].row);
 }
 
-/// The group of the rows that lead on from `tail`, `NoGroup` when no row does.
-std::size_t GroupBehind(const Walk& walk, const BranchElement& tail) {
+std::size_t OutletOf(const Walk& walk, const BranchElement& tail) {
     const AisleSxCache aisle = ModuleAisleSx(walk.project, tail.Module, tail.Aisle, AisleSelector);
-    const Outlet outlet{tail.Module, aisle.OutPortNb};
-    const std::size_t group = PlaceOf(walk, {outlet, 0});
-    return group < walk.waiting.size() && walk.waiting[group].outlet == outlet ? group : NoGroup;
+    return OutletGroupFind(walk.outlets, tail.Module, aisle.OutPortNb);
 }
 
-/// Lets a branch stand at an outlet, to which it came by the visit of `row`.
-void Stand(Walk& walk, std::size_t branch, std::size_t group, int row) {
-    if (group == NoGroup) return;
-    const std::size_t before = std::exchange(walk.standing[group], branch);
-    walk.nextStanding[branch] = before;
-    if (before == NoBranch) Await(walk, group, row);
+/// Lets a branch come to an outlet. Where no row leaves it, the branch stays open for good.
+void Stand(Walk& walk, std::size_t branch, std::size_t group, int from) {
+    if (group == NoPlace) return;
+    walk.nextStanding[branch] = std::exchange(walk.standing[group], branch);
+    if (walk.nextStanding[branch] == NoBranch) Await(walk, group, from);
 }
 
 void Close(BranchSx& branch, const LinkSxCache& link) {
@@ -121,21 +88,22 @@ void Close(BranchSx& branch, const LinkSxCache& link) {
 }
 
 /// Leads all branches that stand at the row's outlet along the row, which then is consumed.
-void Serve(Walk& walk, RowMarks& consumed, const Visit& visit) {
-    const LinkSxCache& link = LinkRowAt(visit.row);
-    consumed[static_cast<std::size_t>(visit.row)] = true;
-    walk.left[visit.place] = visit.place + 1;
+void Visit(Walk& walk, int row) {
+    const std::size_t place = walk.outlets.placeOf[static_cast<std::size_t>(row)];
+    const LinkSxCache& link = walk.outlets.rows[place].link;
+    walk.consumed[static_cast<std::size_t>(row)] = true;
+    OutletRowConsume(walk.outlets, place);
 
-    std::size_t branch = std::exchange(walk.standing[visit.group], NoBranch);
+    std::size_t branch = std::exchange(walk.standing[walk.outlets.rows[place].group], NoBranch);
     const bool goesOn = link.S_Sx == ModuleKind && link.S_Type2;
     const BranchElement element = goesOn ? ElementBehind(walk.project, link) : BranchElement();
-    const std::size_t group = goesOn ? GroupBehind(walk, element) : NoGroup;
+    const std::size_t outlet = goesOn ? OutletOf(walk, element) : NoPlace;
     while (branch != NoBranch) {
         const std::size_t next = walk.nextStanding[branch];
         if (goesOn) {
             BranchElements[branch].push_back(element);
             ++BranchTable[branch].Size;
-            Stand(walk, branch, group, visit.row);
+            Stand(walk, branch, outlet, row + 1);
         } else {
             Close(BranchTable[branch], link);
         }
@@ -150,22 +118,20 @@ BranchElement ElementBehind(int project, const LinkSxCache& link) {
 }
 
 void BranchesWalk(int project, RowMarks& consumed) {
-    Walk walk{.project = project, .waiting = WaitingRows(consumed)};
-    walk.left.resize(walk.waiting.size() + 1);
-    std::iota(walk.left.begin(), walk.left.end(), std::size_t{0});
-    walk.standing.assign(walk.waiting.size(), NoBranch);
-    walk.nextStanding.assign(BranchTable.size(), NoBranch);
-
+    Walk walk{.project = project,
+              .consumed = consumed,
+              .outlets = OutletRowsGather(consumed),
+              .standing = {},
+              .nextStanding = std::vector<std::size_t>(BranchTable.size(), NoBranch),
+              .visits = {std::vector<std::uint64_t>(consumed.size() / WordBits + 1)},
+              .nextVisits = {std::vector<std::uint64_t>(consumed.size() / WordBits + 1)}};
+    walk.standing.assign(walk.outlets.rows.size(), NoBranch);
     for (std::size_t branch = 0; branch < BranchTable.size(); ++branch) {
-        Stand(walk, branch, GroupBehind(walk, BranchElements[branch].back()), BeforeFirstRow);
+        Stand(walk, branch, OutletOf(walk, BranchElements[branch].back()), FirstRow);
     }
-    for (int pass = 0; pass < PassLimit && !walk.visits.empty(); ++pass) {
-        while (!walk.visits.empty()) {
-            const Visit visit = walk.visits.top();
-            walk.visits.pop();
-            Serve(walk, consumed, visit);
-        }
-        walk.visits.swap(walk.nextVisits);
+    for (int pass = 0; pass < PassLimit && walk.visits.any; ++pass) {
+        TakeAll(walk.visits, [&walk](int row) { Visit(walk, row); });
+        std::swap(walk.visits, walk.nextVisits);
     }
 }
 

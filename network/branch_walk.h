@@ -2,15 +2,11 @@
 
 #pragma once
 
-#include <vector>
-
 #include "engine/vorn_records.h"
 #include "network/branches.h"
+#include "network/outlet_rows.h"
 
 namespace vorn {
-
-/// A mark for each row of both tables, set on a row that the walk need not look at any more.
-using RowMarks = std::vector<bool>;
 
 /// Passes over the rows, at most.
 inline constexpr int PassLimit = 256;

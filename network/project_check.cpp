@@ -13,13 +13,4 @@ const NodeRow* NodeRowFind(int node) {
     return node >= 0 && node < ProjectCheck.NodeNb ? &ProjectCheck.NodeSx[node] : nullptr;
 }
 
-int LinkRowCount() {
-    return ProjectCheck.LinkNb + ProjectCheck.PageLinkNb;
-}
-
-const LinkSxCache& LinkRowAt(int row) {
-    return row < ProjectCheck.LinkNb ? ProjectCheck.LinkSx[row]
-                                     : ProjectCheck.PageLinkSx[row - ProjectCheck.LinkNb];
-}
-
 }  // namespace vorn

@@ -16,7 +16,12 @@ const NodeRow* NodeRowFind(int node);
 
 /// Both tables of links in one order, as the analysis goes through them: the rows of `LinkSx`, then those of
 /// `PageLinkSx`. `row` counts from 0 and is below `LinkRowCount`.
-int LinkRowCount();
-const LinkSxCache& LinkRowAt(int row);
+inline int LinkRowCount() {
+    return ProjectCheck.LinkNb + ProjectCheck.PageLinkNb;
+}
+inline const LinkSxCache& LinkRowAt(int row) {
+    return row < ProjectCheck.LinkNb ? ProjectCheck.LinkSx[row]
+                                     : ProjectCheck.PageLinkSx[row - ProjectCheck.LinkNb];
+}
 
 }  // namespace vorn
