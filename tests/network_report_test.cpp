@@ -1,0 +1,155 @@
+// The commands NetAccess and PjtInfoChk on plants that stand in the engine: snapshot, page links and report.
+
+#include <regex>
+
+#include "engine/vorn_core.h"
+#include "include/vorn_server.h"
+#include "network/project_check.h"
+#include "tests/support/service_test.h"
+
+namespace {
+
+constexpr int Pipe = 0;
+constexpr int Exchanger = 13;
+constexpr int Tank = 14;
+constexpr int Module = 1;
+constexpr int Node = 2;
+constexpr int Jump = 3;
+
+struct End {
+    int kind;
+    int number;
+    int port;
+    bool through = false;
+};
+
+void Link(const char* project, int type, const End& from, const End& to) {
+    ProjectAddLink(project, ProjectLinkNbCheck(ProjectNameToID(project)),
+                   {true, type, 0, from.kind, from.number, from.port, from.through, to.kind, to.number,
+                    to.port, to.through});
+}
+
+End Into(int module, int port = 0) {
+    return {Module, module, port, true};
+}
+End OutOf(int module, int port = 1) {
+    return {Module, module, port, true};
+}
+
+/// A tank and a node with a pipe between them; behind the node an exchanger, whose second aisle is reached
+/// over jump 2 and leads nowhere. Module 1 is vacant.
+void PlantMake() {
+    ProjectJsonAdd("PLANT");
+    const int types[] = {Tank, Pipe, Pipe, Exchanger};
+    for (int number = 0; number < 4; ++number)
+        ProjectAddModule("PLANT", number, types[number], 0, number * 25, -100);
+    ProjectAddNode("PLANT", 0, 0, 0, 125, 0);
+    ModuleInstanceIDSet(0, 2, "管-\"A\"");
+    Pipe_DeleteModule(0, 1);
+    Link("PLANT", 0, {Module, 0, 1}, Into(2));
+    Link("PLANT", 0, OutOf(2), {Node, 0, 0});
+    Link("PLANT", 1, {Node, 0, 9}, {Node, 0, 1});
+    Link("PLANT", 0, {Node, 0, 8}, {Jump, 2, 0});
+    Link("PLANT", 0, {Jump, 2, 1}, Into(3, 2));
+}
+
+/// The text without its line breaks and indents.
+std::string Packed(const std::string& text) {
+    return std::regex_replace(text, std::regex("\n *"), "");
+}
+
+using NetworkReportTest = ServiceTest;
+
+constexpr const char* PlantReport =
+    R"({"DeviceNb": 3,"DeviceInfo": [)"
+    R"({"InstanceID": "MOD0","DeviceName": "膨胀水箱","VornModuleID": 26010100000000014,"PositionX": 0.0,"PositionZ": -2.0,"RoomID": 0,"ModelID": ""},)"
+    R"({"InstanceID": "管-\"A\"","DeviceName": "铸铁管道","VornModuleID": 24032022192805856,"PositionX": 1.0,"PositionZ": -2.0,"RoomID": 0,"ModelID": ""},)"
+    R"({"InstanceID": "MOD3","DeviceName": "板式换热器","VornModuleID": 26010100000000013,"PositionX": 1.5,"PositionZ": -2.0,"RoomID": 0,"ModelID": ""}],)"
+    R"("NodeNb": 1,"NodeInfo": [{"InstanceID": "NOD0","NodeName": "FLUID","VornModuleID": 3000,"PositionX": 2.5,"PositionZ": 0.0,"RoomID": 0,"ModelID": ""}],)"
+    R"("ConnectionNb": 4,"ConnectionInfo": [)"
+    R"({"InstanceID": "LNK0","Type": 0,"PageNb": 0,"F_InstanceID": "MOD0","F_PortNb": 1,"S_InstanceID": "MOD2","S_PortNb": 0},)"
+    R"({"InstanceID": "LNK1","Type": 0,"PageNb": 0,"F_InstanceID": "MOD2","F_PortNb": 1,"S_InstanceID": "NOD0","S_PortNb": 0},)"
+    R"({"InstanceID": "LNK2","Type": 1,"PageNb": 0,"F_InstanceID": "NOD0","F_PortNb": 9,"S_InstanceID": "NOD0","S_PortNb": 1},)"
+    R"({"InstanceID": "LNK5","Type": 0,"PageNb": 0,"F_InstanceID": "NOD0","F_PortNb": 8,"S_InstanceID": "MOD3","S_PortNb": 2}],)"
+    R"("BranchNb": 2,"BranchInfo": [)"
+    R"({"Branch": 0,"Type": 0,"Size": 1,"Front_InstanceID": "MOD0","FrontPort": 1,"InstanceID_AisleNb": [{"MOD2": 0}],"Post_InstanceID": "NOD0","PostPort": 0},)"
+    R"({"Branch": 1,"Type": 0,"Size": 1,"Front_InstanceID": "NOD0","FrontPort": 8,"InstanceID_AisleNb": [{"MOD3": 1}],"Post_InstanceID": "None","PostPort": -1}]})";
+
+TEST_F(NetworkReportTest, TellsThePlantAndUsesTheAnalysisUp) {
+    PlantMake();
+    const std::vector<std::string> calls = CallsOf("NetAccess", "PLANT");
+    const std::vector<std::string> loading{"ProjectNameGet(0)", R"(ProjectInfoGet("PLANT"))",
+                                           "ProjectInfoJumpLinkPressing(0)", "ModulePortInfo(0,2,0,5)"};
+    const auto first = std::find(calls.begin(), calls.end(), loading[0]);
+    ASSERT_GE(calls.end() - first, 4);
+    EXPECT_EQ(std::vector(first, first + 4), loading);
+    EXPECT_EQ(Send("NetAccess", "PLANT"),
+              "出错啦,此支路号:1不完整,缺少下游链接。尾部的设备和通路,分别是设备(InstanceID) "
+              ":MOD3,通路号:1,设备VornmoduleID:26010100000000013\n");
+    EXPECT_EQ(Packed(Net_InfoToAI(0)), PlantReport);
+
+    // Each report analyses afresh, but for one that follows an analysis: that tells of its project, and only
+    // of what stood then, whatever slot is asked for.
+    EXPECT_EQ(Packed(Send("PjtInfoChk", "PLANT")), PlantReport);
+    Send("NetAccess", "PLANT");
+    ProjectJsonAdd("OTHER");
+    Pipe_DeleteLink(0, 2);
+    EXPECT_EQ(Packed(Send("PjtInfoChk", "OTHER")), PlantReport);
+    EXPECT_EQ(Module_FindInstanceID(0, "MOD0"), -1);  // the default names are the snapshot's alone
+    EXPECT_EQ(Send("PjtInfoChk", "OTHER"),
+              "{\n    \"DeviceNb\": 0,\n    \"DeviceInfo\": [],\n    \"NodeNb\": 0,\n    \"NodeInfo\": [],\n"
+              "    \"ConnectionNb\": 0,\n    \"ConnectionInfo\": [],\n    \"BranchNb\": 0,\n    "
+              "\"BranchInfo\": []\n}");
+    EXPECT_EQ(Send("NetAccess", "OTHER"), "OK");
+
+    Link("PLANT", 0, OutOf(3, 3), {Node, 0, 1});
+    EXPECT_EQ(Send("NetAccess", "PLANT"), "OK");
+    EXPECT_EQ(Net_InfoToAI(-1), nullptr);
+    EXPECT_EQ(Net_InfoToAI(8), nullptr);
+    EXPECT_NE(Net_InfoToAI(7), nullptr);  // an empty slot
+}
+
+TEST_F(NetworkReportTest, NamesOutsideTheTablesAreEmpty) {
+    PlantMake();
+    Send("NetAccess", "PLANT");
+    vorn::ProjectCheck.ModuleSx[0].TypeNb = 600;
+    vorn::ProjectCheck.ModuleSx[2].TypeNb = -1;
+    vorn::ProjectCheck.NodeSx[0].Kind = 4;
+    const std::string report = Packed(Net_InfoToAI(0));
+    EXPECT_NE(report.find(R"("MOD0","DeviceName": "","VornModuleID": 0,)"), std::string::npos) << report;
+    EXPECT_NE(report.find(R"(\"A\"","DeviceName": "","VornModuleID": 0,)"), std::string::npos) << report;
+    EXPECT_NE(report.find(R"("NodeName": "","VornModuleID": 3004,)"), std::string::npos) << report;
+}
+
+TEST_F(NetworkReportTest, PageLinksJoinAllThatMeetsAtAJump) {
+    ProjectJsonAdd("JUMPS");
+    Link("JUMPS", 2, OutOf(1), {Jump, 5, 0});
+    Link("JUMPS", 0, {Jump, 5, 1}, Into(2));
+    Link("JUMPS", 0, {Node, 3, 8}, {Jump, 5, 1});
+    Link("JUMPS", 0, {Jump, 5, 2}, {Jump, 6, 0});  // one jump leads to the next, and back
+    Link("JUMPS", 0, {Jump, 6, 1}, {Node, 4, 0});
+    Link("JUMPS", 0, {Jump, 6, 2}, {Jump, 5, 0});
+    Link("JUMPS", 0, OutOf(7), {Jump, 8, 0});  // leads nowhere
+    Send("NetAccess", "JUMPS");
+    std::string rows;
+    for (int row = 0; row < vorn::ProjectCheck.PageLinkNb; ++row) {
+        const LinkSxCache& link = vorn::ProjectCheck.PageLinkSx[row];
+        for (int number : {link.Type, link.F_Sx, link.F_Nb, link.F_PortNb, int{link.F_Type2}, link.S_Sx,
+                           link.S_Nb, link.S_PortNb, int{link.S_Type2}}) {
+            rows += std::to_string(number) + " ";
+        }
+        rows += "\n";
+    }
+    EXPECT_EQ(rows, "2 1 1 1 1 1 2 0 1 \n2 1 1 1 1 2 4 0 0 \n0 2 3 8 0 1 2 0 1 \n0 2 3 8 0 2 4 0 0 \n");
+
+    // 200 rows into a jump and 200 out of it are more connections than there is room for.
+    ProjectJsonAdd("FULL");
+    for (int row = 0; row < 200; ++row) {
+        Link("FULL", 1, OutOf(row), {Jump, 1, 0});
+        Link("FULL", 1, {Jump, 1, 0}, Into(row));
+    }
+    EXPECT_EQ(Send("NetAccess", "FULL"), "OK");
+    EXPECT_EQ(vorn::ProjectCheck.PageLinkNb, PageLinkCapacity);
+}
+
+}  // namespace
