@@ -1,5 +1,8 @@
 // The commands NetAccess and PjtInfoChk on plants that stand in the engine: snapshot, page links and report.
 
+#include <algorithm>
+#include <array>
+#include <initializer_list>
 #include <regex>
 
 #include "engine/vorn_core.h"
@@ -9,48 +12,31 @@
 
 namespace {
 
-constexpr int Pipe = 0;
-constexpr int Exchanger = 13;
-constexpr int Tank = 14;
-constexpr int Module = 1;
-constexpr int Node = 2;
-constexpr int Jump = 3;
-
-struct End {
-    int kind;
-    int number;
-    int port;
-    bool through = false;
-};
-
-void Link(const char* project, int type, const End& from, const End& to) {
-    ProjectAddLink(project, ProjectLinkNbCheck(ProjectNameToID(project)),
-                   {true, type, 0, from.kind, from.number, from.port, from.through, to.kind, to.number,
-                    to.port, to.through});
+/// Adds links: type, then kind, number, port and flag of the upstream and of the downstream end.
+void Link(const char* project, std::initializer_list<std::array<int, 9>> links) {
+    for (const auto& [type, fKind, fNumber, fPort, fFlag, sKind, sNumber, sPort, sFlag] : links) {
+        ProjectAddLink(project, ProjectLinkNbCheck(ProjectNameToID(project)),
+                       {true, type, 0, fKind, fNumber, fPort, fFlag == 1, sKind, sNumber, sPort, sFlag == 1});
+    }
 }
 
-End Into(int module, int port = 0) {
-    return {Module, module, port, true};
-}
-End OutOf(int module, int port = 1) {
-    return {Module, module, port, true};
-}
-
-/// A tank and a node with a pipe between them; behind the node an exchanger, whose second aisle is reached
-/// over jump 2 and leads nowhere. Module 1 is vacant.
+/// A tank, a pipe and a node; behind the node an exchanger, whose second aisle is reached over jump 2 and
+/// leads nowhere. Module 1 is vacant.
 void PlantMake() {
     ProjectJsonAdd("PLANT");
-    const int types[] = {Tank, Pipe, Pipe, Exchanger};
-    for (int number = 0; number < 4; ++number)
-        ProjectAddModule("PLANT", number, types[number], 0, number * 25, -100);
+    int number = 0;
+    for (int type : {14, 0, 0, 13}) {
+        ProjectAddModule("PLANT", number, type, 0, number * 25, -100);
+        ++number;
+    }
     ProjectAddNode("PLANT", 0, 0, 0, 125, 0);
     ModuleInstanceIDSet(0, 2, "管-\"A\"");
     Pipe_DeleteModule(0, 1);
-    Link("PLANT", 0, {Module, 0, 1}, Into(2));
-    Link("PLANT", 0, OutOf(2), {Node, 0, 0});
-    Link("PLANT", 1, {Node, 0, 9}, {Node, 0, 1});
-    Link("PLANT", 0, {Node, 0, 8}, {Jump, 2, 0});
-    Link("PLANT", 0, {Jump, 2, 1}, Into(3, 2));
+    Link("PLANT", {{0, 1, 0, 1, 0, 1, 2, 0, 1},
+                   {0, 1, 2, 1, 1, 2, 0, 0, 0},
+                   {1, 2, 0, 9, 0, 2, 0, 1, 0},
+                   {0, 2, 0, 8, 0, 3, 2, 0, 0},
+                   {0, 3, 2, 1, 0, 1, 3, 2, 1}});
 }
 
 /// The text without its line breaks and indents.
@@ -102,7 +88,7 @@ TEST_F(NetworkReportTest, TellsThePlantAndUsesTheAnalysisUp) {
               "\"BranchInfo\": []\n}");
     EXPECT_EQ(Send("NetAccess", "OTHER"), "OK");
 
-    Link("PLANT", 0, OutOf(3, 3), {Node, 0, 1});
+    Link("PLANT", {{0, 1, 3, 3, 1, 2, 0, 1, 0}});
     EXPECT_EQ(Send("NetAccess", "PLANT"), "OK");
     EXPECT_EQ(Net_InfoToAI(-1), nullptr);
     EXPECT_EQ(Net_InfoToAI(8), nullptr);
@@ -123,31 +109,28 @@ TEST_F(NetworkReportTest, NamesOutsideTheTablesAreEmpty) {
 
 TEST_F(NetworkReportTest, PageLinksJoinAllThatMeetsAtAJump) {
     ProjectJsonAdd("JUMPS");
-    Link("JUMPS", 2, OutOf(1), {Jump, 5, 0});
-    Link("JUMPS", 0, {Jump, 5, 1}, Into(2));
-    Link("JUMPS", 0, {Node, 3, 8}, {Jump, 5, 1});
-    Link("JUMPS", 0, {Jump, 5, 2}, {Jump, 6, 0});  // one jump leads to the next, and back
-    Link("JUMPS", 0, {Jump, 6, 1}, {Node, 4, 0});
-    Link("JUMPS", 0, {Jump, 6, 2}, {Jump, 5, 0});
-    Link("JUMPS", 0, OutOf(7), {Jump, 8, 0});  // leads nowhere
+    Link("JUMPS", {{2, 1, 1, 1, 1, 3, 5, 0, 0},
+                   {0, 3, 5, 1, 0, 1, 2, 0, 1},
+                   {0, 2, 3, 8, 0, 3, 5, 1, 0},
+                   {0, 3, 5, 2, 0, 3, 6, 0, 0},  // one jump leads to the next, and back
+                   {0, 3, 6, 1, 0, 2, 4, 0, 0},
+                   {0, 3, 6, 2, 0, 3, 5, 0, 0},
+                   {0, 1, 7, 1, 1, 3, 8, 0, 0}});  // leads nowhere
     Send("NetAccess", "JUMPS");
-    std::string rows;
-    for (int row = 0; row < vorn::ProjectCheck.PageLinkNb; ++row) {
-        const LinkSxCache& link = vorn::ProjectCheck.PageLinkSx[row];
-        for (int number : {link.Type, link.F_Sx, link.F_Nb, link.F_PortNb, int{link.F_Type2}, link.S_Sx,
-                           link.S_Nb, link.S_PortNb, int{link.S_Type2}}) {
-            rows += std::to_string(number) + " ";
-        }
-        rows += "\n";
+    const std::string report = Packed(Net_InfoToAI(0));
+    std::vector<std::string> links;
+    const std::regex link(R"re("(LNK\d+)","Type": (\d).*?: "(\w+)",.*?: (\d+),.*?: "(\w+)",.*?: (\d+)})re");
+    for (auto found = std::sregex_iterator(report.begin(), report.end(), link);
+         found != std::sregex_iterator(); ++found) {
+        links.push_back(found->format("$1 $2 $3.$4 $5.$6"));
     }
-    EXPECT_EQ(rows, "2 1 1 1 1 1 2 0 1 \n2 1 1 1 1 2 4 0 0 \n0 2 3 8 0 1 2 0 1 \n0 2 3 8 0 2 4 0 0 \n");
+    EXPECT_EQ(links, (std::vector<std::string>{"LNK7 2 MOD1.1 MOD2.0", "LNK8 2 MOD1.1 NOD4.0",
+                                               "LNK9 0 NOD3.8 MOD2.0", "LNK10 0 NOD3.8 NOD4.0"}));
 
     // 200 rows into a jump and 200 out of it are more connections than there is room for.
     ProjectJsonAdd("FULL");
-    for (int row = 0; row < 200; ++row) {
-        Link("FULL", 1, OutOf(row), {Jump, 1, 0});
-        Link("FULL", 1, {Jump, 1, 0}, Into(row));
-    }
+    for (int row = 0; row < 200; ++row)
+        Link("FULL", {{1, 1, row, 1, 1, 3, 1, 0, 0}, {1, 3, 1, 0, 0, 1, row, 0, 1}});
     EXPECT_EQ(Send("NetAccess", "FULL"), "OK");
     EXPECT_EQ(vorn::ProjectCheck.PageLinkNb, PageLinkCapacity);
 }

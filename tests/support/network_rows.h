@@ -1,24 +1,119 @@
-// Small networks for tests of the analysis: tables of links told a row a line, branches and nets told as
-// text.
+// Small networks for the tests of the analysis: rows, branches and nets told as text.
 
 #pragma once
 
+#include <gtest/gtest.h>
+
+#include <sstream>
 #include <string>
+#include <vector>
 
-/// Modules of the test project "NET" in slot 0, by number: 0 to 3 are exchangers (aisle 0 from port 0 to 1,
-/// aisle 1 from port 2 to 3), the others up to 699 are pipes (aisle 0 from port 0 to 1).
-inline constexpr int Exchangers = 4;
-inline constexpr int NetModules = 700;
+#include "engine/vorn_core.h"
+#include "network/branches.h"
+#include "network/project_check.h"
+#include "network/verdict.h"
+#include "standin/control.h"
 
-/// Makes the project and loads its snapshot.
-void NetMake();
+namespace vorn {
 
-/// Fills the tables of the snapshot. A line is `[page] [type] END END`: END is `n2.8` for a node's port,
-/// `m4.0` and `e4.0` for a through port and an end port of a module, `j1.0` for a jump; a line `-` is a
-/// vacant row, `info 3` gives node 3 another kind. The nodes named by rows are in use, of kind FLUID.
-void NetRows(const std::string& lines);
+inline constexpr int Exchangers = 4;  // modules 0 to 3; aisle 0 is port 0 to 1, aisle 1 port 2 to 3
+inline constexpr int Modules = 700;   // the others are pipes, with aisle 0 only
 
-/// The branches traced last, `TYPE FRONT module/aisle ... POST` a line; the post end of an open one is `-`.
-std::string BranchesText();
-/// The matrices, a line each.
-std::string NetsText();
+class NetworkTest : public testing::Test {
+  protected:
+    NetworkTest() {
+        standin::EngineReset();
+        ProjectJsonAdd("NET");
+        for (int module = 0; module < Modules; ++module) {
+            ProjectAddModule("NET", module, module < Exchangers ? 13 : 0, 0, 0, 0);
+        }
+        ProjectInfoGet("NET", ProjectCheck);
+    }
+    ~NetworkTest() override { standin::EngineReset(); }
+};
+
+inline bool ReadEnd(std::istream& line, std::int32_t& kind, std::int32_t& number, std::int32_t& port) {
+    char letter = 0;
+    char dot = 0;
+    line >> letter >> number >> dot >> port;
+    const bool node = letter == 'n' || letter == 'i';
+    kind = node ? 2 : letter == 'j' ? 3 : 1;
+    for (; node && number < NodeCapacity && ProjectCheck.NodeNb <= number; ++ProjectCheck.NodeNb) {
+        ProjectCheck.NodeSx[ProjectCheck.NodeNb] = NodeRow();
+    }
+    if (node && NodeRowFind(number) != nullptr)
+        ProjectCheck.NodeSx[number] = {.InUse = true, .Kind = letter == 'i'};
+    return letter == 'm';
+}
+
+/// Fills the tables with rows told a line each: `l` link or `p` page link, its type or `-` for a vacant row,
+/// and two ends: `n2.8` a node's port, of kind INFO with `i`, `m4.0` a through port, `e4.0` an end port,
+/// `j1.0`.
+inline void Rows(const std::string& lines) {
+    ProjectCheck.NodeNb = ProjectCheck.LinkNb = ProjectCheck.PageLinkNb = 0;
+    std::istringstream text(lines);
+    for (char table = 0, type = 0; text >> table >> type;) {
+        LinkSxCache link{.InUse = type != '-', .Type = type - '0'};
+        link.F_Type2 = ReadEnd(text, link.F_Sx, link.F_Nb, link.F_PortNb);
+        link.S_Type2 = ReadEnd(text, link.S_Sx, link.S_Nb, link.S_PortNb);
+        (table == 'p' ? ProjectCheck.PageLinkSx[ProjectCheck.PageLinkNb++]
+                      : ProjectCheck.LinkSx[ProjectCheck.LinkNb++]) = link;
+    }
+}
+
+/// The branches, `TYPE FRONT module/aisle ... POST` a line.
+inline std::string BranchesText() {
+    std::ostringstream text;
+    const auto end = [&](int kind, int number, int port) {
+        text << (kind == 1 ? " n" : " e") << number << '.' << port;
+    };
+    for (std::size_t number = 0; number < BranchTable.size(); ++number) {
+        const BranchSx& branch = BranchTable[number];
+        EXPECT_EQ(branch.Size, static_cast<int>(BranchElements[number].size()));
+        text << branch.Type;
+        end(branch.Front_Sx, branch.Front_Nb, branch.FrontPort);
+        for (const auto& [module, aisle] : BranchElements[number]) text << ' ' << module << '/' << aisle;
+        if (branch.Closed == 1) end(branch.Post_Sx, branch.Post_Nb, branch.PostPort);
+        text << (branch.Closed == 1 ? "\n" : " open\n");
+    }
+    return text.str();
+}
+
+inline std::string NetsText(const std::vector<std::vector<int>>& nets) {
+    std::string text;
+    for (const auto& nodes : nets) {
+        for (int node : nodes) text += std::to_string(node) + " ";
+        text += "\n";
+    }
+    return text;
+}
+
+struct Said {
+    int kind = Complete;
+    int branch = -1;
+    int element = -1;
+    int number = -1;
+};
+
+inline std::string TextOf(const Said& said) {
+    Net_ParseMessageSet(said.kind, said.branch, said.element, said.number);
+    return ParseMessage;
+}
+
+/// A chain in flow order: a row that opens it and `rows` more, the last to an end port.
+inline std::vector<std::string> Chain(int rows) {
+    std::vector<std::string> chain{"l0 n0.8 m4.0 "};
+    for (int module = 4; module < 4 + rows; ++module) {
+        const char* next = module < 3 + rows ? "m" : "e";
+        chain.push_back("l0 m" + std::to_string(module) + ".1 " + next + std::to_string(module + 1) + ".0 ");
+    }
+    return chain;
+}
+
+inline std::string Joined(const std::vector<std::string>& rows) {
+    std::string text;
+    for (const std::string& row : rows) text += row;
+    return text;
+}
+
+}  // namespace vorn

@@ -1,0 +1,213 @@
+// The analysis of random small networks held against the rules as they are told.
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <random>
+#include <utility>
+
+#include "network/nets.h"
+#include "tests/support/network_rows.h"
+
+namespace vorn {
+
+namespace {
+
+using NetworkRandomTest = NetworkTest;
+
+/// The walk as the rules tell it, with every row against every branch. Fills the branches, gives the verdict.
+std::string PlainWalk() {
+    std::vector<char> marked(LinkRowCount());
+    const auto forRows = [&](auto run) {
+        for (int row = 0; row < LinkRowCount(); ++row) {
+            if (LinkRowAt(row).InUse) run(LinkRowAt(row), marked[row], row >= ProjectCheck.LinkNb);
+        }
+    };
+    const auto elementOf = [](const LinkSxCache& link) {
+        return BranchElement{link.S_Nb, ModulePortInfo(0, link.S_Nb, link.S_PortNb, 5).AisleNb};
+    };
+    BranchTable.clear();
+    BranchElements.clear();
+    forRows([](const LinkSxCache& link, char& mark, bool page) {
+        mark = link.Type == 1 || link.Type == 3 || (!page && (link.F_Sx == 3 || link.S_Sx == 3));
+    });
+    forRows([&](const LinkSxCache& link, char& mark, bool page) {
+        if ((mark && !page) || (link.F_Sx != 2 && (link.F_Sx != 1 || link.F_Type2))) return;
+        BranchTable.push_back(
+            {link.Type, 1, link.F_Sx == 1 ? ModulePortEnd : NodeEnd, link.F_Nb, link.F_PortNb});
+        BranchElements.push_back({elementOf(link)});
+        mark = 1;
+    });
+    bool found = true;
+    for (int pass = 0; pass < 256 && std::exchange(found, false); ++pass) {
+        forRows([&](const LinkSxCache& link, char& mark, bool) {
+            if (mark || link.F_Sx != 1 || !link.F_Type2) return;
+            for (std::size_t number = 0; number < BranchTable.size(); ++number) {
+                BranchSx& branch = BranchTable[number];
+                const BranchElement tail = BranchElements[number].back();
+                if (branch.Closed == 1 || tail.Module != link.F_Nb) continue;
+                if (ModuleAisleSx(0, tail.Module, tail.Aisle, 2).OutPortNb != link.F_PortNb) continue;
+                mark = found = true;
+                branch.Closed = link.S_Sx != 1 || !link.S_Type2;
+                if (branch.Closed == 0) {
+                    BranchElements[number].push_back(elementOf(link));
+                    ++branch.Size;
+                    continue;
+                }
+                branch.Post_Sx = link.S_Sx == 1 ? ModulePortEnd : NodeEnd;
+                branch.Post_Nb = link.S_Nb;
+                branch.PostPort = link.S_PortNb;
+            }
+        });
+    }
+    Said said;
+    forRows([&](const LinkSxCache& link, char& mark, bool) {
+        if (!mark && said.kind == Complete) said = {3, -1, link.F_Nb, link.F_PortNb};
+    });
+    for (int number = static_cast<int>(BranchTable.size()) - 1; number >= 0; --number) {
+        const BranchElement tail = BranchElements[number].back();
+        if (BranchTable[number].Closed == 0) said = {1, number, tail.Module, tail.Aisle};
+    }
+    return TextOf(said);
+}
+
+/// The nets as the rules tell them, by groups of sweeps over the ports that the branches name; and the
+/// verdict.
+std::string PlainSweeps() {
+    const int count = ProjectCheck.NodeNb;
+    struct Peer {
+        int kind = -1;
+        int number = -1;
+    };
+    std::vector<std::array<Peer, NodePorts>> ports(count);
+    for (const BranchSx& branch : BranchTable) {
+        const auto enter = [&](int kind, int node, int port, Peer peer) {
+            if (kind == 1 && node >= 0 && node < count) ports[node][port] = peer;
+        };
+        enter(branch.Front_Sx, branch.Front_Nb, branch.FrontPort, {branch.Post_Sx, branch.Post_Nb});
+        enter(branch.Post_Sx, branch.Post_Nb, branch.PostPort, {branch.Front_Sx, branch.Front_Nb});
+    }
+    std::vector<int> taking;
+    for (int node = 0; node < count; ++node) {
+        if (ProjectCheck.NodeSx[node].InUse && ProjectCheck.NodeSx[node].Kind != 1) taking.push_back(node);
+    }
+    std::vector<std::vector<int>> nets;
+    std::vector<int> netOf(count, -1);
+    bool mayOpen = false;
+    for (std::size_t turn = 0; turn < taking.size() * taking.size(); ++turn) {
+        mayOpen |= turn % taking.size() == 0;  // a new group of sweeps
+        for (int k : taking) {
+            if (netOf[k] >= 0) continue;
+            bool hit = false;
+            for (int m : taking) {
+                for (const Peer& peer : ports[m]) {
+                    if (netOf[m] < 0 || peer.kind != 1 || peer.number != k) continue;
+                    hit = true;
+                    std::vector<int>& nodes = nets[netOf[m]];
+                    if (std::count(nodes.begin(), nodes.end(), k) > 0) continue;
+                    nodes.push_back(k);
+                    netOf[k] = netOf[m];
+                }
+            }
+            if (hit || !std::exchange(mayOpen, false)) continue;
+            netOf[k] = static_cast<int>(nets.size());
+            nets.push_back({k});
+        }
+    }
+    Said said;
+    for (std::vector<int>& nodes : nets) {
+        std::sort(nodes.begin(), nodes.end());
+        bool holds = false;
+        for (int node : nodes) {
+            for (const Peer& peer : ports[node]) holds |= peer.kind == 0;
+        }
+        if (!holds && said.kind == Complete) said = {2, -1, nodes.front()};
+    }
+    return NetsText(nets) + TextOf(said);
+}
+
+unsigned FromEnvironment(const char* name, unsigned standard) {
+    const char* text = std::getenv(name);
+    return text == nullptr ? standard : static_cast<unsigned>(std::strtoul(text, nullptr, 10));
+}
+
+/// Random tables of each comparison; more of them, and others, by hand.
+const unsigned RandomTables = FromEnvironment("VORN_RANDOM_TABLES", 20000);
+const unsigned RandomSeed = FromEnvironment("VORN_RANDOM_SEED", 1);
+
+template <typename Run>
+void ForRandomTables(unsigned count, Run run) {
+    for (unsigned seed = RandomSeed; seed - RandomSeed < count && !testing::Test::HasFailure(); ++seed) {
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        std::mt19937 random(seed);
+        run([&random](int below) { return static_cast<int>(random() % static_cast<unsigned>(below)); });
+    }
+}
+
+template <typename Below>
+std::string RandomRows(Below below) {
+    const int modules = 1 + below(5);
+    const int wild = below(8) == 0 ? 6 : 1000;  // how seldom a number is one that fits nothing
+    const auto number = [&](int usual) { return std::to_string(below(wild) == 0 ? below(40) - 3 : usual); };
+    const auto end = [&](int port, int nodesInTen) {
+        const int kind = below(40);
+        if (kind < 4 * nodesInTen) return " n" + number(below(3)) + "." + number(below(16));
+        if (kind == 39) return std::string(" j1.0");
+        const int module = 5 - below(modules);  // exchangers and pipes
+        const int aisle = module < Exchangers ? below(2) : 0;
+        return (kind > 34 ? " e" : " m") + number(module) + "." + number(port + 2 * aisle);
+    };
+    std::string rows;
+    for (int left = 1 + below(16); left > 0; --left) {
+        rows += below(6) == 0 ? "p" : "l";
+        rows += below(20) == 0 ? "-" : below(8) == 0 ? std::to_string(below(4)) : "0";
+        rows += end(1, 3) + end(0, 1) + "\n";
+    }
+    return rows;
+}
+
+void CompareWalks(const std::string& rows) {
+    Rows(rows);
+    const std::string verdict = PlainWalk();
+    const std::string branches = BranchesText();
+    const bool complete = BranchesTrace(0);
+    ASSERT_EQ(BranchesText(), branches) << rows;
+    ASSERT_EQ(complete ? TextOf({}) : ParseMessage, verdict) << rows;
+}
+
+TEST_F(NetworkRandomTest, WalkAgreesWithPlainWalk) {
+    unsigned moved = 0;
+    ForRandomTables(RandomTables, [&](auto below) {
+        CompareWalks(RandomRows(below));
+        for (const BranchSx& branch : BranchTable) moved += branch.Size > 2 ? 1 : 0;
+    });
+    EXPECT_GT(moved, RandomTables / 4);                    // the tables hold real chains
+    ForRandomTables(RandomTables / 1000, [](auto below) {  // about the limit of the passes
+        std::vector<std::string> chain = Chain(460 + below(120));
+        for (int left = static_cast<int>(chain.size()); left > 1; --left)
+            chain[left - 1].swap(chain[below(left)]);
+        CompareWalks(Joined(chain));
+    });
+}
+
+TEST_F(NetworkRandomTest, NetsAgreeWithPlainSweeps) {
+    ForRandomTables(RandomTables, [](auto below) {
+        ProjectCheck.NodeNb = below(7);
+        for (int node = 0; node < ProjectCheck.NodeNb; ++node) {
+            ProjectCheck.NodeSx[node] = {.InUse = below(10) > 0, .Kind = below(4)};
+        }
+        BranchTable.resize(BranchNb = below(9));
+        const int ports = 1 + below(4);  // few ports, so that branches share some
+        const auto kind = [&] { return below(6) == 0 ? ModulePortEnd : NodeEnd; };
+        for (BranchSx& branch : BranchTable) {
+            branch = {0, 1, kind(), below(8) - 1, below(ports) * 5, kind(), below(8) - 1, below(ports), 1};
+        }
+        const bool complete = Net_NodeMatrixMap(ProjectCheck.NodeNb);
+        const std::string outcome = NetsText(MatrixNodes) + (complete ? TextOf({}) : ParseMessage);
+        ASSERT_EQ(outcome, PlainSweeps());
+    });
+}
+
+}  // namespace
+
+}  // namespace vorn
