@@ -100,7 +100,7 @@ void Build(int tenths, Order order) {
 
 void Analysis(benchmark::State& state) {
     Build(static_cast<int>(state.range(0)), static_cast<Order>(state.range(1)));
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         if (!Net_Access(0)) state.SkipWithError("the network is not complete");
     }
 }
@@ -109,7 +109,7 @@ void Analysis(benchmark::State& state) {
 void AnalysisAndReport(benchmark::State& state) {
     Build(static_cast<int>(state.range(0)), static_cast<Order>(state.range(1)));
     std::size_t bytes = 0;
-    for (auto _ : state) bytes = std::char_traits<char>::length(Net_InfoToAI(0));
+    while (state.KeepRunning()) bytes = std::char_traits<char>::length(Net_InfoToAI(0));
     state.counters["bytes"] = static_cast<double>(bytes);
 }
 

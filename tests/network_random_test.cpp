@@ -17,7 +17,7 @@ using NetworkRandomTest = NetworkTest;
 
 /// The walk as the rules tell it, with every row against every branch. Fills the branches, gives the verdict.
 std::string PlainWalk() {
-    std::vector<char> marked(LinkRowCount());
+    std::vector<int> marked(LinkRowCount());
     const auto forRows = [&](auto run) {
         for (int row = 0; row < LinkRowCount(); ++row) {
             if (LinkRowAt(row).InUse) run(LinkRowAt(row), marked[row], row >= ProjectCheck.LinkNb);
@@ -28,10 +28,10 @@ std::string PlainWalk() {
     };
     BranchTable.clear();
     BranchElements.clear();
-    forRows([](const LinkSxCache& link, char& mark, bool page) {
-        mark = link.Type == 1 || link.Type == 3 || (!page && (link.F_Sx == 3 || link.S_Sx == 3));
+    forRows([](const LinkSxCache& link, int& mark, bool page) {
+        mark = int{link.Type == 1 || link.Type == 3 || (!page && (link.F_Sx == 3 || link.S_Sx == 3))};
     });
-    forRows([&](const LinkSxCache& link, char& mark, bool page) {
+    forRows([&](const LinkSxCache& link, int& mark, bool page) {
         if ((mark && !page) || (link.F_Sx != 2 && (link.F_Sx != 1 || link.F_Type2))) return;
         BranchTable.push_back(
             {link.Type, 1, link.F_Sx == 1 ? ModulePortEnd : NodeEnd, link.F_Nb, link.F_PortNb});
@@ -40,14 +40,15 @@ std::string PlainWalk() {
     });
     bool found = true;
     for (int pass = 0; pass < 256 && std::exchange(found, false); ++pass) {
-        forRows([&](const LinkSxCache& link, char& mark, bool) {
+        forRows([&](const LinkSxCache& link, int& mark, bool) {
             if (mark || link.F_Sx != 1 || !link.F_Type2) return;
             for (std::size_t number = 0; number < BranchTable.size(); ++number) {
                 BranchSx& branch = BranchTable[number];
                 const BranchElement tail = BranchElements[number].back();
                 if (branch.Closed == 1 || tail.Module != link.F_Nb) continue;
                 if (ModuleAisleSx(0, tail.Module, tail.Aisle, 2).OutPortNb != link.F_PortNb) continue;
-                mark = found = true;
+                found = true;
+                mark = 1;
                 branch.Closed = link.S_Sx != 1 || !link.S_Type2;
                 if (branch.Closed == 0) {
                     BranchElements[number].push_back(elementOf(link));
@@ -61,7 +62,7 @@ std::string PlainWalk() {
         });
     }
     Said said;
-    forRows([&](const LinkSxCache& link, char& mark, bool) {
+    forRows([&](const LinkSxCache& link, int& mark, bool) {
         if (!mark && said.kind == Complete) said = {3, -1, link.F_Nb, link.F_PortNb};
     });
     for (int number = static_cast<int>(BranchTable.size()) - 1; number >= 0; --number) {
