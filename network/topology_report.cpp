@@ -45,7 +45,8 @@ struct Report {
 };
 
 rapidjson::Value NameByReference(std::string_view text) {
-    return rapidjson::Value(rapidjson::StringRef(text.data(), static_cast<rapidjson::SizeType>(text.size())));
+    const char* start = text.empty() ? "" : text.data();  // an empty view need not point anywhere
+    return rapidjson::Value(rapidjson::StringRef(start, static_cast<rapidjson::SizeType>(text.size())));
 }
 
 rapidjson::Value NewObject() {
