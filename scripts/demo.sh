@@ -84,3 +84,18 @@ expect 'DeviceName与VornModuleID对应不上,请重新核查'
 note "names of projects are letters and digits"
 ask Create 'my-plant' '""'
 expect '项目名称仅支持英文字母与数字'
+
+heading "Are the networks complete?"
+note "a node of its own is a net that nothing keeps under pressure"
+node 6.0 9.0 # NOD2
+ask NetAccess "$project" '""'
+expect '出错啦,此节点(InstanceID)所在管网缺少定压装置:NOD2'
+note "a pipe joins it to the net of the tank"
+link NOD1 0 NOD2 0
+expect 'OK,但是新增了一个模块、链接了两条线:'
+ask NetAccess "$project" '""'
+expect OK
+note "the topology as JSON, of which these are the first lines and the first branch"
+ask PjtInfoChk "$project" '""' >/dev/null
+expect '{'
+printf '%s\n' "$reply" | sed -n -e '1,11p' -e '/"BranchNb"/,/"PostPort"/p'
