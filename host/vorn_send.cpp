@@ -155,6 +155,7 @@ bool HttpSend(const SendOptions& options, std::string& reply, std::string& fault
     httplib::Client client("127.0.0.1", port);
     client.set_read_timeout(AnswerSeconds);
     client.set_write_timeout(AnswerSeconds);
+    client.set_tcp_nodelay(true);  // head and body are two writes
     const auto answer =
         client.Post("/api",
                     R"({"command":)" + Quoted(options.texts[0]) + R"(,"name":)" + Quoted(options.texts[1]) +

@@ -26,6 +26,7 @@ using Asker = std::function<string(const string& command, const string& name, co
 Asker OverHttp(const HostProcess& host) {
     auto client = std::make_shared<httplib::Client>(host.Client());
     client->set_keep_alive(true);
+    client->set_tcp_nodelay(true);
     return [client](const string& command, const string& name, const string& messages) {
         const auto reply = client->Post(
             "/api",
