@@ -22,10 +22,10 @@ std::string FieldCut(std::string& rest) {
 
 void PipeMessageSplit(std::string message, std::string& reply) {
     if (message.size() < ShortestSplit) message.clear();
-    std::string midHeader = FieldCut(message);
-    std::string midData = FieldCut(message);
+    const std::string midHeader = FieldCut(message);
+    const std::string midData = FieldCut(message);
     const std::lock_guard guard(DispatchLock);
-    ServerDispatch(std::move(midHeader), std::move(midData), std::move(message), reply);
+    ServerDispatch(midHeader, midData, message, reply);
 }
 
 }  // namespace vorn

@@ -120,7 +120,7 @@ bool GatherRequest(int connection, std::string& request) {
 
 /// What no longer is needed of a large request is given back.
 void ForgetRequest(NamedPipe& pipe) {
-    pipe.request = std::string();
+    std::string().swap(pipe.request);  // an assignment would keep the room
     pipe.taken = 0;
 }
 
