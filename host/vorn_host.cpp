@@ -4,13 +4,16 @@
 #include <signal.h>
 
 #include <atomic>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
 #include <thread>
 
+#include "host/exchange_print.h"
 #include "host/options.h"
 #include "host/own_port.h"
+#include "host/pipe_client.h"
 #include "include/vorn_server.h"
 
 namespace {
@@ -45,6 +48,30 @@ void StartHttp() {
     }).detach();
 }
 
+void TellPipe(const std::atomic<bool>& ended) {
+    for (;;) {
+        const bool last = ended;
+        const int row = PipeRowFind(false);
+        if (row >= 0) {
+            std::printf("VornServer holds the pipe %s\n", PipeNameOf(row).c_str());
+        } else if (last) {
+            std::puts("VornServer holds no pipe: a server of this directory has one already");
+        }
+        std::fflush(stdout);
+        if (row >= 0 || last) return;
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    }
+}
+
+void StartPipe() {
+    static std::atomic<bool> ended{false};
+    std::thread([] {
+        PipeServerThread(nullptr);
+        ended = true;
+    }).detach();
+    std::thread([] { TellPipe(ended); }).detach();
+}
+
 }  // namespace
 
 int main(int count, char** arguments) {
@@ -62,14 +89,22 @@ int main(int count, char** arguments) {
     const sigset_t endSignals = EndSignals();
     pthread_sigmask(SIG_BLOCK, &endSignals, nullptr);
 
+    if (options.serial && !SerialStart(*options.serial, fault)) {
+        std::fprintf(stderr, "vorn-host: %s\n", fault.c_str());
+        return 1;
+    }
     StartHttp();
+    StartPipe();
+    ExchangePrinter printer;
     bool endAsked = false;
     const int port = OwnPortFind(
         [&] {
             endAsked = EndAsked(endSignals, 0);
             return !endAsked && !httpEnded;
         },
-        [](const std::string&) {});
+        [&](const std::string& log) {
+            if (!options.quiet) printer.Reads(log);
+        });
     if (endAsked) End(0);
     if (port == 0) {
         std::fprintf(stderr, "vorn-host: no port of %d to %d is free\n", FirstPort, LastPort);
@@ -78,7 +113,10 @@ int main(int count, char** arguments) {
     std::printf("VornServer answers on http://127.0.0.1:%d/api\n", port);
     std::fflush(stdout);
 
-    while (!EndAsked(endSignals, 1000)) continue;
+    do {
+        if (!options.quiet) printer.Poll();
+    } while (!EndAsked(endSignals, 100));
+    if (!options.quiet) printer.Poll();
     std::puts("VornServer has ended.");
     End(0);
 }

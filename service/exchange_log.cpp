@@ -1,5 +1,6 @@
 #include "service/exchange_log.h"
 
+#include <algorithm>
 #include <atomic>
 #include <string>
 
@@ -40,7 +41,8 @@ void AppendTrimmed(std::string& text, std::string_view messages, std::string_vie
     };
     std::string kept(tail(text));
     kept.append(tail(messages)).append(" ").append(tail(reply)).append("\n");
-    text = tail(kept);
+    kept.erase(0, kept.size() - tail(kept).size());
+    text = std::move(kept);  // and with the old text goes the room that a large name took
 }
 
 const char* Drain(LogSide& side) {

@@ -11,14 +11,19 @@
 #include <cstdlib>
 #include <filesystem>
 
-HostProcess::HostProcess(const std::vector<std::string>& arguments) {
+HostProcess::HostProcess(std::vector<std::string> arguments, const std::string& program) : program_(program) {
     std::string folder = std::filesystem::temp_directory_path() / "vorn_host_XXXXXX";
     folder_ = mkdtemp(folder.data());
     const std::string work = folder_ + "/work";
     std::filesystem::create_directory(work);
+    if (program_.empty()) {
+        std::filesystem::create_directory(folder_ + "/bin");
+        program_ = folder_ + "/bin/vorn-host";
+        std::filesystem::copy(VORN_HOST_PROGRAM, program_);
+    }
 
-    std::vector<char*> words{const_cast<char*>(VORN_HOST_PROGRAM)};
-    for (const std::string& argument : arguments) words.push_back(const_cast<char*>(argument.c_str()));
+    std::vector<char*> words{program_.data()};
+    for (std::string& argument : arguments) words.push_back(argument.data());
     words.push_back(nullptr);
 
     std::array<int, 2> ends{};
@@ -35,7 +40,7 @@ HostProcess::HostProcess(const std::vector<std::string>& arguments) {
     }
     close(ends[1]);
     output_fd_ = ends[0];
-    ReadUntilPort();
+    port_ = std::atoi(WaitFor("http://127.0.0.1:").c_str());
 }
 
 HostProcess::~HostProcess() {
@@ -45,18 +50,17 @@ HostProcess::~HostProcess() {
     std::filesystem::remove_all(folder_, error);
 }
 
-void HostProcess::ReadUntilPort() {
-    const std::string mark = "http://127.0.0.1:";
-    std::array<char, 512> buffer{};
+std::string HostProcess::WaitFor(const std::string& mark) {
+    std::array<char, 4096> buffer{};
     pollfd readable{.fd = output_fd_, .events = POLLIN, .revents = 0};
-    while (poll(&readable, 1, 20000) > 0) {
-        const ssize_t count = read(output_fd_, buffer.data(), buffer.size());
-        if (count <= 0) return;
-        output_.append(buffer.data(), static_cast<std::size_t>(count));
+    for (;;) {
         const std::size_t at = output_.find(mark);
-        if (at == std::string::npos || output_.find('\n', at) == std::string::npos) continue;
-        port_ = std::atoi(output_.c_str() + at + mark.size());
-        return;
+        const std::size_t end = at == std::string::npos ? at : output_.find('\n', at);
+        if (end != std::string::npos) return output_.substr(at + mark.size(), end - at - mark.size());
+        if (poll(&readable, 1, 20000) <= 0) return {};
+        const ssize_t count = read(output_fd_, buffer.data(), buffer.size());
+        if (count <= 0) return {};
+        output_.append(buffer.data(), static_cast<std::size_t>(count));
     }
 }
 

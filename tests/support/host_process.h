@@ -8,19 +8,25 @@
 #include <string>
 #include <vector>
 
-/// Starts the program in a fresh folder and waits until it has said its port or has ended; ends it at the
-/// latest when the object goes.
+/// Starts a copy of the program in a fresh folder, so that it is a server of its own directory, and waits
+/// until it has said its port or has ended; ends it at the latest when the object goes. Exchanges are not
+/// printed unless the arguments say so, since nobody may read them.
 class HostProcess {
   public:
-    explicit HostProcess(const std::vector<std::string>& arguments = {});
+    /// `program` runs another host's program in the place of a copy.
+    explicit HostProcess(std::vector<std::string> arguments = {"--quiet"}, const std::string& program = "");
     ~HostProcess();
     HostProcess(const HostProcess&) = delete;
     HostProcess& operator=(const HostProcess&) = delete;
 
     /// The port that it told, 0 when it ended without one.
     int Port() const { return port_; }
+    const std::string& Program() const { return program_; }
     /// What it has printed so far.
     const std::string& Output() const { return output_; }
+    /// Reads on until a line with `mark` is whole, and gives what stands behind the mark; the empty text when
+    /// none came in 20 seconds.
+    std::string WaitFor(const std::string& mark);
     httplib::Client Client() const { return httplib::Client("127.0.0.1", port_); }
     /// Sends bytes as they are and gives all that comes back; `shut` ends the sending side behind them.
     std::string SendRaw(const std::string& bytes, bool shut) const;
@@ -28,11 +34,10 @@ class HostProcess {
     int End();
 
   private:
-    void ReadUntilPort();
-
     pid_t pid_ = 0;
     int output_fd_ = -1;
     std::string output_;
     std::string folder_;
+    std::string program_;
     int port_ = 0;
 };

@@ -1,0 +1,38 @@
+// The named-pipe service and its client. `PipeServerThread`, declared in the public header, runs the service.
+
+#pragma once
+
+#include <string>
+
+#include "platform/named_pipe.h"
+
+namespace vorn {
+
+/// Pipe names that servers of one machine share, VornServerPipe0 to VornServerPipe99.
+inline constexpr int PipeNameCount = 100;
+
+/// The pipe that this library serves and the row of its name; null and -1 while it holds none. Written by
+/// the thread that takes the pipe.
+inline NamedPipe* PipeHandle = nullptr;
+inline int PipeSlot = -1;
+
+/// The pipe name of a row, 0 to 99.
+std::string PipeName(int row);
+
+/// Makes the pipe. `out` gets the handle, null when that failed.
+bool PipeOpen(const char* name, NamedPipe*& out);
+
+/// True when a server of this directory answers on one of the 100 names.
+bool PipeServerProbe();
+
+/// Sends one request to a pipe and gives the reply: "LinkNone" when the pipe cannot be opened, the empty text
+/// when the exchange breaks off.
+std::string PipeExchange(const char* name, std::string message);
+
+/// Writes a reply to the client of `PipeHandle`; 1 when that succeeded, else 0.
+int PipeReply(std::string text);
+
+/// Serves the next client of `PipeHandle`, one exchange; waits until there is one.
+void PipeServeClient();
+
+}  // namespace vorn

@@ -1,0 +1,181 @@
+// All ways into a real host at once, and the client program over both of its transports.
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <array>
+#include <cstdio>
+#include <fstream>
+#include <functional>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "host/pipe_client.h"
+#include "tests/support/host_process.h"
+#include "tests/support/pseudo_terminal.h"
+
+namespace {
+
+using std::string;
+
+/// One request over one of the three transports; gives the reply.
+using Asker = std::function<string(const string& command, const string& name, const string& messages)>;
+
+Asker OverHttp(const HostProcess& host) {
+    auto client = std::make_shared<httplib::Client>(host.Client());
+    client->set_keep_alive(true);
+    client->set_tcp_nodelay(true);
+    return [client](const string& command, const string& name, const string& messages) {
+        const auto reply = client->Post(
+            "/api",
+            R"({"command":")" + command + R"(","name":")" + name + R"(","messages":")" + messages + "\"}",
+            "application/json");
+        return reply ? reply->body : "no reply";
+    };
+}
+
+Asker OverPipe(int row) {
+    return [row](const string& command, const string& name, const string& messages) {
+        string reply;
+        string fault;
+        return PipeAsk(row, command + "/" + name + "/" + messages, reply, fault) ? reply : fault;
+    };
+}
+
+Asker OverSerial(const PseudoTerminal& terminal) {
+    return [&terminal](const string& command, const string& name, const string& messages) {
+        terminal.Write(command + "/" + name + (messages.empty() ? "" : "/") + messages + "\r");
+        return terminal.ReadLine();
+    };
+}
+
+/// Writes and reads one variable in bursts and holds every reply against its request. Gives the lines that
+/// the host's log is to hold. The pauses let the host fetch its log, which is bounded, in time.
+std::vector<string> Exercise(const Asker& ask, const string& project, const string& variable, bool serial) {
+    std::vector<string> log;
+    const auto Expect = [&](const string& side, const string& command, const string& name,
+                            const string& messages, const string& reply) {
+        EXPECT_EQ(ask(command, name, messages), reply) << command << " " << name;
+        log.push_back(side + command + " " + name + " " + messages + " " + reply);
+    };
+    for (int burst = 0; burst < 12; ++burst) {
+        for (int round = 0; round < 6; ++round) {
+            const string value = std::to_string(burst * 10 + round);
+            Expect("write  ", "Set", variable, value, "OK");
+            Expect("read   ", "Get", variable, "", value + ".000000");
+            if (!serial) Expect("read   ", "Fdp", project, variable, "1");
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    }
+    return log;
+}
+
+/// The lines of `output` of one side that name `variable`, in order.
+std::vector<string> LinesOf(const string& output, const string& side, const string& variable) {
+    std::vector<string> lines;
+    std::istringstream stream(output);
+    for (string line; std::getline(stream, line);) {
+        if (line.starts_with(side) && line.find(variable + " ") != string::npos) lines.push_back(line);
+    }
+    return lines;
+}
+
+TEST(FrontEndsThreadsTest, AnswerAllWaysAtOnceAndLogEachExchangeWhole) {
+    const PseudoTerminal terminal;
+    HostProcess host({"--serial", terminal.Device()});
+    const string pipe = host.WaitFor("holds the pipe VornServerPipe");
+    ASSERT_NE(pipe, "") << host.Output();
+    for (int project = 0; project < 8; ++project) {
+        // Each over a connection of its own: one that stays open keeps a worker from the clients below.
+        ASSERT_EQ(OverHttp(host)("Create", "P" + std::to_string(project), ""), "OK");
+    }
+
+    struct Client {
+        Asker ask;
+        string project, variable;
+        bool serial = false;
+        std::vector<string> log{};
+    };
+    std::vector<Client> clients;
+    for (int client = 0; client < 11; ++client) {
+        const string project = "P" + std::to_string(client % 8);
+        const string variable = project + (client < 8 ? "_GTemp" : "_WAll");
+        if (client < 8) clients.push_back({OverHttp(host), project, variable});
+        if (client == 8 || client == 9) clients.push_back({OverPipe(std::stoi(pipe)), project, variable});
+        if (client == 10) clients.push_back({OverSerial(terminal), project, variable, true});
+    }
+    std::thread reader([&host] { host.WaitFor("VornServer has ended"); });
+    std::vector<std::thread> threads;
+    threads.reserve(clients.size());
+    for (Client& client : clients) {
+        threads.emplace_back(
+            [&client] { client.log = Exercise(client.ask, client.project, client.variable, client.serial); });
+    }
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(host.End(), 0);
+    reader.join();
+    for (const Client& client : clients) {
+        for (const char* side : {"read   ", "write  "}) {
+            std::vector<string> expected;
+            for (const string& line : client.log) {
+                if (line.starts_with(side)) expected.push_back(line);
+            }
+            EXPECT_EQ(LinesOf(host.Output(), side, client.variable), expected);
+        }
+    }
+}
+
+struct Outcome {
+    string output;
+    int status;
+};
+
+/// Runs vorn-send with arguments as a shell takes them.
+Outcome RunSend(const string& arguments) {
+    std::FILE* output = popen((string(VORN_SEND_PROGRAM) + " 2>&1 " + arguments).c_str(), "r");
+    Outcome outcome{};
+    std::array<char, 4096> bytes{};
+    for (size_t count = 0; (count = std::fread(bytes.data(), 1, bytes.size(), output)) > 0;) {
+        outcome.output.append(bytes.data(), count);
+    }
+    const int status = pclose(output);
+    outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return outcome;
+}
+
+TEST(SendThreadsTest, SendsOneCommandOverEitherTransport) {
+    HostProcess host;
+    const string row = host.WaitFor("holds the pipe VornServerPipe");
+    const string port = "--port " + std::to_string(host.Port()) + " ";
+    const string pipe = "--pipe=" + row + " ";
+    const string batch = string(testing::TempDir()) + "vorn_send_batch.json";
+    std::ofstream(batch) << "{\"VarName\":[\"PLANT1_GTemp\"],\r\n\t\"VarValue\":[\"4\"]}";
+    const struct {
+        string arguments, output;
+        int status;
+    } cases[] = {
+        {port + "Create plant1", "OK\n", 0},
+        {"Fdp", "0\n", 0},
+        {"--pipe Fdp", "0\n", 0},
+        {port + "Set PLANT1_GTemp -5", "OK\n", 0},
+        {pipe + "Get PLANT1_GTemp", "-5.000000\n", 0},
+        {port + "Set json --file " + batch, "[\"OK\"]\n", 0},
+        {"--file=- " + port + "Get json < " + batch, "[\"4.000000\"]\n", 0},
+        {pipe + "Get json --file " + batch, "[\"4.000000\"]\n", 0},
+        {port + "-- --none", "项目名称找不到(project Char error)\n", 0},
+        {pipe + "a/b", "vorn-send: COMMAND and NAME cannot hold '/' on the pipe\n", 2},
+        {"--port 9 Fdp P", "vorn-send: no answer on port 9 (Connection)\n", 1},
+        {"--pipe=100 Fdp P", "vorn-send: cannot read the option '--pipe=100'\n", 2},
+        {"", "vorn-send: no command is given\n", 2},
+        {port + "Fdp P >/dev/full", "vorn-send: the reply cannot be written\n", 1},
+    };
+    for (const auto& each : cases) {
+        const Outcome outcome = RunSend(each.arguments);
+        EXPECT_TRUE(outcome.output.starts_with(each.output)) << each.arguments << ": " << outcome.output;
+        EXPECT_EQ(outcome.status, each.status) << each.arguments;
+    }
+}
+
+}  // namespace

@@ -1,0 +1,334 @@
+// The named-pipe service, both ends: what a request and a reply become on the wire, and what clients may do
+// without holding the service up.
+
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <thread>
+
+#include "include/vorn_server.h"
+#include "service/pipe_message.h"
+#include "service/pipe_service.h"
+#include "service/server_root.h"
+#include "tests/support/host_process.h"
+#include "tests/support/service_test.h"
+
+namespace {
+
+using std::string;
+using std::chrono::milliseconds;
+
+constexpr const char* NoProject = "项目名称找不到(project Char error)";
+
+/// A client that does only what it is told.
+class RawClient {
+  public:
+    explicit RawClient(const string& name) : socket_(socket(AF_UNIX, SOCK_STREAM, 0)) {
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        std::copy(name.begin(), name.end(), address.sun_path + 1);
+        const timeval wait{.tv_sec = 20, .tv_usec = 0};
+        setsockopt(socket_, SOL_SOCKET, SO_RCVTIMEO, &wait, sizeof wait);
+        EXPECT_EQ(connect(socket_, reinterpret_cast<const sockaddr*>(&address),
+                          static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 + name.size())),
+                  0);
+    }
+    ~RawClient() { close(socket_); }
+    RawClient(const RawClient&) = delete;
+    RawClient& operator=(const RawClient&) = delete;
+
+    bool Send(const string& text) const {
+        for (size_t done = 0; done < text.size();) {
+            const ssize_t sent = send(socket_, text.data() + done, text.size() - done, MSG_NOSIGNAL);
+            if (sent <= 0) return false;
+            done += static_cast<size_t>(sent);
+        }
+        return true;
+    }
+    void EndSending() const { shutdown(socket_, SHUT_WR); }
+    /// All that comes until the end; "error" behind it when it does not end well.
+    string Receive() const {
+        string text;
+        char bytes[65536];
+        ssize_t count = 0;
+        while ((count = recv(socket_, bytes, sizeof bytes, 0)) > 0) {
+            text.append(bytes, static_cast<size_t>(count));
+        }
+        return count == 0 ? text : text + "error";
+    }
+
+  private:
+    int socket_;
+};
+
+/// `bytes` bytes of text in which a lost or moved piece shows.
+string Pattern(size_t bytes) {
+    string text;
+    for (size_t number = 0; text.size() < bytes; ++number) text += std::to_string(number) + ".";
+    text.resize(bytes);
+    return text;
+}
+
+/// Serves a pipe of its own name, client by client, on a thread.
+class PipeThreadsTest : public ServiceTest {
+  protected:
+    PipeThreadsTest() : name_("VornTestPipe" + std::to_string(getpid())) {
+        EXPECT_TRUE(vorn::PipeOpen(name_.c_str(), vorn::PipeHandle));
+    }
+    ~PipeThreadsTest() override {
+        Join();
+        vorn::PipeHoldSet(60000);
+        vorn::CloseHandle(vorn::PipeHandle);
+        vorn::PipeHandle = nullptr;
+    }
+    /// Serves so many clients, those included that are let go.
+    void Serve(int clients) {
+        Join();
+        server_ = std::thread([clients] {
+            for (int client = 0; client < clients; ++client) vorn::PipeServeClient();
+        });
+    }
+    void Join() {
+        if (server_.joinable()) server_.join();
+    }
+    /// What comes back for one request from a client that waits at the end of it.
+    string Ask(const string& request) {
+        const RawClient client(name_);
+        EXPECT_TRUE(client.Send(request));
+        return client.Receive();
+    }
+
+    const string name_;
+
+  private:
+    std::thread server_;
+};
+
+TEST_F(PipeThreadsTest, SplitsAtTheFirstTwoSlashes) {
+    const struct {
+        string text, logged;
+    } cases[] = {
+        {"Fdp/PLANT1_GTemp", "Fdp PLANT1_GTemp  0"},
+        {"Fdp/PLANT1_GTemp/21.5", "Fdp PLANT1_GTemp 21.5 0"},
+        {R"(Fdp/json/{"a":["A"]})", R"(Fdp json {"a":["A"]} 0)"},
+        {"Fdp/A/1,2/3/", "Fdp A 1,2/3/ 0"},
+        {"Fdp//", "Fdp   0"},
+        {"Fdp/a", "Fdp a  0"},
+        {"Pjtxx", string("Pjtxx   ") + NoProject},
+        {"Fdp/", string("   ") + NoProject},
+        {"", string("   ") + NoProject},
+        {"/abcd", string(" abcd  ") + NoProject},
+        {"/////", string("  /// ") + NoProject},
+    };
+    for (const auto& each : cases) {
+        Rtn_Get_Get();
+        string reply;
+        vorn::PipeMessageSplit(each.text, reply);
+        EXPECT_EQ(Rtn_Get_Get(), each.logged);
+    }
+}
+
+TEST_F(PipeThreadsTest, ReadsRequestsWhole) {
+    const string lineEnd = "\r\n";
+    const auto Name = [](size_t requestBytes) { return Pattern(requestBytes - 4); };
+    const struct {
+        string sent, name;
+        int pauses;  ///< one behind each full chunk
+    } cases[] = {
+        {Name(255), Name(255), 0},
+        {Name(256), Name(256), 1},
+        {Name(257), Name(257), 1},
+        {Name(300), Name(300), 1},
+        {Name(512), Name(512), 2},
+        {Name(1 << 20), Name(1 << 20), 4096},
+        // Only a last chunk of 2 to 255 bytes loses its line end.
+        {"X" + lineEnd, "X", 0},
+        {"X\n", "X\n", 0},
+        {"X\r", "X\r", 0},
+        {"X" + lineEnd + lineEnd, "X" + lineEnd, 0},
+        {Name(254) + lineEnd, Name(254) + lineEnd, 1},
+        {Name(255) + lineEnd, Name(255) + lineEnd, 1},
+        {Name(256) + lineEnd, Name(256), 1},
+        {Name(298) + lineEnd, Name(298), 1},
+        {Name(254) + lineEnd + "Y", Name(254) + lineEnd + "Y", 1},
+        // A zero byte ends its chunk.
+        {string("A\0B", 3), "A", 0},
+        {string("A\0", 2) + string(250, 'B') + "C", "AC", 1},
+    };
+    for (const auto& each : cases) {
+        Serve(1);
+        standin::TraceStart();
+        EXPECT_EQ(Ask("Fdp/" + each.sent), "0");
+        Join();
+        std::vector<string> expected(static_cast<size_t>(each.pauses), "sleep 1");
+        expected.push_back("ProjectNameToID(\"" + each.name + "\")");
+        EXPECT_TRUE(standin::TraceStop() == expected) << each.sent.size() << " bytes";
+    }
+}
+
+TEST_F(PipeThreadsTest, TakesTheEndOfWritingOrSilenceForTheEndOfARequest) {
+    ASSERT_EQ(Send("Create", "ABC"), "OK");
+    Serve(2);
+    {
+        const RawClient byteByByte(name_);
+        for (const char byte : string("Fdp/ABC")) ASSERT_TRUE(byteByByte.Send({byte}));
+        byteByByte.EndSending();
+        EXPECT_EQ(byteByByte.Receive(), "1");
+    }
+    const RawClient pausing(name_);
+    ASSERT_TRUE(pausing.Send("Fdp/AB"));
+    std::this_thread::sleep_for(milliseconds(100));
+    pausing.Send("C");
+    EXPECT_EQ(pausing.Receive(), "0");
+}
+
+TEST_F(PipeThreadsTest, CarriesRepliesWholeAndNoneForTheEmptyText) {
+    Serve(2);
+    EXPECT_EQ(Ask("none\r\n"), NoProject);
+    EXPECT_EQ(vorn::PipeExchange(name_.c_str(), ""), NoProject);
+    Join();
+    for (const size_t bytes : {0, 1, 255, 256, 257, 512, 3 << 20}) {
+        std::thread server([bytes] {
+            for (int client = 0; client < 2; ++client) {
+                EXPECT_TRUE(vorn::ConnectNamedPipe(vorn::PipeHandle));
+                EXPECT_EQ(vorn::PipeReply(Pattern(bytes)), 1);
+                vorn::DisconnectNamedPipe(vorn::PipeHandle);
+            }
+        });
+        EXPECT_TRUE(vorn::PipeExchange(name_.c_str(), "x") == Pattern(bytes)) << bytes;
+        EXPECT_TRUE(Ask("x") == (bytes == 0 ? "none" : Pattern(bytes))) << bytes;
+        server.join();
+    }
+}
+
+TEST_F(PipeThreadsTest, LetsGoOfClientsThatHoldItUp) {
+    vorn::PipeHoldSet(200);
+    Serve(6);
+    { const RawClient leaves(name_); }
+    const RawClient silent(name_);
+    EXPECT_EQ(silent.Receive(), "");
+    {
+        const RawClient leavesBehindItsRequest(name_);
+        EXPECT_TRUE(leavesBehindItsRequest.Send("Create/LEFT"));
+    }
+    const RawClient endless(name_);
+    const auto limit = std::chrono::steady_clock::now() + milliseconds(20000);
+    while (endless.Send("x") && std::chrono::steady_clock::now() < limit) {
+        std::this_thread::sleep_for(milliseconds(1));
+    }
+    EXPECT_FALSE(endless.Send("x")) << "it was let write on and on";
+    EXPECT_EQ(Ask("Fdp/LEFT"), "1");
+    EXPECT_EQ(Ask("Fdp/NONE"), "0");
+    Join();
+
+    std::thread server([] {
+        EXPECT_TRUE(vorn::ConnectNamedPipe(vorn::PipeHandle));
+        EXPECT_EQ(vorn::PipeReply(Pattern(3 << 20)), 0);
+        vorn::PipeServeClient();
+    });
+    const RawClient neverReads(name_);
+    EXPECT_TRUE(neverReads.Send("x"));
+    EXPECT_EQ(Ask("Fdp/LEFT"), "1");
+    server.join();
+}
+
+TEST_F(PipeThreadsTest, AnswersTwoHundredClientsInTurn) {
+    Send("Create", "P1");
+    std::vector<std::unique_ptr<RawClient>> clients;
+    for (int client = 0; client < 200; ++client) {
+        clients.push_back(std::make_unique<RawClient>(name_));
+        ASSERT_TRUE(clients.back()->Send("Fdp/P" + std::to_string(client % 3)));
+        clients.back()->EndSending();
+    }
+    Serve(200);
+    for (size_t client = 0; client < 200; ++client) {
+        EXPECT_EQ(clients[client]->Receive(), client % 3 == 1 ? "1" : "0") << client;
+    }
+}
+
+TEST_F(PipeThreadsTest, KeepsToItsOwnUser) {
+    if (geteuid() != 0) GTEST_SKIP() << "needs root, to become another user";
+    Serve(2);
+    const pid_t child = fork();
+    if (child == 0) {
+        if (setuid(65534) != 0) _exit(99);
+        const RawClient stranger(name_);
+        stranger.Send("Create/STRANGER");
+        _exit(stranger.Receive().find("OK") == string::npos ? 0 : 1);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(Ask("Fdp/STRANGER"), "0");
+}
+
+TEST_F(PipeThreadsTest, DoesNotWaitForEverOnAPipeThatNobodyServes) {
+    vorn::PipeHoldSet(50);
+    EXPECT_EQ(vorn::PipeExchange(name_.c_str(), "Fph/x"), "");
+    EXPECT_EQ(vorn::PipeExchange((name_ + "no").c_str(), "Fph/x"), "LinkNone");
+    vorn::NamedPipe* second = nullptr;
+    EXPECT_FALSE(vorn::PipeOpen(name_.c_str(), second));
+    EXPECT_EQ(second, nullptr);
+    EXPECT_FALSE(vorn::PipeOpen(string(108, 'x').c_str(), second));
+}
+
+/// Takes all free names, starts the service and gives one name back at its first pause.
+void WaitForAName() {
+    vorn::PipeHoldSet(1);
+    std::vector<vorn::NamedPipe*> held(vorn::PipeNameCount);
+    for (int row = 0; row < vorn::PipeNameCount; ++row) {
+        vorn::PipeOpen(vorn::PipeName(row).c_str(), held[static_cast<size_t>(row)]);
+    }
+    auto last = std::find_if(held.rbegin(), held.rend(), [](auto* pipe) { return pipe != nullptr; });
+    const string name = vorn::PipeName(static_cast<int>(held.rend() - last) - 1);
+    vorn::NamedPipe* given = std::exchange(*last, nullptr);
+    std::atomic<int> pauses{0};
+    AtSleep([&pauses, given](int pause) {
+        if (pause == 2000 && ++pauses == 2) vorn::CloseHandle(given);
+    });
+    std::thread([] { PipeServerThread(nullptr); }).detach();
+    while (pauses < 2) std::this_thread::yield();
+    vorn::PipeHoldSet(10000);
+    const string question = "Fph/" + vorn::DirectoryText(vorn::ServerRootGet());
+    while (vorn::PipeExchange(name.c_str(), question) != "1") std::this_thread::yield();
+    for (vorn::NamedPipe* pipe : held) vorn::CloseHandle(pipe);
+    PipeServerThread(nullptr);  // returns: the first one answers its probe
+    EXPECT_EQ(vorn::PipeName(vorn::PipeSlot), name);
+}
+
+TEST(PipeWalkThreadsTest, WaitsForAFreeNameAndHoldsOnlyOne) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(
+        {
+            alarm(60);
+            WaitForAName();
+            std::_Exit(testing::Test::HasFailure() ? 1 : 0);
+        },
+        testing::ExitedWithCode(0), "");
+}
+
+TEST(PipeWalkThreadsTest, GivesEachDirectoryOneServerAndEachServerOneName) {
+    HostProcess first;
+    const string firstName = first.WaitFor("holds the pipe ");
+    HostProcess second;
+    const string secondName = second.WaitFor("holds the pipe ");
+    EXPECT_NE(firstName, "");
+    EXPECT_NE(secondName, "");
+    EXPECT_NE(firstName, secondName);
+    {
+        HostProcess sameDirectory({"--quiet"}, first.Program());
+        EXPECT_EQ(sameDirectory.WaitFor("holds no pipe"), ": a server of this directory has one already");
+    }
+    const string directory = vorn::DirectoryText(first.Program().substr(0, first.Program().find("bin/")));
+    EXPECT_EQ(vorn::PipeExchange(firstName.c_str(), "Fph/" + directory), "1");
+    EXPECT_EQ(vorn::PipeExchange(firstName.c_str(), "Fph/" + directory + "Sub_"), "1");
+    EXPECT_EQ(vorn::PipeExchange(secondName.c_str(), "Fph/" + directory), "0");
+    first.End();
+    EXPECT_EQ(vorn::PipeExchange(firstName.c_str(), "Fph/" + directory), "LinkNone");
+}
+
+}  // namespace
