@@ -37,4 +37,21 @@ std::string PjtAddVar(const Request& request);
 std::string PjtDleVar(const Request& request);
 std::string PjtCerGet(const Request& request);
 
+std::string DeleteMNL(const Request& request);
+std::string MoveMN(const Request& request);
+
+std::string PjtRun(const Request& request);
+std::string PjtPause(const Request& request);
+std::string PjtStep(const Request& request);
+std::string PjtStop(const Request& request);
+std::string PjtClose(const Request& request);
+std::string PjtClear(const Request& request);
+std::string PjtCacheToRun(const Request& request);
+std::string PjtRunToCache(const Request& request);
+
+std::string LuaSent(const Request& request);
+
+std::string PjtPngGet(const Request& request);
+std::string PjtChartGet(const Request& request);
+
 }  // namespace vorn

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "commands/command_frame.h"
+#include "commands/put_verb.h"
 #include "engine/vorn_core.h"
 #include "service/exchange_log.h"
 #include "service/server_root.h"
@@ -49,6 +50,11 @@ void Get(const std::string& midData, const std::string& midValue, std::string& r
     }
 }
 
+/// Drives a project by its name.
+void Put(const std::string& midData, const std::string& midValue, std::string& reply) {
+    reply = PutVerb(midData, midValue);
+}
+
 struct VerbRow {
     std::string_view word;
     void (*serve)(const std::string& midData, const std::string& midValue, std::string& reply);
@@ -56,7 +62,7 @@ struct VerbRow {
 };
 
 constexpr VerbRow VerbTable[] = {
-    {"Set", Set, true}, {"Get", Get, false}, {"Put", nullptr, true}, {"Fdp", Fdp, false}, {"Fph", Fph, false},
+    {"Set", Set, true}, {"Get", Get, false}, {"Put", Put, true}, {"Fdp", Fdp, false}, {"Fph", Fph, false},
 };
 
 /// No command, but logged as a write: clients know it as a word for moving elements.

@@ -7,6 +7,7 @@
 
 #include "engine/vorn_core.h"
 #include "standin/project.h"
+#include "standin/simulation.h"
 #include "standin/trace.h"
 
 namespace standin {
@@ -19,6 +20,7 @@ struct Control {
     std::array<int, TableKindCount> capacities = FullCapacities;
     bool refuseNextAddition = false;
     int viewBusyPolls = 0;
+    bool simulationKeptOff = false;
     std::unordered_map<std::string, DecodedName> names;
 };
 
@@ -58,6 +60,16 @@ bool AdditionRefused() {
 void ViewBusySet(int polls) {
     const std::lock_guard guard(EngineLock());
     TheControl().viewBusyPolls = polls;
+}
+
+void SimulationKeepOff(bool off) {
+    const std::lock_guard guard(EngineLock());
+    TheControl().simulationKeptOff = off;
+    SimulationWake();
+}
+
+bool SimulationKeptOff() {
+    return TheControl().simulationKeptOff;
 }
 
 void NameDefine(const std::string& name, const DecodedName& decoded) {

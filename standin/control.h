@@ -22,6 +22,11 @@ bool AdditionRefused();
 /// The view stays busy for that many polls of `GuiRef_Get`; a negative number is for ever.
 void ViewBusySet(int polls);
 
+/// Keeps the simulation's thread from stepping, so that a test sees only the steps that it makes itself.
+void SimulationKeepOff(bool off);
+/// The engine lock is held.
+bool SimulationKeptOff();
+
 /// What `NameParsing` gives for a name of a test's own, before it looks for a project's variables: so a test
 /// reaches each operation of the store, also those that no variable of the stand-in leads to.
 struct DecodedName {

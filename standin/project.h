@@ -144,10 +144,13 @@ struct Project {
     VariableRows variableRows;
     std::string script;
     bool started = false;
+    bool starting = false;  ///< started, and the controller has not looked at it yet
     bool paused = false;
     int stepRequests = 0;
     std::string access;                ///< why the last start was refused; empty when it was not
-    std::vector<double> temperatures;  ///< GTemp after each step of the run, for the chart
+    int steps = 0;                     ///< steps since the last start
+    std::vector<double> temperatures;  ///< GTemp at every `temperatureSteps`-th of them, from the first on
+    int temperatureSteps = 1;
 };
 
 /// The one lock of the engine.

@@ -1,4 +1,5 @@
-// A folder of a test's own, so that what the process keeps in `../AlgProject` begins empty and leaves nothing.
+// A folder of a test's own, so that what the process keeps in `../AlgProject` begins empty and leaves
+// nothing.
 
 #pragma once
 

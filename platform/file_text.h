@@ -1,0 +1,20 @@
+// Whole files as texts.
+
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace vorn {
+
+/// Reads a regular file whole, byte for byte. False, with an empty `content`, when it cannot be read and when
+/// it has more than `limit` bytes. Of a file that shrinks meanwhile, what is left.
+bool FileRead(const std::string& path, std::size_t limit, std::string& content);
+
+/// Puts a file of that content in the place of `path`, whose folder is there: it is written beside it, as
+/// `path` with `.new` behind it, flushed to the disk and renamed, so that a crash at any moment leaves the
+/// old file or the new one. False, with the old file as it was, when that fails.
+bool FileReplace(const std::string& path, std::string_view content);
+
+}  // namespace vorn

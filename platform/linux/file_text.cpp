@@ -1,0 +1,88 @@
+#include "platform/file_text.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+
+namespace vorn {
+
+namespace {
+
+/// An open file, closed at the end of its scope.
+class FileHandle {
+  public:
+    FileHandle(const char* path, int flags) : handle_(open(path, flags | O_CLOEXEC, 0644)) {}
+    ~FileHandle() {
+        if (handle_ >= 0) close(handle_);
+    }
+    FileHandle(const FileHandle&) = delete;
+    FileHandle& operator=(const FileHandle&) = delete;
+    int Get() const { return handle_; }
+
+  private:
+    int handle_;
+};
+
+/// Calls `move`, a read or a write of the bytes from an offset on, until `size` bytes have gone or no more
+/// go, and gives how many went. False on an error.
+template <typename Move>
+bool MoveAll(std::size_t size, std::size_t& done, Move move) {
+    for (done = 0; done < size;) {
+        const ssize_t count = move(done);
+        if (count < 0 && errno == EINTR) continue;
+        if (count <= 0) return count == 0;
+        done += static_cast<std::size_t>(count);
+    }
+    return true;
+}
+
+bool WriteAll(const std::string& path, std::string_view content) {
+    const FileHandle file(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC);
+    std::size_t done = 0;
+    const auto write = [&](std::size_t at) {
+        return ::write(file.Get(), content.data() + at, content.size() - at);
+    };
+    return file.Get() >= 0 && MoveAll(content.size(), done, write) && done == content.size() &&
+           fsync(file.Get()) == 0;
+}
+
+/// Makes what was renamed last through a crash of the machine. A file system that cannot is taken as it is.
+void FolderFlush(const std::string& path) {
+    const std::size_t end = path.rfind('/');
+    const std::string folder = end == std::string::npos ? "." : path.substr(0, end + 1);
+    const FileHandle handle(folder.c_str(), O_RDONLY | O_DIRECTORY);
+    if (handle.Get() >= 0) fsync(handle.Get());
+}
+
+}  // namespace
+
+bool FileRead(const std::string& path, std::size_t limit, std::string& content) {
+    content.clear();
+    // Without waiting: a pipe of that name would hold the open call until somebody writes to it.
+    const FileHandle file(path.c_str(), O_RDONLY | O_NONBLOCK);
+    struct stat facts {};
+    if (file.Get() < 0 || fstat(file.Get(), &facts) != 0 || !S_ISREG(facts.st_mode)) return false;
+    const auto size = static_cast<std::size_t>(facts.st_size);
+    if (size > limit) return false;
+    content.resize(size);
+    std::size_t done = 0;
+    const bool read = MoveAll(
+        size, done, [&](std::size_t at) { return ::read(file.Get(), content.data() + at, size - at); });
+    content.resize(read ? done : 0);
+    return read;
+}
+
+bool FileReplace(const std::string& path, std::string_view content) {
+    const std::string fresh = path + ".new";
+    if (!WriteAll(fresh, content) || rename(fresh.c_str(), path.c_str()) != 0) {
+        unlink(fresh.c_str());
+        return false;
+    }
+    FolderFlush(path);
+    return true;
+}
+
+}  // namespace vorn
