@@ -1,10 +1,74 @@
+// The operations that write a project's picture and chart into its folder. Both are written whole before the
+// call returns.
+
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+#include <string>
+#include <string_view>
+
 #include "engine/vorn_chart_cache.h"
 #include "engine/vorn_core.h"
+#include "platform/file_text.h"
+#include "standin/chart.h"
+#include "standin/plant_picture.h"
 #include "standin/trace.h"
+
 using namespace standin;
+
+namespace {
+
+/// The folder of a project's files, with `/` behind it; empty for a name that could lead elsewhere.
+std::string ProjectFolder(std::string_view name) {
+    const auto allowed = [](char byte) {
+        return (byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'Z');
+    };
+    if (name.empty() || !std::all_of(name.begin(), name.end(), allowed)) return {};
+    return "../AlgProject/" + std::string(name) + "/";
+}
+
+/// Writes a drawing of the project `name`. A failure is told of on standard error; the old file then stays.
+void WriteDrawing(const std::string& name, std::string_view ending, const std::string& svg) {
+    const std::string folder = ProjectFolder(name);
+    if (folder.empty()) return;
+    std::error_code fault;
+    std::filesystem::create_directories(folder, fault);
+    const std::string path = folder + name + std::string(ending);
+    if (fault || !vorn::FileReplace(path, svg)) {
+        std::fprintf(stderr, "cannot write %s\n", path.c_str());
+    }
+}
+
+}  // namespace
+
 void Pipe_PjtPngSave(int slot) {
     Trace("Pipe_PjtPngSave", slot);
+    std::string name;
+    std::vector<PlantPage> pages;
+    {
+        const std::lock_guard guard(EngineLock());
+        Project* project = ProjectFind(slot);
+        if (project == nullptr) return;
+        name = project->name;
+        pages = PlantPages(*project);
+    }
+    // Arranged and written without the lock: a large plant need not hold the simulation up.
+    for (PlantPage& page : pages) PlantArrange(page);
+    WriteDrawing(name, ".txt", PlantSvg(name, pages));
 }
+
 void Chart_PngSave(const char* name) {
     Trace("Chart_PngSave", name);
+    std::string projectName;
+    std::vector<double> temperatures;
+    int stepsEach = 1;
+    {
+        const std::lock_guard guard(EngineLock());
+        const Project* project = ProjectFind(name);
+        if (project == nullptr) return;
+        projectName = project->name;
+        temperatures = project->temperatures;
+        stepsEach = project->temperatureSteps;
+    }
+    WriteDrawing(projectName, "_chart.txt", ChartSvg(projectName, temperatures, stepsEach));
 }
