@@ -10,9 +10,9 @@ namespace standin {
 
 namespace {
 
-constexpr Point Size{900, 420};
-constexpr Point PlotLow{76, 64};  ///< the plot's upper left corner, and its lower right one
-constexpr Point PlotHigh{868, 356};
+constexpr Point Size{900, 440};
+constexpr Point PlotLow{76, 88};  ///< the plot's upper left corner, and its lower right one
+constexpr Point PlotHigh{868, 376};
 constexpr double ValueLimit = 1e9;  ///< beyond this a temperature is none
 constexpr int TicksWanted = 7;
 
@@ -132,7 +132,7 @@ std::string ChartSvg(std::string_view name, std::span<const double> temperatures
     std::string svg;
     SvgBegin(svg, Size.x, Size.y, Styles);
     SvgText(svg, {24, 34}, TextFitted(name, 44), "title");
-    const double behindTitle = 24 + 14.0 * TextPlaces(TextFitted(name, 44)) + 20;
+    const double behindTitle = 24 + 12.5 * TextPlaces(TextFitted(name, 44)) + 20;
     SvgText(svg, {behindTitle, 34}, "GTemp 蒸发温度", "quiet");
     if (temperatures.empty()) {
         DrawAxes(svg, StepAxis(1, 1), {.low = -10.0, .high = 0.0, .step = 2.0});

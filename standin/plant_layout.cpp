@@ -9,12 +9,13 @@ namespace standin {
 
 namespace {
 
-constexpr double Margin = 40.0;
-constexpr Point AnchorGap{78.0, 44.0};  ///< between devices that are neighbours: room for a connector
-constexpr Point TightGap{10.0, 8.0};    ///< the least between any two shapes
-constexpr double ParallelGap = 40.0;    ///< between the chains that join the same two elements
-constexpr double RowGap = 24.0;         ///< between the chains that lead away from one element
-constexpr double SpareRoom = 12.0;      ///< a page is at most so many times what its shapes need
+constexpr double Margin = 56.0;
+constexpr double ConnectorGap = 14.0;  ///< between connectors that follow each other
+constexpr std::size_t RoomyChain = 6;  ///< connectors between two neighbours that room is made for
+constexpr Point TightGap{10.0, 8.0};   ///< the least between any two shapes
+constexpr double ParallelGap = 40.0;   ///< between the chains that join the same two elements
+constexpr double RowGap = 24.0;        ///< between the chains that lead away from one element
+constexpr double SpareRoom = 7.0;      ///< a page is at most so many times what its shapes need
 constexpr double LongestSide = 16000.0;
 constexpr int SeparateRounds = 60;
 constexpr long SeparateChecks = 20'000'000;  ///< pairs looked at, over all rounds
@@ -103,9 +104,20 @@ Topology TopologyOf(const PlantPage& page) {
     return topology;
 }
 
-/// Pixels for a grid unit that keep these elements apart, but for the few that stand much closer than all
-/// others. Elements at the very same place do not count.
-double ScaleFor(const std::vector<const PlantElement*>& anchors) {
+/// What is left between devices that are neighbours: room for the longest chain between any two.
+Point NeighbourGap(const Topology& topology) {
+    std::size_t longest = 1;
+    for (const Chain& chain : topology.chains) {
+        if (chain.last != None) longest = std::max(longest, std::min(chain.members.size(), RoomyChain));
+    }
+    const auto count = static_cast<double>(longest);
+    const Point size = ShapeSizes[static_cast<std::size_t>(Shape::Connector)];
+    return {size.x * count + ConnectorGap * (count + 1), size.y * count + ConnectorGap * (count + 1)};
+}
+
+/// Pixels for a grid unit that keep these elements a gap apart, but for the few that stand much closer than
+/// all others. Elements at the very same place do not count.
+double ScaleFor(const std::vector<const PlantElement*>& anchors, Point gap) {
     std::vector<double> needs(anchors.size(), 0.0);
     double width = 0.0;
     double height = 0.0;
@@ -116,7 +128,7 @@ double ScaleFor(const std::vector<const PlantElement*>& anchors) {
             width = std::max(width, dx);
             height = std::max(height, dz);
             if (dx == 0.0 && dz == 0.0) continue;
-            const Point reach = Reach(*anchors[one], *anchors[two], AnchorGap);
+            const Point reach = Reach(*anchors[one], *anchors[two], gap);
             const double enough = std::min(needs[one], needs[two]);
             if (dx * enough >= reach.x || dz * enough >= reach.y) continue;
             const double need = std::min(dx > 0.0 ? reach.x / dx : 1e9, dz > 0.0 ? reach.y / dz : 1e9);
@@ -129,8 +141,7 @@ double ScaleFor(const std::vector<const PlantElement*>& anchors) {
     double scale = needs[needs.size() - 1 - needs.size() / 10];
 
     const Point one = ShapeSizes[0];
-    const double room =
-        SpareRoom * static_cast<double>(anchors.size()) * (one.x + AnchorGap.x) * (one.y + AnchorGap.y);
+    const double room = SpareRoom * static_cast<double>(anchors.size()) * (one.x + gap.x) * (one.y + gap.y);
     while ((width * scale + one.x) * (height * scale + one.y) > room ||
            std::max(width, height) * scale > LongestSide) {
         scale *= 0.8;
@@ -139,8 +150,8 @@ double ScaleFor(const std::vector<const PlantElement*>& anchors) {
 }
 
 /// Puts the anchors at their scaled places; those that share one form a block there.
-void PlaceAnchors(std::vector<PlantElement*>& anchors) {
-    const double scale = ScaleFor({anchors.begin(), anchors.end()});
+void PlaceAnchors(std::vector<PlantElement*>& anchors, Point gap) {
+    const double scale = ScaleFor({anchors.begin(), anchors.end()}, gap);
     std::map<std::pair<int, int>, std::vector<PlantElement*>> places;
     for (PlantElement* anchor : anchors) places[{anchor->x, anchor->z}].push_back(anchor);
     for (const auto& [place, sharers] : places) {
@@ -148,8 +159,8 @@ void PlaceAnchors(std::vector<PlantElement*>& anchors) {
         for (std::size_t index = 0; index < sharers.size(); ++index) {
             const auto column = static_cast<double>(index % columns);
             const auto row = static_cast<double>(index / columns);
-            sharers[index]->at = {place.first * scale + column * (ShapeSizes[0].x + AnchorGap.x),
-                                  place.second * scale + row * (ShapeSizes[0].y + AnchorGap.y)};
+            sharers[index]->at = {place.first * scale + column * (ShapeSizes[0].x + gap.x),
+                                  place.second * scale + row * (ShapeSizes[0].y + gap.y)};
         }
     }
 }
@@ -296,7 +307,7 @@ void PlantArrange(PlantPage& page) {
         all.push_back(&page.elements[index]);
         if (topology.anchored[index]) anchors.push_back(all.back());
     }
-    PlaceAnchors(anchors);
+    PlaceAnchors(anchors, NeighbourGap(topology));
     Separate(anchors, std::vector<bool>(anchors.size()));
     PlaceChains(page, topology);
     Separate(all, topology.anchored);

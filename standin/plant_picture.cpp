@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
+#include <initializer_list>
 #include <map>
 #include <utility>
 
@@ -113,8 +115,13 @@ constexpr std::array<Network, 4> Networks{{{"流体 FLUID", "#1f6fb4"},
 constexpr double HeaderHeight = 92.0;
 constexpr double PageTitleHeight = 30.0;
 constexpr double LeastWidth = 760.0;
-constexpr double LegendStep = 104.0;
-constexpr int NamePlaces = 16;  ///< half-width places in a device's box
+constexpr double LegendStep = 110.0;
+constexpr double TitlePlace = 12.5;  ///< pixels of a half-width place of the title
+constexpr double BesideStep = 20.0;  ///< between links that join the same two elements
+constexpr double CornerLength = 36.0;
+constexpr double Detours[] = {20, 36, 52, 70};  ///< how far aside a link may go to find its way free
+constexpr std::size_t DetourElements = 500;     ///< on a fuller page each link goes straight
+constexpr int NamePlaces = 16;                  ///< half-width places in a device's box
 constexpr int IdPlaces = 18;
 constexpr int SmallIdPlaces = 9;  ///< in a connector, a mark, and below a node
 
@@ -123,7 +130,9 @@ constexpr std::string_view PlainStyles =
     ".frame{fill:none;stroke:#ddd}.device{fill:#f4f7fa;stroke:#44566c;stroke-width:1.5}"
     ".connector{fill:#fff;stroke:#8696a7}.mark{fill:#fff6d6;stroke:#b08a00;stroke-dasharray:3 2}"
     ".name{text-anchor:middle}.id{text-anchor:middle;font-size:10px;fill:#667}"
-    ".small{text-anchor:middle;font-size:9px;fill:#445}.lx{stroke:#999;stroke-width:1.5;fill:none}";
+    ".small{text-anchor:middle;font-size:9px;fill:#445}"
+    ".label{text-anchor:middle;font-size:9px;fill:#445;stroke:#fff;stroke-width:3px;paint-order:stroke}.lx{"
+    "stroke:#999;stroke-width:1.5;fill:none}";
 
 std::string StyleNumber(char letter, int number) {
     const bool known = number >= 0 && number < static_cast<int>(Networks.size());
@@ -136,21 +145,10 @@ std::string NetworkStyles() {
     for (std::size_t type = 0; type < Networks.size(); ++type) {
         const std::string number = std::to_string(type);
         const std::string colour(Networks[type].colour);
-        css += ".l" + number + "{fill:none;stroke-width:1.8;stroke:" + colour + ";marker-mid:url(#a" +
-               number + ")}.n" + number + "{stroke:#fff;stroke-width:1.5;fill:" + colour + "}";
+        css += ".l" + number + "{fill:none;stroke-width:1.8;stroke:" + colour + "}.a" + number +
+               "{fill:" + colour + "}.n" + number + "{stroke:#fff;stroke-width:1.5;fill:" + colour + "}";
     }
     return css;
-}
-
-void Arrows(std::string& svg) {
-    svg += "<defs>";
-    for (std::size_t type = 0; type < Networks.size(); ++type) {
-        svg += "<marker id=\"a" + std::to_string(type) +
-               "\" markerUnits=\"userSpaceOnUse\" markerWidth=\"9\" markerHeight=\"8\" refX=\"4\" "
-               "refY=\"4\" orient=\"auto\"><path d=\"M0 0L9 4L0 8z\" fill=\"" +
-               std::string(Networks[type].colour) + "\"/></marker>";
-    }
-    svg += "</defs>\n";
 }
 
 void AppendPoint(std::string& svg, Point point) {
@@ -159,20 +157,76 @@ void AppendPoint(std::string& svg, Point point) {
     AppendLength(svg, point.y);
 }
 
-/// A line between the edges of two shapes, with a bend in its middle for the arrow.
-void DrawLink(std::string& svg, const PlantPage& page, const PlantLink& link) {
-    if (link.from == link.to) return;
-    const PlantElement& upstream = page.elements[link.from];
-    const PlantElement& downstream = page.elements[link.to];
-    const Point from = ShapeEdge(upstream, downstream.at);
-    const Point to = ShapeEdge(downstream, upstream.at);
-    svg += "<path class=\"" + StyleNumber('l', link.type) + "\" d=\"M";
-    AppendPoint(svg, from);
-    svg += 'L';
-    AppendPoint(svg, {(from.x + to.x) / 2, (from.y + to.y) / 2});
-    svg += 'L';
-    AppendPoint(svg, to);
+void DrawPath(std::string& svg, const std::string& style, std::initializer_list<Point> points) {
+    svg += "<path class=\"" + style + "\" d=\"";
+    char step = 'M';
+    for (const Point point : points) {
+        svg += std::exchange(step, 'L');
+        AppendPoint(svg, point);
+    }
     svg += "\"/>\n";
+}
+
+/// A line between the edges of two shapes, `aside` pixels off the straight one but for its ends, with an
+/// arrow in its middle.
+void DrawLink(std::string& svg, const PlantPage& page, const PlantLink& link, double aside) {
+    const Point from = ShapeEdge(page.elements[link.from], page.elements[link.to].at);
+    const Point to = ShapeEdge(page.elements[link.to], page.elements[link.from].at);
+    const double length = std::hypot(to.x - from.x, to.y - from.y);
+    if (length < 1.0) return;
+    const Point along{(to.x - from.x) / length, (to.y - from.y) / length};
+    const auto at = [from, along](double way, double off) {
+        return Point{from.x + along.x * way - along.y * off, from.y + along.y * way + along.x * off};
+    };
+    const double corner = std::min(length * 0.3, CornerLength);
+    DrawPath(svg, StyleNumber('l', link.type), {from, at(corner, aside), at(length - corner, aside), to});
+    const double middle = length / 2;
+    DrawPath(svg, StyleNumber('a', link.type),
+             {at(middle + 5, aside), at(middle - 4, aside - 4), at(middle - 4, aside + 4)});
+}
+
+/// True when the line of a link, drawn `aside`, runs through the shape of an element that it does not join.
+bool Obstructed(const PlantPage& page, const PlantLink& link, double aside) {
+    Point from = page.elements[link.from].at;
+    Point to = page.elements[link.to].at;
+    const double length = std::max(std::hypot(to.x - from.x, to.y - from.y), 1.0);
+    const Point off{-(to.y - from.y) / length * aside, (to.x - from.x) / length * aside};
+    from = {from.x + off.x, from.y + off.y};
+    to = {to.x + off.x, to.y + off.y};
+    const auto obstructs = [&](const PlantElement& element) {
+        if (&element == &page.elements[link.from] || &element == &page.elements[link.to]) return false;
+        // Seen with the shape as a circle of radius 1 around the origin.
+        const Point size = ShapeSizes[static_cast<std::size_t>(element.shape)];
+        const Point start{(from.x - element.at.x) * 2 / size.x, (from.y - element.at.y) * 2 / size.y};
+        const Point way{(to.x - from.x) * 2 / size.x, (to.y - from.y) * 2 / size.y};
+        const double square = std::max(way.x * way.x + way.y * way.y, 1e-9);
+        const double part = std::clamp(-(start.x * way.x + start.y * way.y) / square, 0.0, 1.0);
+        return std::hypot(start.x + way.x * part, start.y + way.y * part) < 1.0;
+    };
+    return std::any_of(page.elements.begin(), page.elements.end(), obstructs);
+}
+
+/// How far aside a link goes so that nothing is in its way; `aside` itself where that does not help.
+double Detour(const PlantPage& page, const PlantLink& link, double aside) {
+    if (page.elements.size() > DetourElements || !Obstructed(page, link, aside)) return aside;
+    const double side = link.from < link.to ? 1.0 : -1.0;
+    for (const double detour : Detours) {
+        for (const double way : {detour * side, -detour * side}) {
+            if (!Obstructed(page, link, aside + way)) return aside + way;
+        }
+    }
+    return aside;
+}
+
+/// Links that join the same two elements, and links with another element in their way, go aside, so that
+/// each is seen.
+void DrawLinks(std::string& svg, const PlantPage& page) {
+    std::map<std::pair<std::size_t, std::size_t>, int> drawn;
+    for (const PlantLink& link : page.links) {
+        const int before = drawn[std::minmax(link.from, link.to)]++;
+        const double side = (before % 2 == 1) == (link.from < link.to) ? 1.0 : -1.0;
+        DrawLink(svg, page, link, Detour(page, link, (before + 1) / 2 * BesideStep * side));
+    }
 }
 
 void DrawElement(std::string& svg, const PlantElement& element) {
@@ -191,7 +245,7 @@ void DrawElement(std::string& svg, const PlantElement& element) {
             break;
         case Shape::Node:
             SvgCircle(svg, at, NodeRadius, StyleNumber('n', element.kind));
-            SvgText(svg, {at.x, at.y + 17}, TextFitted(element.id, SmallIdPlaces), "small");
+            SvgText(svg, {at.x, at.y + 17}, TextFitted(element.id, SmallIdPlaces), "label");
             break;
         case Shape::Mark:
             SvgBox(svg, at, size, 0, "mark");
@@ -215,7 +269,7 @@ std::string Counts(const std::vector<PlantPage>& pages) {
 /// The project's name, what it holds, and the legend.
 void Header(std::string& svg, std::string_view name, const std::vector<PlantPage>& pages) {
     SvgText(svg, {24, 34}, name, "title");
-    SvgText(svg, {24 + 14.0 * TextPlaces(name) + 20, 34}, Counts(pages), "quiet");
+    SvgText(svg, {24 + TitlePlace * TextPlaces(name) + 20, 34}, Counts(pages), "quiet");
     double x = 24;
     for (std::size_t type = 0; type < Networks.size(); ++type, x += LegendStep) {
         SvgLine(svg, {x, 62}, {x + 20, 62}, StyleNumber('l', static_cast<int>(type)));
@@ -245,7 +299,7 @@ std::vector<PlantPage> PlantPages(const Project& project) {
 
 std::string PlantSvg(std::string_view name, const std::vector<PlantPage>& pages) {
     const bool titled = pages.size() > 1;
-    double width = std::max(LeastWidth, 24 + 14.0 * TextPlaces(name) + 360);
+    double width = std::max(LeastWidth, 24 + TitlePlace * TextPlaces(name) + 360);
     double height = HeaderHeight + (pages.empty() ? 80 : 0);
     for (const PlantPage& page : pages) {
         width = std::max(width, page.size.x + 32);
@@ -253,7 +307,6 @@ std::string PlantSvg(std::string_view name, const std::vector<PlantPage>& pages)
     }
     std::string svg;
     SvgBegin(svg, width, height, NetworkStyles());
-    Arrows(svg);
     Header(svg, name, pages);
     double top = HeaderHeight;
     if (pages.empty()) SvgText(svg, {24, top + 24}, "项目中还没有设备和节点", "quiet");
@@ -264,7 +317,7 @@ std::string PlantSvg(std::string_view name, const std::vector<PlantPage>& pages)
         AppendLength(svg, top);
         svg += ")\">\n";
         SvgBox(svg, {page.size.x / 2, page.size.y / 2}, page.size, 6, "frame");
-        for (const PlantLink& link : page.links) DrawLink(svg, page, link);
+        DrawLinks(svg, page);
         for (const PlantElement& element : page.elements) DrawElement(svg, element);
         svg += "</g>\n";
         top += page.size.y + 16;
