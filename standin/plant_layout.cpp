@@ -5,6 +5,8 @@
 #include <map>
 #include <utility>
 
+#include "standin/plant_separate.h"
+
 namespace standin {
 
 namespace {
@@ -12,24 +14,12 @@ namespace {
 constexpr double Margin = 56.0;
 constexpr double ConnectorGap = 14.0;  ///< between connectors that follow each other
 constexpr std::size_t RoomyChain = 6;  ///< connectors between two neighbours that room is made for
-constexpr Point TightGap{10.0, 8.0};   ///< the least between any two shapes
 constexpr double ParallelGap = 40.0;   ///< between the chains that join the same two elements
 constexpr double RowGap = 24.0;        ///< between the chains that lead away from one element
 constexpr double SpareRoom = 7.0;      ///< a page is at most so many times what its shapes need
 constexpr double LongestSide = 16000.0;
-constexpr int SeparateRounds = 60;
-constexpr long SeparateChecks = 20'000'000;  ///< pairs looked at, over all rounds
 
 constexpr std::size_t None = static_cast<std::size_t>(-1);
-
-Point Size(const PlantElement& element) {
-    return ShapeSizes[static_cast<std::size_t>(element.shape)];
-}
-
-/// Half of what two shapes fill together, and a gap.
-Point Reach(const PlantElement& left, const PlantElement& right, Point gap) {
-    return {(Size(left).x + Size(right).x) / 2 + gap.x, (Size(left).y + Size(right).y) / 2 + gap.y};
-}
 
 /// Connectors and marks one behind the other, from the element they begin at to the one they end at.
 struct Chain {
@@ -128,7 +118,7 @@ double ScaleFor(const std::vector<const PlantElement*>& anchors, Point gap) {
             width = std::max(width, dx);
             height = std::max(height, dz);
             if (dx == 0.0 && dz == 0.0) continue;
-            const Point reach = Reach(*anchors[one], *anchors[two], gap);
+            const Point reach = ShapeReach(*anchors[one], *anchors[two], gap);
             const double enough = std::min(needs[one], needs[two]);
             if (dx * enough >= reach.x || dz * enough >= reach.y) continue;
             const double need = std::min(dx > 0.0 ? reach.x / dx : 1e9, dz > 0.0 ? reach.y / dz : 1e9);
@@ -165,49 +155,6 @@ void PlaceAnchors(std::vector<PlantElement*>& anchors, Point gap) {
     }
 }
 
-/// Moves two shapes apart along the shorter way if they overlap; only those that are `movable` move.
-bool PushApart(PlantElement& one, PlantElement& two, bool oneMoves, bool twoMoves) {
-    const Point reach = Reach(one, two, TightGap);
-    const Point way{two.at.x - one.at.x, two.at.y - one.at.y};
-    const Point over{reach.x - std::abs(way.x), reach.y - std::abs(way.y)};
-    if (over.x <= 0.01 || over.y <= 0.01) return false;
-    const double share = oneMoves && twoMoves ? 0.5 : 1.0;
-    const bool across = over.x < over.y;
-    const double step = across ? std::copysign(over.x, way.x) : std::copysign(over.y, way.y);
-    double Point::*axis = across ? &Point::x : &Point::y;
-    if (oneMoves) one.at.*axis -= step * share;
-    if (twoMoves) two.at.*axis += step * share;
-    return true;
-}
-
-/// Moves shapes that overlap apart. Those that are fixed stay.
-void Separate(std::vector<PlantElement*>& elements, const std::vector<bool>& fixed) {
-    const double cell = ShapeSizes[0].x + TightGap.x;
-    long checks = 0;
-    bool moved = true;
-    for (int round = 0; moved && round < SeparateRounds && checks < SeparateChecks; ++round) {
-        moved = false;
-        std::map<std::pair<long, long>, std::vector<std::size_t>> cells;
-        for (std::size_t index = 0; index < elements.size(); ++index) {
-            const Point at = elements[index]->at;
-            const long column = std::lround(at.x / cell);
-            const long row = std::lround(at.y / cell);
-            for (long x = column - 1; x <= column + 1; ++x) {
-                for (long y = row - 1; y <= row + 1; ++y) {
-                    const auto near = cells.find({x, y});
-                    if (near == cells.end()) continue;
-                    for (const std::size_t other : near->second) {
-                        if (++checks > SeparateChecks) return;
-                        if (fixed[index] && fixed[other]) continue;
-                        moved |= PushApart(*elements[other], *elements[index], !fixed[other], !fixed[index]);
-                    }
-                }
-            }
-            cells[{column, row}].push_back(index);
-        }
-    }
-}
-
 /// Puts a chain's members evenly between the two elements that it joins, `aside` pixels off the straight
 /// line.
 void PlaceBetween(PlantPage& page, const Chain& chain, double aside) {
@@ -232,12 +179,12 @@ void PlaceBeside(PlantPage& page, const Chain& chain, int row) {
     const PlantElement& first = page.elements[chain.first];
     const double side = chain.outward ? 1.0 : -1.0;
     const double height = (row % 2 == 0 ? row / 2 : -(row + 1) / 2) * RowGap;
-    double away = Size(first).x / 2;
+    double away = ShapeSize(first).x / 2;
     for (const std::size_t member : chain.members) {
         PlantElement& element = page.elements[member];
-        away += Size(element).x / 2 + 2 * TightGap.x;
+        away += ShapeSize(element).x / 2 + 2 * TightGap.x;
         element.at = {first.at.x + side * away, first.at.y + height};
-        away += Size(element).x / 2;
+        away += ShapeSize(element).x / 2;
     }
 }
 
@@ -271,7 +218,7 @@ void FitPage(PlantPage& page) {
     Point low{1e30, 1e30};
     Point high{-1e30, -1e30};
     for (const PlantElement& element : page.elements) {
-        const Point half{Size(element).x / 2, Size(element).y / 2};
+        const Point half{ShapeSize(element).x / 2, ShapeSize(element).y / 2};
         low = {std::min(low.x, element.at.x - half.x), std::min(low.y, element.at.y - half.y)};
         high = {std::max(high.x, element.at.x + half.x), std::max(high.y, element.at.y + half.y)};
     }
@@ -291,7 +238,7 @@ Point ShapeEdge(const PlantElement& element, Point toward) {
     if (element.shape == Shape::Node) {
         part = NodeRadius / length;
     } else {
-        const Point size = Size(element);
+        const Point size = ShapeSize(element);
         if (way.x != 0.0) part = std::min(part, size.x / 2 / std::abs(way.x));
         if (way.y != 0.0) part = std::min(part, size.y / 2 / std::abs(way.y));
     }
@@ -302,15 +249,19 @@ Point ShapeEdge(const PlantElement& element, Point toward) {
 void PlantArrange(PlantPage& page) {
     const Topology topology = TopologyOf(page);
     std::vector<PlantElement*> anchors;
-    std::vector<PlantElement*> all;
+    std::vector<Settler> moving;  // the anchors, among themselves
+    std::vector<Settler> all;     // then the chains, which give way to the anchors
     for (std::size_t index = 0; index < page.elements.size(); ++index) {
-        all.push_back(&page.elements[index]);
-        if (topology.anchored[index]) anchors.push_back(all.back());
+        PlantElement* element = &page.elements[index];
+        all.push_back({element, topology.anchored[index]});
+        if (!topology.anchored[index]) continue;
+        anchors.push_back(element);
+        moving.push_back({element, false});
     }
     PlaceAnchors(anchors, NeighbourGap(topology));
-    Separate(anchors, std::vector<bool>(anchors.size()));
+    Separate(moving);
     PlaceChains(page, topology);
-    Separate(all, topology.anchored);
+    Separate(all);
     FitPage(page);
 }
 

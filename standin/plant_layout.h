@@ -43,6 +43,10 @@ struct PlantPage {
     Point size{};  ///< pixels, margins included
 };
 
+inline Point ShapeSize(const PlantElement& element) {
+    return ShapeSizes[static_cast<std::size_t>(element.shape)];
+}
+
 /// The point where the straight line from the middle of a shape to `toward` leaves it, label not counted.
 Point ShapeEdge(const PlantElement& element, Point toward);
 

@@ -196,7 +196,7 @@ bool Obstructed(const PlantPage& page, const PlantLink& link, double aside) {
     const auto obstructs = [&](const PlantElement& element) {
         if (&element == &page.elements[link.from] || &element == &page.elements[link.to]) return false;
         // Seen with the shape as a circle of radius 1 around the origin.
-        const Point size = ShapeSizes[static_cast<std::size_t>(element.shape)];
+        const Point size = ShapeSize(element);
         const Point start{(from.x - element.at.x) * 2 / size.x, (from.y - element.at.y) * 2 / size.y};
         const Point way{(to.x - from.x) * 2 / size.x, (to.y - from.y) * 2 / size.y};
         const double square = std::max(way.x * way.x + way.y * way.y, 1e-9);
@@ -231,7 +231,7 @@ void DrawLinks(std::string& svg, const PlantPage& page) {
 
 void DrawElement(std::string& svg, const PlantElement& element) {
     const Point at = element.at;
-    const Point size = ShapeSizes[static_cast<std::size_t>(element.shape)];
+    const Point size = ShapeSize(element);
     svg += "<g><title>" + XmlText(element.name + " " + element.id) + "</title>\n";
     switch (element.shape) {
         case Shape::Device:

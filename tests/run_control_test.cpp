@@ -1,0 +1,290 @@
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <thread>
+
+#include "engine/vorn_core.h"
+#include "standin/simulation.h"
+#include "tests/support/service_test.h"
+
+namespace {
+
+using Calls = std::vector<std::string>;
+
+constexpr const char* Valve = R"({"VornModuleID":26010100000000012,"DeviceName":"阀门"})";
+constexpr const char* NotOpen = "找不到项目/不识别命令";
+
+/// A project of one module in slot 0, and no steps but those that a test makes.
+class RunControlTest : public ServiceTest {
+  protected:
+    RunControlTest() {
+        standin::SimulationKeepOff(true);
+        Open();
+    }
+    static void Open() {
+        Send("Create", "P1");
+        Send("AddModule", "P1", Valve);
+    }
+};
+
+std::string State() {
+    if (ProjectNameToID("P1") != 0) return "absent";
+    const std::string paused = PjtPauseSxGet(0) ? "paused" : "running";
+    return PjtStartGet(0) ? paused : PjtPauseSxGet(0) ? "stopped with pause set" : "stopped";
+}
+
+/// Brings P1 into a state by the flags alone.
+void Enter(const std::string& state) {
+    PjtStartSet(0, state == "running" || state == "paused");
+    PjtPauseSxSet(0, state == "paused" || state == "stopped with pause set");
+}
+
+TEST_F(RunControlTest, BothCommandSetsMakeTheSameTransitions) {
+    const struct {
+        const char* command;  // of the project
+        const char* verb;     // of Put; none where it has no such verb
+        const char* from;
+        const char* to;
+        const char* putReply = "OK";
+    } rows[] = {
+        {"PjtRun", "Run", "stopped", "running", "成功运行"},
+        {"PjtRun", "Run", "stopped with pause set", "paused", "成功运行"},
+        {"PjtRun", "Run", "running", "running", "已运行"},
+        {"PjtRun", "Run", "paused", "paused", "已运行"},
+        {"PjtPause", "Pause", "running", "paused"},
+        {"PjtPause", "Pause", "paused", "running"},
+        {"PjtPause", "Pause", "stopped", "stopped with pause set"},
+        {"PjtPause", "Pause", "stopped with pause set", "stopped"},
+        {"PjtStep", "Step", "stopped", "stopped"},
+        {"PjtStep", "Step", "running", "running"},
+        {"PjtStep", "Step", "paused", "paused"},
+        {"PjtStop", "Stop", "running", "stopped"},
+        {"PjtStop", "Stop", "paused", "stopped"},
+        {"PjtStop", "Stop", "stopped", "stopped"},
+        {"PjtStop", "Stop", "stopped with pause set", "stopped"},
+        {"PjtClose", "Remove", "stopped", "absent"},
+        {"PjtClose", "Remove", "paused", "absent"},
+        {nullptr, "Close", "running", "absent"},
+        {"PjtClear", nullptr, "paused", "paused"},
+    };
+    for (const auto& row : rows) {
+        for (const bool put : {false, true}) {
+            if ((put ? row.verb : row.command) == nullptr) continue;
+            SCOPED_TRACE(std::string(put ? row.verb : row.command) + " from " + row.from);
+            Open();
+            Enter(row.from);
+            EXPECT_EQ(put ? Send("Put", "p1", row.verb) : Send(row.command, "P1"), put ? row.putReply : "OK");
+            EXPECT_EQ(State(), row.to);
+        }
+    }
+}
+
+TEST_F(RunControlTest, CallsComeInTheRequiredOrder) {
+    const std::string find = R"(NameParsing_ModNod("P1"))";
+    const std::string findByName = R"(ProjectNameToID("P1"))";
+    const std::string mark = R"(PeojectListRef_CliSet("P1"))";
+    const struct {
+        const char* from;
+        const char* command;
+        const char* messages;
+        Calls calls;
+    } rows[] = {
+        {"stopped",
+         "PjtRun",
+         "",
+         {find, "PjtStartGet(0)", "ProjectAllCacheInToRun(0,0)", "PjtStartSet(0,true)",
+          "ProjectControllerRun()", "sleep 2000", "PeojectAccess_ToServerRefGet(0)"}},
+        {"running", "PjtRun", "", {find, "PjtStartGet(0)"}},
+        {"running", "PjtPause", "", {find, "PjtPauseSxGet(0)", "PjtPauseSxSet(0,true)"}},
+        {"running", "PjtStep", "", {find, "StepSxSet(0,true)"}},
+        {"paused", "PjtStop", "", {find, "PjtStartSet(0,false)", "PjtPauseSxSet(0,false)"}},
+        {"running", "PjtClear", "", {find, "Pipe_ProjectInfoClear(0)", "Pipe_PjtRef(0)", "sleep 300"}},
+        {"running", "PjtCacheToRun", " +2x", {find, "ProjectAllCacheInToRun(0,2)"}},
+        {"running", "PjtCacheToRun", "abc", {find, "ProjectAllCacheInToRun(0,0)"}},
+        {"running", "PjtRunToCache", "", {find, "ProjectAllRunInToCache(0,0)", "Pipe_PjtVarValueRef(0)"}},
+        {"running", "PjtCacheToRun", "3", {find}},
+        {"running", "PjtRunToCache", "-1", {find}},
+        {"stopped",
+         "Put",
+         "Run",
+         {findByName, "PjtStartGet(0)", "ProjectAllCacheInToRun(0,0)", "PjtStartSet(0,true)",
+          "ProjectControllerRun()", mark}},
+        {"running", "Put", "Run", {findByName, "PjtStartGet(0)", mark}},
+        {"running", "Put", "Step", {findByName, "StepSxSet(0,true)"}},
+        {"running",
+         "Put",
+         "Remove",
+         {findByName, "PjtStartGet(0)", "PjtStartSet(0,false)", R"(ProjectInfoRemove("P1"))",
+          "Pipe_PjtListRef()"}},
+        {"running",
+         "PjtClose",
+         "",
+         {find, "PjtStartGet(0)", "PjtStartSet(0,false)", "ProjectNameGet(0)", R"(ProjectInfoRemove("P1"))",
+          "Pipe_PjtListRef()"}},
+        {"stopped",
+         "PjtClose",
+         "",
+         {find, "PjtStartGet(0)", "ProjectNameGet(0)", R"(ProjectInfoRemove("P1"))", "Pipe_PjtListRef()"}},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(std::string(row.command) + " " + row.messages);
+        Open();
+        Enter(row.from);
+        EXPECT_EQ(CallsOf(row.command, "P1", row.messages), row.calls);
+    }
+}
+
+TEST_F(RunControlTest, CloseWalksAllSlots) {
+    Send("Create", "P2");
+    Calls wanted;
+    for (int slot = 0; slot < 8; ++slot) {
+        const std::string number = std::to_string(slot);
+        const std::string name = slot == 0 ? "P1" : slot == 1 ? "P2" : "";
+        wanted.insert(wanted.end(), {"PjtStartSet(" + number + ",false)", "ProjectNameGet(" + number + ")",
+                                     "ProjectInfoRemove(\"" + name + "\")"});
+    }
+    wanted.push_back("Pipe_PjtListRef()");
+    EXPECT_EQ(CallsOf("Put", "", "Close"), wanted);
+    EXPECT_EQ(Send("Fdp", "P1") + Send("Fdp", "P2"), "00");
+}
+
+TEST_F(RunControlTest, RepliesOfWhatCannotBe) {
+    const char* const rows[][4] = {
+        {"Put", "NONE", "Run", "找不到项目"},
+        {"Put", "NONE", "Pause", NotOpen},
+        {"Put", "NONE", "Step", NotOpen},
+        {"Put", "NONE", "Stop", NotOpen},
+        {"Put", "NONE", "Remove", NotOpen},
+        {"Put", "P1", "run", NotOpen},
+        {"Put", "P1", "", NotOpen},
+        {"Put", "P1_MOD0", "Pause", NotOpen},
+        {"PjtCacheToRun", "P1", "3", "shibai"},
+        {"PjtRunToCache", "P1", "-1", "shibai"},
+        {"PjtRun", "NONE", "", "项目名称找不到(project Char error)"},
+    };
+    for (const auto& row : rows) EXPECT_EQ(Send(row[0], row[1], row[2]), row[3]) << row[1] << row[2];
+    EXPECT_EQ(State(), "stopped");
+}
+
+TEST_F(RunControlTest, ARefusedStartTellsWhy) {
+    Send("DeleteMNL", "P1_MOD0");
+    EXPECT_EQ(Send("PjtRun", "P1"), "项目中没有模块,无法运行");
+    EXPECT_EQ(State(), "stopped");
+    EXPECT_EQ(Send("Put", "P1", "Run"), "成功运行");
+    EXPECT_EQ(State(), "stopped");
+    // The reason of an earlier refusal is gone with the next start, also where that is taken back later.
+    Send("AddModule", "P1", Valve);
+    AtSleep([](int milliseconds) {
+        if (milliseconds == 2000) PjtStartSet(0, false);
+    });
+    EXPECT_EQ(Send("PjtRun", "P1"), "OK");
+    EXPECT_EQ(State(), "stopped");
+}
+
+double& RunValue(int module, int row) {
+    return standin::ProjectFind(0)->modules.Find(module)->layers[standin::RunLayer].items.at(
+        static_cast<std::size_t>(row));
+}
+
+TEST_F(RunControlTest, SetsAreCopiedForAllElementsAndOnlyAtAStart) {
+    Send("AddNode", "P1", R"({"VornModuleID":3000,"NodeName":"FLUID"})");
+    auto& node = standin::ProjectFind(0)->nodes.Find(0)->layers;
+    RunValue(0, 0) = 7.0;
+    node[standin::RunLayer].items[1] = 8.0;
+    Send("PjtRunToCache", "P1", "2");
+    Send("PjtRun", "P1");
+    EXPECT_EQ(RunValue(0, 0), 0.0);
+    Send("PjtCacheToRun", "P1", "2");
+    Send("PjtRun", "P1");
+    EXPECT_EQ(RunValue(0, 0), 7.0);
+    EXPECT_EQ(node[standin::RunLayer].items[1], 8.0);
+    EXPECT_EQ(node[standin::CacheLayer1].items[1], 0.0);
+}
+
+TEST_F(RunControlTest, StepsMoveTheLiveValues) {
+    EXPECT_EQ(Send("AddModule", "P1", R"({"VornModuleID":25092208120526336,"DeviceName":"房间"})"), "MOD1");
+    RunValue(1, 0) = 20.0;
+    RunValue(1, 1) = 30.0;
+    standin::Project& project = *standin::ProjectFind(0);
+    const auto& variables = project.variables;  // GTemp, WAll, COP, GStep
+    const std::lock_guard guard(standin::EngineLock());
+    standin::SimulationStep(project);
+    EXPECT_NEAR(variables[0].reals[0], -0.2, 1e-9);
+    EXPECT_NEAR(RunValue(1, 0), 20.1, 1e-9);
+    const double energy = variables[1].reals[0];
+    EXPECT_GT(energy, 0.0);
+    for (int step = 1; step < 5000; ++step) standin::SimulationStep(project);
+    EXPECT_NEAR(variables[0].reals[0], -10.0, 1e-6);
+    EXPECT_NEAR(RunValue(1, 0), 30.0, 1e-6);
+    EXPECT_NEAR(variables[1].reals[0], energy * 5000, 1e-9);
+    EXPECT_NEAR(variables[2].reals[0], 0.5 * 263.15 / 50.0, 1e-6);
+    EXPECT_EQ(variables[3].integers[0], 5000);
+    // The chart keeps the whole run in few points.
+    EXPECT_EQ(project.temperatureSteps, 4);
+    EXPECT_EQ(project.temperatures.size(), 1250U);
+    EXPECT_NEAR(project.temperatures[1], -10.0 + 10.0 * std::pow(0.98, 5), 1e-9);
+}
+
+/// The steps that P1 has made; 0 where it is not open.
+int Steps() {
+    const std::lock_guard guard(standin::EngineLock());
+    const standin::Project* project = standin::ProjectFind(0);
+    return project == nullptr ? 0 : project->variables[3].integers[0];
+}
+
+/// Waits for the simulation's thread, a good while if need be.
+bool StepsReach(int count) {
+    for (int wait = 0; wait < 20'000 && Steps() < count; ++wait) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    return Steps() >= count;
+}
+
+TEST_F(RunControlTest, TheThreadStepsWhatRunsAndWhatIsAsked) {
+    standin::SimulationKeepOff(false);
+    Send("PjtStep", "P1");
+    Send("Put", "P1", "Step");
+    EXPECT_TRUE(StepsReach(2));
+    Send("PjtPause", "P1");
+    Send("PjtRun", "P1");
+    Send("PjtStep", "P1");
+    EXPECT_TRUE(StepsReach(3));
+    EXPECT_EQ(Steps(), 3);
+    Send("PjtPause", "P1");
+    EXPECT_TRUE(StepsReach(6));
+}
+
+TEST_F(RunControlTest, ClientsAndTheRunningProjectDoNotDisturbEachOther) {
+    standin::SimulationKeepOff(false);
+    constexpr int Rounds = 300;
+    const auto client = [](int number) {
+        constexpr const char* Requests[][3] = {
+            {"Set", "P1_GTemp", "4.5"},   {"Get", "P1_GStep", ""},      {"PjtRunToCache", "P1", "1"},
+            {"PjtCacheToRun", "P1", "1"}, {"PjtRun", "P1", ""},         {"Put", "P1", "Step"},
+            {"AddModule", "P1", Valve},   {"DeleteMNL", "P1_MOD1", ""}, {"MoveMN", "P1_MOD0", "{}"},
+            {"LuaSent", "P1", "x = = 1"},
+        };
+        for (int round = 0; round < Rounds; ++round) {
+            const auto& [command, name, messages] = Requests[(round + number * 3) % std::size(Requests)];
+            Send(command, name, messages);
+            // The engine takes operations at any time, also without the dispatcher's lock.
+            PeojectAccess_ToServerRefGet(0);
+            ProjectAllRunInToCache(0, 2);
+        }
+    };
+    const auto closer = [] {
+        for (int round = 0; round < Rounds / 3; ++round) {
+            EXPECT_EQ(Send("Put", "P1", round % 2 == 0 ? "Remove" : "Close"), "OK");
+            EXPECT_EQ(Send("Create", "P1"), "OK");
+        }
+    };
+    std::vector<std::thread> threads;
+    for (int number = 0; number < 3; ++number) threads.emplace_back(client, number);
+    threads.emplace_back(closer);
+    for (std::thread& thread : threads) thread.join();
+    Send("AddModule", "P1", Valve);
+    EXPECT_EQ(Send("PjtRun", "P1"), "OK");
+    EXPECT_TRUE(StepsReach(1));
+}
+
+}  // namespace
