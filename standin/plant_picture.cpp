@@ -7,12 +7,12 @@
 #include <map>
 #include <utility>
 
+#include "standin/values.h"
+
 namespace standin {
 
 namespace {
 
-constexpr int ModuleKind = 1;
-constexpr int NodeKind = 2;
 constexpr int JumpKind = 3;
 
 // ---- What there is to draw ----

@@ -40,18 +40,9 @@ constexpr Drift RoomDrifts[] = {{"InsideTemperature", "OutsideTemperature"},
                                 {"InsideHumidity", "OutsideHumidity"},
                                 {"InsidePm25", "OutsidePm25"}};
 
-ProjectVariable* VariableFind(Project& project, std::string_view name) {
-    const auto found = std::find_if(project.variables.begin(), project.variables.end(),
-                                    [name](const ProjectVariable& each) { return each.name == name; });
-    return found == project.variables.end() ? nullptr : &*found;
-}
-
-/// A project's real, or a place of no consequence where it has been deleted.
-double& Real(Project& project, std::string_view name) {
-    static thread_local double nowhere;
-    ProjectVariable* variable = VariableFind(project, name);
-    nowhere = 0.0;
-    return variable == nullptr ? nowhere : variable->reals[0];
+/// One of the variables that every project has.
+ProjectVariable& Standard(Project& project, std::string_view name) {
+    return project.variables[static_cast<std::size_t>(VariableFind(project, name))];
 }
 
 void Approach(double& value, double goal, double pace) {
@@ -151,12 +142,10 @@ void RunForever() {
 
 void SimulationStep(Project& project) {
     project.steps = project.steps < std::numeric_limits<int>::max() ? project.steps + 1 : 1;
-    if (ProjectVariable* count = VariableFind(project, "GStep")) {
-        int& steps = count->integers[0];
-        steps = steps < std::numeric_limits<int>::max() ? steps + 1 : 0;
-    }
+    int& counted = Standard(project, "GStep").integers[0];
+    counted = counted < std::numeric_limits<int>::max() ? counted + 1 : 0;
 
-    double& evaporating = Real(project, "GTemp");
+    double& evaporating = Standard(project, "GTemp").reals[0];
     Approach(evaporating, EvaporatingGoal, GlobalPace);
     const double temperature = evaporating;
 
@@ -164,9 +153,9 @@ void SimulationStep(Project& project) {
     for (Module& module : project.modules.rows) {
         if (module.inUse) power += ModuleStep(module, temperature);
     }
-    Real(project, "WAll") += power * StepHours;
+    Standard(project, "WAll").reals[0] += power * StepHours;
     const double lift = std::max(CondensingTemperature - temperature, 1.0);
-    Real(project, "COP") = Efficiency * (temperature + ZeroCelsius) / lift;
+    Standard(project, "COP").reals[0] = Efficiency * (temperature + ZeroCelsius) / lift;
     RememberTemperature(project, temperature);
 }
 
