@@ -147,8 +147,9 @@ void PlaceAnchors(std::vector<PlantElement*>& anchors, Point gap) {
     for (const auto& [place, sharers] : places) {
         const auto columns = static_cast<std::size_t>(std::ceil(std::sqrt(sharers.size())));
         for (std::size_t index = 0; index < sharers.size(); ++index) {
-            const auto column = static_cast<double>(index % columns);
-            const auto row = static_cast<double>(index / columns);
+            const std::size_t wholeRows = index / columns;
+            const auto row = static_cast<double>(wholeRows);
+            const auto column = static_cast<double>(index - wholeRows * columns);
             sharers[index]->at = {place.first * scale + column * (ShapeSizes[0].x + gap.x),
                                   place.second * scale + row * (ShapeSizes[0].y + gap.y)};
         }

@@ -139,14 +139,20 @@ std::string StyleNumber(char letter, int number) {
     return {letter, known ? static_cast<char>('0' + number) : 'x'};
 }
 
-/// The lines of a network (`l0`), its nodes (`n0`) and the arrow that its lines bear (`a0`).
+/// The lines of a network (`l0`), its arrows (`a0`) and its nodes (`n0`).
 std::string NetworkStyles() {
     std::string css(PlainStyles);
-    for (std::size_t type = 0; type < Networks.size(); ++type) {
-        const std::string number = std::to_string(type);
-        const std::string colour(Networks[type].colour);
-        css += ".l" + number + "{fill:none;stroke-width:1.8;stroke:" + colour + "}.a" + number +
-               "{fill:" + colour + "}.n" + number + "{stroke:#fff;stroke-width:1.5;fill:" + colour + "}";
+    const auto rule = [&css](char letter, int type, std::string_view properties) {
+        css += '.';
+        css += StyleNumber(letter, type);
+        css += properties;
+        css += Networks[static_cast<std::size_t>(type)].colour;
+        css += '}';
+    };
+    for (int type = 0; type < static_cast<int>(Networks.size()); ++type) {
+        rule('l', type, "{fill:none;stroke-width:1.8;stroke:");
+        rule('a', type, "{fill:");
+        rule('n', type, "{stroke:#fff;stroke-width:1.5;fill:");
     }
     return css;
 }
@@ -225,7 +231,8 @@ void DrawLinks(std::string& svg, const PlantPage& page) {
     for (const PlantLink& link : page.links) {
         const int before = drawn[std::minmax(link.from, link.to)]++;
         const double side = (before % 2 == 1) == (link.from < link.to) ? 1.0 : -1.0;
-        DrawLink(svg, page, link, Detour(page, link, (before + 1) / 2 * BesideStep * side));
+        const int besides = (before + 1) / 2;
+        DrawLink(svg, page, link, Detour(page, link, besides * BesideStep * side));
     }
 }
 

@@ -92,7 +92,8 @@ void SettleRest(const std::vector<Settler>& settlers) {
             return !Overlaps(*other->element, *settler.element);
         };
         for (int step = 1; !settler.stays && step < SettleSteps && !parts.AllNear(at, free); ++step) {
-            at.y = height + (step % 2 == 0 ? 1 : -1) * ((step + 1) / 2) * SettleStep;
+            const int steps = (step + 1) / 2;
+            at.y = height + (step % 2 == 0 ? steps : -steps) * SettleStep;
         }
         parts.Add(settler);
     };
