@@ -256,7 +256,7 @@ TEST_F(RunControlTest, TheThreadStepsWhatRunsAndWhatIsAsked) {
 
 TEST_F(RunControlTest, ClientsAndTheRunningProjectDoNotDisturbEachOther) {
     standin::SimulationKeepOff(false);
-    constexpr int Rounds = 1500;
+    constexpr int Rounds = 6000;
     const auto client = [](int number) {
         constexpr const char* Requests[][3] = {
             {"Set", "P1_GTemp", "4.5"},   {"Get", "P1_GStep", ""},      {"PjtRunToCache", "P1", "1"},
