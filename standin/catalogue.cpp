@@ -1,6 +1,7 @@
 #include "standin/catalogue.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace standin {
 
@@ -75,6 +76,12 @@ std::span<const ModuleType> Catalogue() {
 
 const ModuleType* ModuleTypeFind(int type) {
     return type >= 0 && type < static_cast<int>(std::size(Types)) ? &Types[type] : nullptr;
+}
+
+int ModuleTypeNumber(std::int64_t oneId) {
+    const auto* found = std::find_if(std::begin(Types), std::end(Types),
+                                     [oneId](const ModuleType& type) { return type.oneId == oneId; });
+    return found == std::end(Types) ? -1 : static_cast<int>(found - std::begin(Types));
 }
 
 std::span<const std::string_view> NodeItems() {

@@ -95,11 +95,7 @@ void Pipe_DeleteLink(int slot, int number) {
 
 int ModuleOneID_ToID(std::int64_t oneId) {
     Trace("ModuleOneID_ToID", oneId);
-    const auto types = Catalogue();
-    for (std::size_t type = 0; type < types.size(); ++type) {
-        if (types[type].oneId == oneId) return static_cast<int>(type);
-    }
-    return -1;
+    return ModuleTypeNumber(oneId);
 }
 
 std::int64_t ModuleOneID_Get(int type) {
