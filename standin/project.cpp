@@ -20,16 +20,6 @@ std::array<Project, SlotCount>& Slots() {
     return slots;
 }
 
-/// The variables that every project has.
-std::vector<ProjectVariable> StandardVariables() {
-    return {{.name = "GTemp"},
-            {.name = "WAll"},
-            {.name = "COP"},
-            {.name = "GStep", .kind = VariableKind::Integer},
-            {.name = "GSeries", .kind = VariableKind::RealArray},
-            {.name = "GCounts", .kind = VariableKind::IntegerArray}};
-}
-
 /// The link counters of one end's port, null where the end is no port of a module or node.
 int* PortCounter(Project& project, int kind, int number, int port) {
     Element* element = ElementFind(project, kind, number);
@@ -78,6 +68,15 @@ void IdentityIndex::Remove(const std::string& text, int number) {
 int IdentityIndex::Find(const std::string& text) const {
     const auto found = numbers_.find(text);
     return found == numbers_.end() ? -1 : *found->second.begin();
+}
+
+std::vector<ProjectVariable> StandardVariables() {
+    return {{.name = "GTemp"},
+            {.name = "WAll"},
+            {.name = "COP"},
+            {.name = "GStep", .kind = VariableKind::Integer},
+            {.name = "GSeries", .kind = VariableKind::RealArray},
+            {.name = "GCounts", .kind = VariableKind::IntegerArray}};
 }
 
 std::mutex& EngineLock() {

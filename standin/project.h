@@ -92,7 +92,6 @@ struct Table {
         lowestVacant = std::min(lowestVacant, number);
     }
 
-  private:
     static bool InUse(const Element& element) { return element.inUse; }
     static bool InUse(const LinkSxCache& link) { return link.InUse; }
 };
@@ -165,6 +164,8 @@ int SlotOf(const Project& project);
 /// A slot made ready for a new, empty project of that name, in upper case; null when all are taken, when a
 /// project of that name is open, and when the name is empty or too long. The lock is held.
 Project* ProjectMake(std::string_view name);
+/// The variables that every project has, as its first rows.
+std::vector<ProjectVariable> StandardVariables();
 /// Frees the slot. The name's text keeps its address and becomes empty.
 void ProjectFree(Project& project);
 /// Removes all modules, nodes and links.

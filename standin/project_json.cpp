@@ -1,0 +1,315 @@
+#include "standin/project_json.h"
+
+#include <rapidjson/document.h>
+#include <rapidjson/stringbuffer.h>
+#include <rapidjson/writer.h>
+
+#include <cmath>
+#include <span>
+
+#include "text/json.h"
+
+namespace standin {
+
+namespace {
+
+using JsonWriter = rapidjson::Writer<rapidjson::StringBuffer, rapidjson::UTF8<>, rapidjson::UTF8<>,
+                                     rapidjson::CrtAllocator, rapidjson::kWriteNanAndInfFlag>;
+using JsonValue = rapidjson::Value;
+using vorn::Field;
+using vorn::FieldInt;
+using vorn::FieldInt64;
+using vorn::FieldText;
+
+// ---- Writing ----
+
+void WriteMember(JsonWriter& writer, const char* name, int value) {
+    writer.Key(name);
+    writer.Int(value);
+}
+
+void WriteMember(JsonWriter& writer, const char* name, const std::string& value) {
+    writer.Key(name);
+    writer.String(value);
+}
+
+template <typename Values, typename Write>
+void WriteArray(JsonWriter& writer, const char* name, const Values& values, Write write) {
+    writer.Key(name);
+    writer.StartArray();
+    for (const auto& value : values) write(value);
+    writer.EndArray();
+}
+
+void WriteReals(JsonWriter& writer, const char* name, std::span<const double> values) {
+    WriteArray(writer, name, values, [&](double value) { writer.Double(value); });
+}
+
+bool IsZero(double value) {
+    return value == 0.0 && !std::signbit(value);
+}
+
+/// Most layers hold nothing yet and are written as an empty object.
+bool IsBlank(const ElementValues& values) {
+    return values.ports.empty() && std::all_of(values.items.begin(), values.items.end(), IsZero);
+}
+
+void WriteLayer(JsonWriter& writer, const ElementValues& values) {
+    writer.StartObject();
+    if (!IsBlank(values)) {
+        WriteReals(writer, "items", values.items);
+        WriteArray(writer, "ports", values.ports, [&](const PortValues& port) {
+            writer.StartArray();
+            for (const double value : {port.pressure, port.temperature, port.flow}) writer.Double(value);
+            for (const double value : port.series) writer.Double(value);
+            writer.EndArray();
+        });
+    }
+    writer.EndObject();
+}
+
+void WriteElement(JsonWriter& writer, int number, const Element& element) {
+    WriteMember(writer, "number", number);
+    WriteMember(writer, "page", element.page);
+    WriteMember(writer, "x", element.x);
+    WriteMember(writer, "z", element.z);
+    WriteMember(writer, "instanceId", element.instanceId);
+    if (std::all_of(element.layers.begin(), element.layers.end(), IsBlank)) return;
+    WriteArray(writer, "layers", element.layers,
+               [&](const ElementValues& values) { WriteLayer(writer, values); });
+}
+
+void WriteRow(JsonWriter& writer, int number, const Module& module) {
+    WriteElement(writer, number, module);
+    writer.Key("type");
+    writer.Int64(ModuleTypeFind(module.type)->oneId);
+    WriteMember(writer, "modelId", module.modelId);
+    WriteMember(writer, "important", module.important);
+    WriteMember(writer, "room", module.room);
+}
+
+void WriteRow(JsonWriter& writer, int number, const Node& node) {
+    WriteElement(writer, number, node);
+    WriteMember(writer, "kind", node.kind);
+}
+
+/// The numbers of a link, in the order in which they are stored.
+constexpr std::size_t LinkNumberCount = 8;
+constexpr std::array<std::int32_t LinkSxCache::*, LinkNumberCount> LinkNumbers{
+    &LinkSxCache::Type,     &LinkSxCache::PageNb, &LinkSxCache::F_Sx, &LinkSxCache::F_Nb,
+    &LinkSxCache::F_PortNb, &LinkSxCache::S_Sx,   &LinkSxCache::S_Nb, &LinkSxCache::S_PortNb};
+
+void WriteRow(JsonWriter& writer, int number, const LinkSxCache& link) {
+    WriteMember(writer, "number", number);
+    WriteArray(writer, "ends", LinkNumbers, [&](const auto member) { writer.Int(link.*member); });
+    writer.Key("upstreamThrough");
+    writer.Bool(link.F_Type2);
+    writer.Key("downstreamThrough");
+    writer.Bool(link.S_Type2);
+}
+
+template <typename Row>
+void WriteTable(JsonWriter& writer, const char* name, const Table<Row>& table) {
+    int number = 0;
+    WriteArray(writer, name, table.rows, [&](const Row& row) {
+        if (Table<Row>::InUse(row)) {
+            writer.StartObject();
+            WriteRow(writer, number, row);
+            writer.EndObject();
+        }
+        ++number;
+    });
+}
+
+void WriteVariable(JsonWriter& writer, const ProjectVariable& variable) {
+    writer.StartObject();
+    WriteMember(writer, "name", variable.name);
+    WriteMember(writer, "kind", static_cast<int>(variable.kind));
+    WriteReals(writer, "reals", variable.reals);
+    WriteArray(writer, "integers", variable.integers, [&](int value) { writer.Int(value); });
+    writer.EndObject();
+}
+
+// ---- Reading. Each is false where the text is not as the writer makes it. ----
+
+bool ReadMember(const JsonValue& object, const char* name, int& value) {
+    return FieldInt(object, name, value) == Field::Read;
+}
+
+bool ReadMember(const JsonValue& object, const char* name, std::string& value) {
+    return FieldText(object, name, value) == Field::Read;
+}
+
+bool ReadMember(const JsonValue& object, const char* name, bool& value) {
+    const auto member = object.FindMember(name);
+    if (member == object.MemberEnd() || !member->value.IsBool()) return false;
+    value = member->value.GetBool();
+    return true;
+}
+
+/// The array of that name, null where there is none.
+const JsonValue* FindArray(const JsonValue& object, const char* name) {
+    const auto member = object.FindMember(name);
+    return member != object.MemberEnd() && member->value.IsArray() ? &member->value : nullptr;
+}
+
+/// Reads each element of the array of that name.
+template <typename Read>
+bool ReadArray(const JsonValue& object, const char* name, Read read) {
+    const JsonValue* array = FindArray(object, name);
+    return array != nullptr && std::all_of(array->Begin(), array->End(), read);
+}
+
+/// Reads an array of objects.
+template <typename Read>
+bool ReadObjects(const JsonValue& object, const char* name, Read read) {
+    return ReadArray(object, name, [&](const JsonValue& row) { return row.IsObject() && read(row); });
+}
+
+bool ReadReals(const JsonValue& array, std::span<double> values) {
+    if (!array.IsArray() || array.Size() != values.size()) return false;
+    auto* value = values.data();
+    for (const JsonValue& element : array.GetArray()) {
+        if (!element.IsNumber()) return false;
+        *value++ = element.GetDouble();
+    }
+    return true;
+}
+
+bool ReadPort(const JsonValue& array, ElementValues& values) {
+    std::array<double, 3 + ArrayEntries> numbers{};
+    if (values.ports.size() == PortsPerElement || !ReadReals(array, numbers)) return false;
+    PortValues& port = values.ports.emplace_back(
+        PortValues{.pressure = numbers[0], .temperature = numbers[1], .flow = numbers[2]});
+    std::copy(numbers.begin() + 3, numbers.end(), port.series.begin());
+    return true;
+}
+
+bool ReadLayer(const JsonValue& object, ElementValues& values) {
+    if (!object.IsObject()) return false;
+    if (object.MemberCount() == 0) return true;
+    const JsonValue* items = FindArray(object, "items");
+    return items != nullptr && ReadReals(*items, values.items) &&
+           ReadArray(object, "ports", [&](const JsonValue& port) { return ReadPort(port, values); });
+}
+
+bool ReadLayers(const JsonValue& object, Element& element) {
+    if (!object.HasMember("layers")) return true;
+    const JsonValue* layers = FindArray(object, "layers");
+    if (layers == nullptr || layers->Size() != LayerCount) return false;
+    auto* values = element.layers.data();
+    return std::all_of(layers->Begin(), layers->End(),
+                       [&](const JsonValue& layer) { return ReadLayer(layer, *values++); });
+}
+
+struct Place {
+    int number = -1;
+    int page = 0;
+    int x = 0;
+    int z = 0;
+    std::string instanceId{};
+};
+
+bool ReadPlace(const JsonValue& object, Place& place) {
+    return ReadMember(object, "number", place.number) && ReadMember(object, "page", place.page) &&
+           ReadMember(object, "x", place.x) && ReadMember(object, "z", place.z) &&
+           ReadMember(object, "instanceId", place.instanceId);
+}
+
+bool ReadModule(const JsonValue& object, Project& project) {
+    Place place;
+    std::int64_t oneId = 0;
+    if (!ReadPlace(object, place) || FieldInt64(object, "type", oneId) != Field::Read) return false;
+    Module* module = ModuleAdd(project, place.number, ModuleTypeNumber(oneId), place.page, place.x, place.z);
+    if (module == nullptr) return false;
+    ModuleIdentify(project, place.number, place.instanceId);
+    return ReadLayers(object, *module) && ReadMember(object, "modelId", module->modelId) &&
+           ReadMember(object, "important", module->important) && ReadMember(object, "room", module->room);
+}
+
+bool ReadNode(const JsonValue& object, Project& project) {
+    Place place;
+    int kind = -1;
+    if (!ReadPlace(object, place) || !ReadMember(object, "kind", kind)) return false;
+    Node* node = NodeAdd(project, place.number, kind, place.page, place.x, place.z);
+    if (node == nullptr) return false;
+    NodeIdentify(project, place.number, place.instanceId);
+    return ReadLayers(object, *node);
+}
+
+bool ReadLink(const JsonValue& object, Project& project) {
+    int number = -1;
+    LinkSxCache link;
+    const JsonValue* ends = FindArray(object, "ends");
+    if (!ReadMember(object, "number", number) || ends == nullptr || ends->Size() != LinkNumberCount) {
+        return false;
+    }
+    const auto* member = LinkNumbers.data();
+    for (const JsonValue& end : ends->GetArray()) {
+        if (!end.IsInt()) return false;
+        link.** member++ = end.GetInt();
+    }
+    return ReadMember(object, "upstreamThrough", link.F_Type2) &&
+           ReadMember(object, "downstreamThrough", link.S_Type2) && LinkAdd(project, number, link);
+}
+
+bool ReadVariable(const JsonValue& object, Project& project) {
+    int kind = -1;
+    ProjectVariable variable;
+    const JsonValue* reals = FindArray(object, "reals");
+    const JsonValue* integers = FindArray(object, "integers");
+    if (!ReadMember(object, "name", variable.name) || !ReadMember(object, "kind", kind)) return false;
+    if (reals == nullptr || !ReadReals(*reals, variable.reals)) return false;
+    if (integers == nullptr || integers->Size() != variable.integers.size()) return false;
+    if (kind < 0 || kind > static_cast<int>(VariableKind::IntegerArray)) return false;
+    variable.kind = static_cast<VariableKind>(kind);
+    auto* value = variable.integers.data();
+    for (const JsonValue& integer : integers->GetArray()) {
+        if (!integer.IsInt()) return false;
+        *value++ = integer.GetInt();
+    }
+    project.variables.push_back(std::move(variable));
+    return project.variables.size() <= ProjectVariableCapacity;
+}
+
+/// The variables that every project has stand at their places; the simulation counts on them.
+bool HasStandardVariables(const Project& project) {
+    const std::vector<ProjectVariable> standard = StandardVariables();
+    return project.variables.size() >= standard.size() &&
+           std::equal(standard.begin(), standard.end(), project.variables.begin(),
+                      [](const ProjectVariable& expected, const ProjectVariable& stored) {
+                          return expected.name == stored.name && expected.kind == stored.kind;
+                      });
+}
+
+}  // namespace
+
+void ProjectToJson(const Project& project, std::string& text) {
+    rapidjson::StringBuffer buffer;
+    JsonWriter writer(buffer);
+    writer.StartObject();
+    WriteTable(writer, "modules", project.modules);
+    WriteTable(writer, "nodes", project.nodes);
+    WriteTable(writer, "links", project.links);
+    WriteArray(writer, "variables", project.variables,
+               [&](const ProjectVariable& variable) { WriteVariable(writer, variable); });
+    WriteMember(writer, "script", project.script);
+    writer.EndObject();
+    text.append(buffer.GetString(), buffer.GetSize());
+}
+
+bool ProjectFromJson(const std::string& text, Project& project) {
+    // Iterative, so that no depth of nesting can end the process; precise, so that all numbers come back.
+    constexpr unsigned Flags =
+        rapidjson::kParseIterativeFlag | rapidjson::kParseFullPrecisionFlag | rapidjson::kParseNanAndInfFlag;
+    rapidjson::Document document;
+    document.Parse<Flags>(text);
+    if (document.HasParseError() || !document.IsObject()) return false;
+    return ReadObjects(document, "modules", [&](const auto& row) { return ReadModule(row, project); }) &&
+           ReadObjects(document, "nodes", [&](const auto& row) { return ReadNode(row, project); }) &&
+           ReadObjects(document, "links", [&](const auto& row) { return ReadLink(row, project); }) &&
+           ReadObjects(document, "variables", [&](const auto& row) { return ReadVariable(row, project); }) &&
+           HasStandardVariables(project) && ReadMember(document, "script", project.script);
+}
+
+}  // namespace standin

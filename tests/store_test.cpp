@@ -1,0 +1,248 @@
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <limits>
+#include <random>
+#include <tuple>
+
+#include "engine/vorn_core.h"
+#include "standin/project.h"
+#include "standin/project_json.h"
+#include "standin/project_store.h"
+#include "tests/support/service_test.h"
+#include "tests/support/working_folder.h"
+
+using namespace standin;
+namespace fs = std::filesystem;
+
+namespace {
+
+class StoreTest : public ServiceTest {
+  protected:
+    std::string FileOf(const std::string& name) { return (Folder(name) / (name + ".json")).string(); }
+    fs::path Folder(const std::string& name) { return folder_.Projects() / name; }
+    std::string Read(const std::string& path) {
+        std::ifstream file(path, std::ios::binary);
+        return std::string(std::istreambuf_iterator<char>(file), {});
+    }
+    void Write(const std::string& path, const std::string& text) {
+        fs::create_directories(fs::path(path).parent_path());
+        std::ofstream(path, std::ios::binary) << text;
+    }
+
+  private:
+    WorkingFolder folder_;
+};
+
+std::string Json(int slot) {
+    std::string text;
+    ProjectToJson(*ProjectFind(slot), text);
+    return text;
+}
+
+/// A document of that many nodes.
+std::string Nodes(int count) {
+    std::string text = R"({"DeviceInfo":[)";
+    for (int node = 0; node < count; ++node) text += R"({"DeviceID":3000,"PositionX":1.5},)";
+    return text + "0]}";
+}
+
+/// A project with something in each of its fields, and a vacant row in each table.
+void FillProject(Project& project) {
+    for (int number = 0; number < 3; ++number) {
+        ModuleAdd(project, number, number * 5, number, -number, 1 << 30);
+        NodeAdd(project, number, number, 7, number, -5);
+        ModuleIdentify(project, number, "M" + std::to_string(number));
+        NodeIdentify(project, number, "中\"\\\x01/\xff");
+        LinkAdd(project, number, {true, 2, 3, 1, 2, 1, true, 2, 1, 15, true});
+    }
+    using Limits = std::numeric_limits<double>;
+    const double odd[] = {-0.0,          0.1 + 0.2,          Limits::denorm_min(),
+                          Limits::max(), Limits::infinity(), -Limits::infinity()};
+    int next = 0;
+    for (Element* element : {ElementFind(project, 1, 2), ElementFind(project, 2, 1)}) {
+        for (ElementValues& layer : element->layers) {
+            for (double& item : layer.items) item = odd[next++ % 6];
+            layer.ports.resize(PortsPerElement,
+                               {odd[1], odd[2], odd[3], {odd[4], odd[5], 6, 7, 8, 9, 10, 11}});
+        }
+    }
+    Module& module = *project.modules.Find(2);
+    module.modelId = "160_120_120_120";
+    module.important = "重要";
+    module.room = 1;
+    ModuleRemove(project, 0);
+    NodeRemove(project, 0);
+    LinkRemove(project, 0);
+    project.variables.push_back({});
+    // Numbers of all sizes, which have to come back to the last bit.
+    std::mt19937_64 random(11);
+    while (project.variables.size() < ProjectVariableCapacity) {
+        ProjectVariable& variable = project.variables.emplace_back(ProjectVariable{.name = "变量"});
+        for (double& real : variable.reals) {
+            const std::uint64_t bits = random();
+            std::memcpy(&real, &bits, sizeof real);
+        }
+    }
+    project.variables[3].integers[0] = -7;
+    project.variables[4].reals.back() = Limits::quiet_NaN();
+    project.script = std::string("x = 1\n\0--", 9);
+}
+
+}  // namespace
+
+TEST_F(StoreTest, BringsEverythingBack) {
+    Send("Create", "Plant1");
+    FillProject(*ProjectFind(0));
+    const std::string before = Json(0);
+    ASSERT_TRUE(StoreWrite(*ProjectFind(0)));
+    standin::EngineReset();
+    EXPECT_EQ(Send("Open", "pLANT1"), "OK");
+    EXPECT_EQ(Json(0), before);
+    Project& project = *ProjectFind(0);
+    const Module& module = *project.modules.Find(2);
+    EXPECT_EQ(std::pair(Module_FindInstanceID(0, "M2"), Module_FindInstanceID(0, "M0")), std::pair(2, -1));
+    EXPECT_EQ(std::pair(ProjectModuleNbCheck(0), ProjectLinkNbCheck(0)), std::pair(0, 0));
+    EXPECT_EQ(std::tuple(module.type, module.page, module.x, module.z, module.room),
+              std::tuple(10, 2, -2, 1 << 30, 1));
+    EXPECT_EQ(module.modelId + module.important, "160_120_120_120重要");
+    EXPECT_EQ(module.linksAtPort[1], 2);
+    EXPECT_EQ(project.nodes.Find(1)->layers[CacheLayer1].ports.at(15).series[7], 11);
+    EXPECT_EQ(project.nodes.Find(1)->instanceId, "中\"\\\x01/\xff");
+    EXPECT_EQ(project.links.rows.at(2).S_PortNb, 15);
+    EXPECT_TRUE(project.links.rows[2].F_Type2 && project.links.rows[2].S_Type2);
+    EXPECT_EQ(project.script, std::string("x = 1\n\0--", 9));
+}
+
+TEST_F(StoreTest, KeepsADamagedFileAndTheProjectThatReplacesIt) {
+    Send("Create", "P");
+    Send("PjtSent", "P", Nodes(3));
+    const std::string whole = Read(FileOf("P"));
+    ASSERT_TRUE(StoreHas("p"));
+    testing::internal::CaptureStderr();
+    std::vector<std::string> damaged{
+        "", "{}", whole + " ", whole.substr(0, whole.size() / 2), "\n" + whole, std::string(100000, '[')};
+    std::mt19937 random(3);
+    for (int round = 0; round < 300; ++round) {
+        damaged.push_back(whole);
+        damaged.back()[random() % whole.size()] ^= static_cast<char>(1 + random() % 255);
+    }
+    for (const std::string& text : damaged) {
+        Write(FileOf("P"), text);
+        EXPECT_FALSE(StoreHas("P"));
+        EXPECT_FALSE(StoreRead(*ProjectFind(0)));
+        EXPECT_EQ(Read(FileOf("P")), text);
+    }
+    EXPECT_EQ(ProjectFind(0)->nodes.rows.size(), 3U);
+
+    // Open makes an empty project; what it then stores does not cover the damaged file.
+    for (const char* aside : {"P.damaged.1", "P.damaged.2"}) {
+        Write(FileOf("P"), damaged.back());
+        standin::EngineReset();
+        EXPECT_EQ(Send("Open", "P"), "OK");
+        EXPECT_TRUE(ProjectFind(0)->nodes.rows.empty());
+        EXPECT_EQ(Read(FileOf("P")), damaged.back());
+        Send("PjtSent", "P", Nodes(2));
+        EXPECT_EQ(Read((Folder("P") / aside).string()), damaged.back());
+    }
+    const std::string lines = testing::internal::GetCapturedStderr();
+    EXPECT_TRUE(lines.starts_with(
+        "project store: P: the stored file is damaged or foreign; it is left as it is and counts as none\n"));
+    standin::EngineReset();
+    Send("Open", "P");
+    EXPECT_EQ(ProjectFind(0)->nodes.rows.size(), 2U);
+}
+
+TEST_F(StoreTest, RefusesContentThatDoesNotFit) {
+    Send("Create", "P");
+    ModuleAdd(*ProjectFind(0), 0, 0, 0, 1, 2);
+    const std::string text = Json(0);
+    const auto read = [&](const std::string& from, const std::string& to) {
+        std::string changed = text;
+        changed.replace(changed.find(from), from.size(), to);
+        Project project;
+        project.modules.capacity = ModuleCapacity;
+        project.links.capacity = LinkCapacity;
+        return ProjectFromJson(changed, project);
+    };
+    const std::string room = R"("room":-1)";
+    const auto layers = [&](const std::string& values) {
+        return R"("layers":[{},{},{})" + values + "]," + room;
+    };
+    EXPECT_TRUE(read(room, room));
+    EXPECT_TRUE(read(room, layers(R"(,{"items":[1,2.5,3],"ports":[]})")));
+    const std::vector<std::pair<std::string, std::string>> faults{
+        {"24032022192805856", "12"},
+        {R"("number":0)", R"("number":5485)"},
+        {R"("number":0)", R"("number":-1)"},
+        {R"("x":1)", R"("x":1.5)"},
+        {room, layers(R"(,{"items":[1,2.5],"ports":[]})")},
+        {room, layers("")},
+        {room, layers(R"(,{"items":[1,2,3],"ports":[[1]]})")},
+        {R"("nodes":[])", R"("nodes":{})"},
+        {R"("links":[])", R"("links":[{"number":0,"ends":[0]}])"},
+        {"GTemp", "Other"},
+        {R"("kind":1)", R"("kind":4)"},
+        {R"("script":"")", R"("script":0)"},
+        {"{", "["}};
+    for (const auto& [from, to] : faults) EXPECT_FALSE(read(from, to)) << to;
+}
+
+TEST_F(StoreTest, BuildsNoPathFromABadName) {
+    testing::internal::CaptureStderr();
+    for (const std::string name : {"..", "../run", "A/B", "A.B", "A_B", "Ä", "A B"}) {
+        ASSERT_TRUE(ProjectJsonAdd(name.c_str()));
+        EXPECT_FALSE(StoreHas(name) || StoreWrite(*ProjectFind(0)) || StoreRead(*ProjectFind(0))) << name;
+        ProjectInfoRemove(name.c_str());
+    }
+    EXPECT_FALSE(StoreHas("") || StoreHas(std::string(65, 'A')) || fs::exists(Folder("")));
+    ASSERT_TRUE(ProjectJsonAdd(std::string(64, 'A').c_str()));
+    EXPECT_TRUE(StoreWrite(*ProjectFind(0)));
+    // Nor can a project be stored where a file stands in the place of its folder.
+    Write(Folder("").string() + "P", "a file");
+    Send("Create", "P");
+    EXPECT_EQ(Send("PjtSent", "P", Nodes(1)), "OK");
+    EXPECT_TRUE(testing::internal::GetCapturedStderr().ends_with(
+        "project store: P: the project cannot be stored; what was stored before stays\n"));
+}
+
+TEST_F(StoreTest, IsWholeWheneverTheProcessIsKilled) {
+    const std::string documents[] = {Nodes(40), Nodes(900)};
+    Send("Create", "A");
+    Send("PjtSent", "A", documents[0]);
+    std::mt19937 random(17);
+    int changes = 0;
+    std::size_t last = 40;
+    for (int round = 0; round < 200; ++round) {
+        pid_t child = -1;
+        {
+            // No other thread of this process may hold the lock in the moment of the fork.
+            const std::lock_guard guard(EngineLock());
+            child = fork();
+        }
+        ASSERT_GE(child, 0);
+        if (child == 0) {
+            for (int turn = round;; ++turn) Send("PjtSent", "A", documents[turn % 2]);
+        }
+        usleep(static_cast<useconds_t>(random() % 12000));
+        kill(child, SIGKILL);
+        ASSERT_EQ(waitpid(child, nullptr, 0), child);
+        standin::EngineReset();
+        ASSERT_EQ(ProjectInfoRead("A"), 1) << round;
+        ProjectDBRead("A");
+        const auto& nodes = ProjectFind(0)->nodes.rows;
+        ASSERT_TRUE(nodes.size() == 40 || nodes.size() == 900) << round << " " << nodes.size();
+        ASSERT_EQ(nodes.back().x, 75 + 120);
+        if (nodes.size() != last) ++changes;
+        last = nodes.size();
+    }
+    // The kills met both documents.
+    EXPECT_GT(changes, 10);
+    Send("PjtSent", "A", documents[0]);
+    EXPECT_EQ(std::distance(fs::directory_iterator(Folder("A")), fs::directory_iterator()), 1);
+}
