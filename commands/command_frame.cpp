@@ -41,7 +41,7 @@ constexpr CommandRow CommandTable[] = {
     {"PjtStop", Project, PjtStop, Writes},
     {"PjtClose", Project, PjtClose, Writes},
     {"PjtClear", Project, PjtClear, Reads},
-    {"PjtSent", Project, nullptr, Writes},
+    {"PjtSent", Project, PjtSent, Writes},
     {"LuaSent", Project, LuaSent, Writes},
     {"PjtCacheToRun", Project, PjtCacheToRun, Writes},
     {"PjtRunToCache", Project, PjtRunToCache, Writes},

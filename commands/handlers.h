@@ -15,6 +15,8 @@ std::string AddModule(const Request& request);
 std::string AddNode(const Request& request);
 std::string AddLink(const Request& request);
 
+std::string PjtSent(const Request& request);
+
 std::string NetAccess(const Request& request);
 std::string PjtInfoChk(const Request& request);
 
