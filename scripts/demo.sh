@@ -99,3 +99,24 @@ note "the topology as JSON, of which these are the first lines and the first bra
 ask PjtInfoChk "$project" '""' >/dev/null
 expect '{'
 printf '%s\n' "$reply" | sed -n -e '1,11p' -e '/"BranchNb"/,/"PostPort"/p'
+
+heading "A whole cold store from one document, and the same with a pipe forgotten"
+examples=$(dirname "$0")/../examples
+# plant FILE VERDICT: replaces the project by a document, which is not shown, and has its networks analysed.
+plant() {
+    printf '%s> {"command":"PjtSent","name":"%s","messages":%s ...}%s\n' "$blue" "$project" "$1" "$plain"
+    reply=$({
+        printf '{"command":"PjtSent","name":"%s","messages":' "$project"
+        cat "$examples/$1"
+        printf '}'
+    } | curl -sS --max-time 20 "$address" -H 'Content-Type: application/json' --data-binary @-)
+    printf '%s< %s%s\n' "$green" "$reply" "$plain"
+    expect OK
+    ask NetAccess "$project" '""'
+    expect "$2"
+}
+plant cold_store_faulty.json '出错啦,此支路号:2不完整,缺少下游链接'
+plant cold_store.json OK
+note "length, elbows and the diameter that came with the fitting"
+ask VarCacheGet "${project}_liquid line to expansion valve 1" '""'
+expect '[{"Row":0,"Item":"PL"'
