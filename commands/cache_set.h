@@ -4,12 +4,10 @@
 
 #include <string_view>
 
+#include "engine/vorn_records.h"
 #include "text/number_text.h"
 
 namespace vorn {
-
-/// The cache sets of a project are 0 to this, less one.
-inline constexpr int CacheSetCount = 3;
 
 /// Reads a decimal set number; a text without leading digits gives 0. False, with `set` beyond the sets, for
 /// a number that is none of theirs.

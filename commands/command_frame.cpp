@@ -5,6 +5,7 @@
 
 #include "commands/handlers.h"
 #include "elements/instance_id.h"
+#include "elements/slot.h"
 #include "engine/vorn_core.h"
 
 namespace vorn {
@@ -68,8 +69,6 @@ constexpr CommandRow CommandTable[] = {
     {"ImportantSet", Element, ImportantSet, Writes},
 };
 
-constexpr int SlotCount = 8;
-
 const CommandRow* CommandFind(std::string_view word) {
     const auto* row = std::find_if(std::begin(CommandTable), std::end(CommandTable),
                                    [word](const CommandRow& each) { return each.word == word; });
@@ -99,7 +98,7 @@ std::string Run(const CommandRow* row, std::string name, const std::string& mess
     int midstate = -1;
     int midnb = -1;
     NameParsing_ModNod(name.c_str(), midstate, pjtnb, midnb);
-    if (pjtnb < 0 || pjtnb >= SlotCount) return "项目名称找不到(project Char error)";
+    if (!IsSlot(pjtnb)) return "项目名称找不到(project Char error)";
     if (served(Project)) return row->handler({.name = name, .messages = messages, .pjtnb = pjtnb});
 
     if (!Addressed(midstate, midnb)) {

@@ -13,8 +13,6 @@ namespace vorn {
 
 namespace {
 
-constexpr int PortsPerElement = 16;
-
 /// One end of the link.
 struct End {
     std::string instanceId{};

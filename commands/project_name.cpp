@@ -6,16 +6,9 @@
 
 namespace vorn {
 
-namespace {
-
-bool Allowed(char byte) {
-    return (byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z');
-}
-
-}  // namespace
-
 bool ProjectNameUpper(std::string_view name, std::string& upper) {
-    if (name.size() > ProjectNameLimit || !std::all_of(name.begin(), name.end(), Allowed)) return false;
+    if (name.size() > ProjectNameLimit || !std::all_of(name.begin(), name.end(), IsAsciiLetterOrDigit))
+        return false;
     upper = name;
     std::transform(upper.begin(), upper.end(), upper.begin(), AsciiUpper);
     return true;

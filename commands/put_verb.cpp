@@ -5,17 +5,12 @@
 #include <string_view>
 
 #include "commands/run_steps.h"
+#include "elements/slot.h"
 #include "engine/vorn_core.h"
 
 namespace vorn {
 
 namespace {
-
-constexpr int SlotCount = 8;
-
-bool IsOpen(int slot) {
-    return slot >= 0 && slot < SlotCount;
-}
 
 std::string RunOpen(int slot, const char* name) {
     const bool running = PjtStartGet(slot);
@@ -38,7 +33,7 @@ std::string RunStored(const char* name) {
 
 std::string Run(const char* name) {
     const int slot = ProjectNameToID(name);
-    return IsOpen(slot) ? RunOpen(slot, name) : RunStored(name);
+    return IsSlot(slot) ? RunOpen(slot, name) : RunStored(name);
 }
 
 std::string CloseAll() {
@@ -82,7 +77,7 @@ std::string PutVerb(const std::string& name, const std::string& verb) {
                                    [&verb](const OpenVerb& each) { return each.word == verb; });
     if (row != std::end(OpenVerbs)) {
         const int slot = ProjectNameToID(name.c_str());
-        if (IsOpen(slot)) {
+        if (IsSlot(slot)) {
             row->carryOut(slot, name.c_str());
             return "OK";
         }

@@ -5,10 +5,9 @@
 #include <string>
 #include <string_view>
 
-namespace vorn {
+#include "engine/vorn_records.h"
 
-/// Kinds of element, as they cross to the engine and stand in link rows.
-enum ElementKind { NoKind = 0, ModuleKind = 1, NodeKind = 2, JumpKind = 3, LinkKind = 4 };
+namespace vorn {
 
 /// Reads an identity of the system's own form: MOD, NOD, JMP or LNK and a decimal number. `kind` is 0 where
 /// the text does not begin so, and keeps its value when the number is bad; `number` is -1 unless all of the

@@ -5,6 +5,25 @@
 #include <cstddef>
 #include <cstdint>
 
+/// Projects that can be open at once, each in a slot of its own, from 0.
+inline constexpr int SlotCount = 8;
+
+/// Kinds of element, as they stand in link rows and cross in arguments.
+enum ElementKind { NoKind = 0, ModuleKind = 1, NodeKind = 2, JumpKind = 3, LinkKind = 4 };
+
+/// Ports of each element, from 0. The lower ones of a node are its inlets, the others its outlets.
+inline constexpr int PortsPerElement = 16;
+inline constexpr int NodeInletCount = 8;
+
+/// Kinds of node, from 0.
+inline constexpr int NodeKindCount = 4;
+
+/// Module types that the system has room for in its own tables, from 0.
+inline constexpr int ModuleTypeCount = 600;
+
+/// Cache sets of values that each element has, from 0.
+inline constexpr int CacheSetCount = 3;
+
 /// One link between two element ports. A caller writes it to add a link; a snapshot shows it as a row.
 /// `F_` is the upstream end, `S_` the downstream end. Element kinds: 1 module, 2 node, 3 jump, 4 link.
 struct LinkSxCache {

@@ -96,9 +96,6 @@ constexpr std::int64_t NodeIdFirst = 3000;
 constexpr std::int64_t NodeIdEnd = 4000;
 /// Identities above this one make a module.
 constexpr std::int64_t ModuleIdAbove = 5000;
-constexpr int NodeKindCount = 4;
-/// Module types from 0 to below this number are placed.
-constexpr int ModuleTypeCount = 600;
 /// Grid units by which each module stands off the one before it in the list.
 constexpr std::int64_t ModuleShift = 5;
 

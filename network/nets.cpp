@@ -31,7 +31,7 @@ NodePortSx& PortsOf(int node) {
 }
 
 void EnterEnd(int branch, const BranchEnd& end, const BranchEnd& peer) {
-    if (end.kind != NodeEnd || end.port < 0 || end.port >= NodePorts) return;
+    if (end.kind != NodeEnd || end.port < 0 || end.port >= PortsPerElement) return;
     if (end.number < 0 || end.number >= static_cast<int>(NodePortTable.size())) return;
     const auto port = static_cast<std::size_t>(end.port);
     NodePortSx& ports = PortsOf(end.number);
@@ -60,7 +60,7 @@ std::vector<std::int32_t> Flood(std::int32_t lowest, std::vector<bool>& mapped) 
     mapped[static_cast<std::size_t>(lowest)] = true;
     for (std::size_t next = 0; next < nodes.size(); ++next) {
         const NodePortSx& ports = PortsOf(nodes[next]);
-        for (std::size_t port = 0; port < NodePorts; ++port) {
+        for (std::size_t port = 0; port < PortsPerElement; ++port) {
             const std::int32_t peer = ports.PeerNb[port];
             if (ports.PortUsed[port] == 0 || ports.PeerSx[port] != NodeEnd) continue;
             if (!Net_NodeInMatrix(peer) || mapped[static_cast<std::size_t>(peer)]) continue;
@@ -92,7 +92,7 @@ void MapNodes(int nodeCount) {
 
 bool HoldsPressure(int node) {
     const NodePortSx& ports = PortsOf(node);
-    for (std::size_t port = 0; port < NodePorts; ++port) {
+    for (std::size_t port = 0; port < PortsPerElement; ++port) {
         if (ports.PortUsed[port] == 1 && ports.PeerSx[port] == ModulePortEnd) return true;
     }
     return false;

@@ -6,17 +6,17 @@
 #include <cstdint>
 #include <vector>
 
-namespace vorn {
+#include "engine/vorn_records.h"
 
-inline constexpr int NodePorts = 16;
+namespace vorn {
 
 /// The ports of one node: 0 to 7 are its inlets and 8 to 15 its outlets.
 struct NodePortSx {
-    std::array<std::uint8_t, NodePorts> PortUsed{};  ///< 1 where a branch ends at the port
-    std::array<std::int32_t, NodePorts> PortBranch;  ///< the branch
-    std::array<std::uint8_t, NodePorts> PeerSx{};    ///< the branch's far end: 0 module port, 1 node
-    std::array<std::int32_t, NodePorts> PeerNb;      ///< its number
-    std::array<std::int32_t, NodePorts> PeerPort;    ///< and its port there
+    std::array<std::uint8_t, PortsPerElement> PortUsed{};  ///< 1 where a branch ends at the port
+    std::array<std::int32_t, PortsPerElement> PortBranch;  ///< the branch
+    std::array<std::uint8_t, PortsPerElement> PeerSx{};    ///< the branch's far end: 0 module port, 1 node
+    std::array<std::int32_t, PortsPerElement> PeerNb;      ///< its number
+    std::array<std::int32_t, PortsPerElement> PeerPort;    ///< and its port there
 
     NodePortSx() {
         PortBranch.fill(-1);

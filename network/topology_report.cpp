@@ -13,6 +13,7 @@
 #include "elements/grid.h"
 #include "elements/instance_id.h"
 #include "elements/node_kind.h"
+#include "elements/slot.h"
 #include "engine/vorn_core.h"
 #include "include/vorn_server.h"
 #include "network/branches.h"
@@ -24,8 +25,6 @@ namespace vorn {
 
 namespace {
 
-constexpr int SlotCount = 8;
-constexpr int ModuleTypeCount = 600;
 constexpr int RoomID = 0;
 
 /// The text of the last report, which the host holds by its pointer.
@@ -213,7 +212,7 @@ void ReportBranches(Report& report) {
 
 const char* Net_InfoToAI(int project) {
     using namespace vorn;
-    if (project < 0 || project >= SlotCount) return nullptr;
+    if (!IsSlot(project)) return nullptr;
     if (BranchNb < 1) Net_Access(project);
 
     Report report;

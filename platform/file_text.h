@@ -13,8 +13,9 @@ namespace vorn {
 bool FileRead(const std::string& path, std::size_t limit, std::string& content);
 
 /// Puts a file of that content in the place of `path`, whose folder is there: it is written beside it, as
-/// `path` with `.new` behind it, flushed to the disk and renamed, so that a crash at any moment leaves the
-/// old file or the new one. False, with the old file as it was, when that fails.
+/// `path` with `.new.` and the number of this process behind it, flushed to the disk and renamed, so that a
+/// crash at any moment leaves the old file or the new one. What processes that are gone left half written is
+/// removed. False, with the old file as it was, when that fails. One call at a time for one path.
 bool FileReplace(const std::string& path, std::string_view content);
 
 }  // namespace vorn

@@ -6,6 +6,7 @@
 
 #include "commands/command_frame.h"
 #include "commands/put_verb.h"
+#include "elements/slot.h"
 #include "engine/vorn_core.h"
 #include "service/exchange_log.h"
 #include "service/server_root.h"
@@ -18,12 +19,9 @@ namespace vorn {
 
 namespace {
 
-constexpr int SlotCount = 8;
-
 /// Tells whether this server holds the project.
 void Fdp(const std::string& midData, const std::string& /*midValue*/, std::string& reply) {
-    const int slot = ProjectNameToID(midData.c_str());
-    reply = slot >= 0 && slot < SlotCount ? "1" : "0";
+    reply = IsSlot(ProjectNameToID(midData.c_str())) ? "1" : "0";
 }
 
 /// Tells whether this server runs from the given directory tree.

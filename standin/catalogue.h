@@ -9,8 +9,6 @@
 
 namespace standin {
 
-inline constexpr int PortsPerElement = 16;
-
 /// One port of a module type. The through ports of a module are flagged: a chain goes on inside the module.
 struct PortType {
     bool outlet = false;

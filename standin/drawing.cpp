@@ -1,7 +1,6 @@
 // The operations that write a project's picture and chart into its folder. Both are written whole before the
 // call returns.
 
-#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <string>
@@ -12,28 +11,19 @@
 #include "platform/file_text.h"
 #include "standin/chart.h"
 #include "standin/plant_picture.h"
+#include "standin/project_folder.h"
 #include "standin/trace.h"
 
 using namespace standin;
 
 namespace {
 
-/// The folder of a project's files, with `/` behind it; empty for a name that could lead elsewhere.
-std::string ProjectFolder(std::string_view name) {
-    const auto allowed = [](char byte) {
-        return (byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'Z');
-    };
-    if (name.empty() || !std::all_of(name.begin(), name.end(), allowed)) return {};
-    return "../AlgProject/" + std::string(name) + "/";
-}
-
 /// Writes a drawing of the project `name`. A failure is told of on standard error; the old file then stays.
 void WriteDrawing(const std::string& name, std::string_view ending, const std::string& svg) {
-    const std::string folder = ProjectFolder(name);
-    if (folder.empty()) return;
+    const std::string path = ProjectFile(name, ending);
+    if (path.empty()) return;
     std::error_code fault;
-    std::filesystem::create_directories(folder, fault);
-    const std::string path = folder + name + std::string(ending);
+    std::filesystem::create_directories(ProjectFolder(name), fault);
     if (fault || !vorn::FileReplace(path, svg)) {
         std::fprintf(stderr, "cannot write %s\n", path.c_str());
     }

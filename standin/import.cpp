@@ -9,9 +9,6 @@ using namespace standin;
 
 namespace {
 
-/// A node's inlets come first, then its outlets.
-constexpr int NodeInlets = 8;
-
 /// The ports of a pipe module.
 constexpr int PipeInlet = 0;
 constexpr int PipeOutlet = 1;
@@ -29,8 +26,8 @@ bool NodePortFree(const Node& node, int port) {
 /// Lets a node's end have the port that it names, where that is free and on the side, else the lowest free
 /// one. False when the side is full.
 bool ChooseNodePort(const Node& node, bool upstream, End& end) {
-    const int first = upstream ? NodeInlets : 0;
-    const int last = first + NodeInlets;
+    const int first = upstream ? NodeInletCount : 0;
+    const int last = first + NodeInletCount;
     if (end.port >= first && end.port < last && NodePortFree(node, end.port)) return true;
     for (end.port = first; end.port < last; ++end.port) {
         if (NodePortFree(node, end.port)) return true;

@@ -124,13 +124,12 @@ bool Model_DB_Read(int type, const char* model) {
 
 void Pjt_Modu_ModelToPch(int slot, int type, int module, int set) {
     Trace("Pjt_Modu_ModelToPch", slot, type, module, set);
-    constexpr int Sets = LayerCount - CacheLayer0;
     const std::lock_guard guard(EngineLock());
     Project* project = ProjectFind(slot);
     Module* found = project == nullptr ? nullptr : project->modules.Find(module);
     const Model& model = TheModel();
-    if (found == nullptr || set < 0 || set >= Sets) return;
-    if (found->type != type || model.type != type || model.values.empty()) return;
+    if (found == nullptr || set < 0 || set >= CacheSetCount) return;
+    if (found->type != type || model.type != type) return;
 
     ElementValues& layer =
         found->layers[static_cast<std::size_t>(CacheLayer0) + static_cast<std::size_t>(set)];
@@ -138,5 +137,6 @@ void Pjt_Modu_ModelToPch(int slot, int type, int module, int set) {
         const int row = ItemRow(ModuleTypeFind(type)->items, value.item);
         if (row >= 0) layer.items[static_cast<std::size_t>(row)] = value.value;
     }
+    // The module keeps the name also of a model that the store does not have.
     if (set == 0) found->modelId = model.name;
 }

@@ -13,8 +13,6 @@ namespace standin {
 
 namespace {
 
-constexpr int JumpKind = 3;
-
 // ---- What there is to draw ----
 
 /// Where an element was put: its page and its index there.

@@ -10,10 +10,6 @@ namespace standin {
 
 namespace {
 
-constexpr int NodeKinds = 4;
-constexpr int ModuleKind = 1;
-constexpr int NodeKind = 2;
-
 std::array<Project, SlotCount>& Slots() {
     // Never destroyed: the engine's threads may work while the process ends.
     static auto& slots = *new std::array<Project, SlotCount>;
@@ -141,7 +137,7 @@ Module* ModuleAdd(Project& project, int number, int type, int page, int x, int z
 }
 
 Node* NodeAdd(Project& project, int number, int kind, int page, int x, int z) {
-    if (kind < 0 || kind >= NodeKinds) return nullptr;
+    if (kind < 0 || kind >= NodeKindCount) return nullptr;
     Node* node = project.nodes.Add(number);
     if (node == nullptr) return nullptr;
     Place(*node, page, x, z, NodeItems().size());

@@ -20,7 +20,6 @@
 
 namespace standin {
 
-inline constexpr int SlotCount = 8;
 inline constexpr std::size_t ProjectNameBytes = 65;  ///< a name of 64 characters and its terminator
 
 /// The layers of an element's values that a project holds, in the order of the item columns 1 to 4.

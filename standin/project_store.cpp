@@ -1,6 +1,5 @@
 #include "standin/project_store.h"
 
-#include <algorithm>
 #include <charconv>
 #include <cstdint>
 #include <cstdio>
@@ -9,9 +8,9 @@
 
 #include "engine/vorn_core.h"
 #include "platform/file_text.h"
+#include "standin/project_folder.h"
 #include "standin/project_json.h"
 #include "standin/trace.h"
-#include "text/fixed_text.h"
 
 namespace standin {
 
@@ -66,24 +65,8 @@ bool FileContent(std::string& text) {
     return true;
 }
 
-/// The project's name as its files bear it; empty when no path may be built from `name`.
-std::string StoredName(string_view name) {
-    constexpr auto allowed = [](char character) {
-        const char upper = vorn::AsciiUpper(character);
-        return (upper >= '0' && upper <= '9') || (upper >= 'A' && upper <= 'Z');
-    };
-    if (name.size() >= ProjectNameBytes || !std::all_of(name.begin(), name.end(), allowed)) return {};
-    std::string upper(name);
-    std::transform(upper.begin(), upper.end(), upper.begin(), vorn::AsciiUpper);
-    return upper;
-}
-
-std::string FolderOf(const std::string& storedName) {
-    return "../AlgProject/" + storedName + "/";
-}
-
-std::string PathOf(const std::string& storedName) {
-    return FolderOf(storedName) + storedName + ".json";
+std::string PathOf(string_view name) {
+    return ProjectFile(name, ".json");
 }
 
 bool Exists(const std::string& path) {
@@ -94,57 +77,57 @@ bool Exists(const std::string& path) {
 enum class Stored { None, Whole, Damaged };
 
 /// Reads the stored project into `loaded`, which is empty but for its name and capacities.
-Stored Load(const std::string& storedName, Project& loaded) {
-    const std::string path = PathOf(storedName);
-    if (storedName.empty() || !Exists(path)) return Stored::None;
+Stored Load(string_view name, Project& loaded) {
+    const std::string path = PathOf(name);
+    if (path.empty() || !Exists(path)) return Stored::None;
     std::string text;
     const bool whole =
         vorn::FileRead(path, StoredBytesLimit, text) && FileContent(text) && ProjectFromJson(text, loaded);
     if (whole) return Stored::Whole;
-    Report(storedName, "the stored file is damaged or foreign; it is left as it is and counts as none");
+    Report(name, "the stored file is damaged or foreign; it is left as it is and counts as none");
     return Stored::Damaged;
 }
 
-Stored LookUp(const std::string& storedName) {
+Stored LookUp(string_view name) {
     Project scratch;
     scratch.modules.capacity = ModuleCapacity;
     scratch.nodes.capacity = NodeCapacity;
     scratch.links.capacity = LinkCapacity;
-    return Load(storedName, scratch);
+    return Load(name, scratch);
 }
 
 /// Gives a damaged file a name of its own, so that no new one takes its place.
-bool MoveAside(const std::string& storedName) {
+bool MoveAside(string_view name) {
     int number = 1;
     std::string aside;
     do {
-        aside = FolderOf(storedName) + storedName + ".damaged." + std::to_string(number++);
+        aside = ProjectFile(name, ".damaged." + std::to_string(number++));
     } while (Exists(aside));
     std::error_code error;
-    fs::rename(PathOf(storedName), aside, error);
+    fs::rename(PathOf(name), aside, error);
     return !error;
 }
 
 /// Puts a new file in the place of the stored one.
-bool Replace(const std::string& storedName, const std::string& text) {
-    if (text.size() > StoredBytesLimit) return false;
+bool Replace(string_view name, const std::string& text) {
+    const std::string path = PathOf(name);
+    if (path.empty() || text.size() > StoredBytesLimit) return false;
     std::error_code error;
-    fs::create_directories(FolderOf(storedName), error);
-    if (LookUp(storedName) == Stored::Damaged && !MoveAside(storedName)) return false;
-    return vorn::FileReplace(PathOf(storedName), text);
+    fs::create_directories(ProjectFolder(name), error);
+    if (LookUp(name) == Stored::Damaged && !MoveAside(name)) return false;
+    return vorn::FileReplace(path, text);
 }
 
 }  // namespace
 
 bool StoreWrite(const Project& project) {
-    const std::string storedName = StoredName(project.name);
-    if (!storedName.empty() && Replace(storedName, FileText(project))) return true;
+    if (Replace(project.name, FileText(project))) return true;
     Report(project.name, "the project cannot be stored; what was stored before stays");
     return false;
 }
 
 bool StoreHas(string_view name) {
-    return LookUp(StoredName(name)) == Stored::Whole;
+    return LookUp(name) == Stored::Whole;
 }
 
 bool StoreRead(Project& project) {
@@ -152,7 +135,7 @@ bool StoreRead(Project& project) {
     loaded.modules.capacity = project.modules.capacity;
     loaded.nodes.capacity = project.nodes.capacity;
     loaded.links.capacity = project.links.capacity;
-    if (Load(StoredName(project.name), loaded) != Stored::Whole) return false;
+    if (Load(project.name, loaded) != Stored::Whole) return false;
     project.modules = std::move(loaded.modules);
     project.nodes = std::move(loaded.nodes);
     project.links = std::move(loaded.links);

@@ -8,6 +8,7 @@
 #include "engine/vorn_core.h"
 #include "standin/trace.h"
 #include "standin/values.h"
+#include "text/fixed_text.h"
 
 using namespace standin;
 
@@ -16,8 +17,7 @@ namespace {
 constexpr std::size_t NameBytes = 63;
 
 bool NameCharacter(char character) {
-    return (character >= '0' && character <= '9') || (character >= 'A' && character <= 'Z') ||
-           (character >= 'a' && character <= 'z') || character == '_';
+    return vorn::IsAsciiLetterOrDigit(character) || character == '_';
 }
 
 bool NameAllowed(std::string_view name) {

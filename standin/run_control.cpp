@@ -15,7 +15,6 @@ using namespace standin;
 namespace {
 
 constexpr const char* NothingToRun = "项目中没有模块,无法运行";
-constexpr int CacheSets = 3;
 
 bool HasModules(const Project& project) {
     return std::any_of(project.modules.rows.begin(), project.modules.rows.end(),
@@ -32,7 +31,7 @@ void LayersCopy(Project& project, int from, int to) {
 }
 
 bool IsCacheSet(int set) {
-    return set >= 0 && set < CacheSets;
+    return set >= 0 && set < CacheSetCount;
 }
 
 }  // namespace

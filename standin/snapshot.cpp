@@ -16,10 +16,6 @@ using namespace standin;
 
 namespace {
 
-constexpr int ModuleKind = 1;
-constexpr int NodeKind = 2;
-constexpr int JumpKind = 3;
-
 /// The record filled last, until its page links are made. The engine lock guards it.
 ProjectCheckCache* filled = nullptr;
 

@@ -10,10 +10,6 @@
 
 namespace standin {
 
-/// The kinds of element that have values. As scopes of a variable's name they bear the same numbers.
-inline constexpr int ModuleKind = 1;
-inline constexpr int NodeKind = 2;
-
 /// The reals of a port, in the order of their variable numbers. The word stands behind `IM0_` in the name.
 struct PortReal {
     std::string_view word;

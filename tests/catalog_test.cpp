@@ -108,7 +108,7 @@ TEST_F(ModelStoreTest, HasAModelForEachRowOfTheCatalogAndNoOther) {
         EXPECT_EQ(Model_DB_Read(type, name), known) << name;
         Pjt_Modu_ModelToPch(0, type, number, 0);
         const standin::Module& module = *standin::ProjectFind(0)->modules.Find(number++);
-        EXPECT_EQ(module.modelId, known ? name : "");
+        EXPECT_EQ(module.modelId, name);
         Sizes sizes = module.layers[standin::CacheLayer0].items;
         sizes.erase(sizes.begin(), sizes.begin() + 2);
         return sizes;

@@ -80,7 +80,7 @@ std::string PlainSweeps() {
         int kind = -1;
         int number = -1;
     };
-    std::vector<std::array<Peer, NodePorts>> ports(count);
+    std::vector<std::array<Peer, PortsPerElement>> ports(count);
     for (const BranchSx& branch : BranchTable) {
         const auto enter = [&](int kind, int node, int port, Peer peer) {
             if (kind == 1 && node >= 0 && node < count) ports[node][port] = peer;

@@ -12,6 +12,12 @@ constexpr char AsciiUpper(char character) {
     return character >= 'a' && character <= 'z' ? static_cast<char>(character - 'a' + 'A') : character;
 }
 
+/// True for 0 to 9, A to Z and a to z.
+constexpr bool IsAsciiLetterOrDigit(char character) {
+    const char upper = AsciiUpper(character);
+    return (upper >= '0' && upper <= '9') || (upper >= 'A' && upper <= 'Z');
+}
+
 /// True when both texts have the same bytes, letters compared without case.
 bool EqualWithoutCase(std::string_view left, std::string_view right);
 

@@ -1,15 +1,25 @@
 #include "platform/file_text.h"
 
 #include <fcntl.h>
+#include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <charconv>
 #include <cstdio>
+#include <filesystem>
 
 namespace vorn {
 
 namespace {
+
+constexpr const char* FreshEnding = ".new.";
+
+std::string FolderOf(const std::string& path) {
+    const std::size_t end = path.rfind('/');
+    return end == std::string::npos ? "." : path.substr(0, end + 1);
+}
 
 /// An open file, closed at the end of its scope.
 class FileHandle {
@@ -49,11 +59,24 @@ bool WriteAll(const std::string& path, std::string_view content) {
            fsync(file.Get()) == 0;
 }
 
+/// Removes what an earlier process began to put in the place of `path` and did not finish.
+void LeftoversRemove(const std::string& path) {
+    const std::filesystem::path file(path);
+    const std::string beginning = file.filename().string() + FreshEnding;
+    std::error_code error;
+    for (const auto& entry : std::filesystem::directory_iterator(FolderOf(path), error)) {
+        const std::string name = entry.path().filename().string();
+        if (!name.starts_with(beginning)) continue;
+        pid_t process = 0;
+        std::from_chars(name.data() + beginning.size(), name.data() + name.size(), process);
+        if (process > 0 && kill(process, 0) != 0 && errno == ESRCH)
+            std::filesystem::remove(entry.path(), error);
+    }
+}
+
 /// Makes what was renamed last through a crash of the machine. A file system that cannot is taken as it is.
 void FolderFlush(const std::string& path) {
-    const std::size_t end = path.rfind('/');
-    const std::string folder = end == std::string::npos ? "." : path.substr(0, end + 1);
-    const FileHandle handle(folder.c_str(), O_RDONLY | O_DIRECTORY);
+    const FileHandle handle(FolderOf(path).c_str(), O_RDONLY | O_DIRECTORY);
     if (handle.Get() >= 0) fsync(handle.Get());
 }
 
@@ -76,11 +99,12 @@ bool FileRead(const std::string& path, std::size_t limit, std::string& content) 
 }
 
 bool FileReplace(const std::string& path, std::string_view content) {
-    const std::string fresh = path + ".new";
+    const std::string fresh = path + FreshEnding + std::to_string(getpid());
     if (!WriteAll(fresh, content) || rename(fresh.c_str(), path.c_str()) != 0) {
         unlink(fresh.c_str());
         return false;
     }
+    LeftoversRemove(path);
     FolderFlush(path);
     return true;
 }
