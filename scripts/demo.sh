@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Plays a script of requests against a running service: demo.sh ADDRESS. Each reply is held against the expected
-# one, so that the demo fails where the service does.
+# one, so that the demo fails where the service does. In the environment: VORN_PIPE, the number of the service's
+# pipe; VORN_SERIAL, the far end of its serial line; VORN_PICTURES, the folder for pictures.
 set -euo pipefail
 
 address=$1
@@ -13,12 +14,15 @@ fi
 heading() { printf '\n%s%s%s\n' "$bold" "$*" "$plain"; }
 note() { printf '%s# %s%s\n' "$yellow" "$*" "$plain"; }
 
+# show REQUEST REPLY: shows one exchange and keeps the reply in $reply.
+show() {
+    reply=$2
+    printf '%s> %s%s\n%s< %s%s\n' "$blue" "$1" "$plain" "$green" "$reply" "$plain"
+}
 # ask COMMAND NAME MESSAGES: sends one request and shows both ways; the reply stays in $reply.
 ask() {
     local body="{\"command\":\"$1\",\"name\":\"$2\",\"messages\":$3}"
-    printf '%s> %s%s\n' "$blue" "$body" "$plain"
-    reply=$(curl -sS --max-time 20 "$address" -H 'Content-Type: application/json' -d "$body")
-    printf '%s< %s%s\n' "$green" "$reply" "$plain"
+    show "$body" "$(curl -sS --max-time 20 "$address" -H 'Content-Type: application/json' -d "$body")"
 }
 # expect TEXT: the last reply begins with TEXT.
 expect() {
@@ -43,7 +47,7 @@ link() { # from port to port
     ask AddLink "$project" "{\"Type\":0,\"F_InstanceID\":\"$1\",\"F_PortNb\":$2,\"S_InstanceID\":\"$3\",\"S_PortNb\":$4}"
 }
 
-project=DEMO$RANDOM
+project=DEMO
 
 heading "A project"
 ask Create "$project" '""'
@@ -104,13 +108,11 @@ heading "A whole cold store from one document, and the same with a pipe forgotte
 examples=$(dirname "$0")/../examples
 # plant FILE VERDICT: replaces the project by a document, which is not shown, and has its networks analysed.
 plant() {
-    printf '%s> {"command":"PjtSent","name":"%s","messages":%s ...}%s\n' "$blue" "$project" "$1" "$plain"
-    reply=$({
+    show "{\"command\":\"PjtSent\",\"name\":\"$project\",\"messages\":$1 ...}" "$({
         printf '{"command":"PjtSent","name":"%s","messages":' "$project"
         cat "$examples/$1"
         printf '}'
-    } | curl -sS --max-time 20 "$address" -H 'Content-Type: application/json' --data-binary @-)
-    printf '%s< %s%s\n' "$green" "$reply" "$plain"
+    } | curl -sS --max-time 20 "$address" -H 'Content-Type: application/json' --data-binary @-)"
     expect OK
     ask NetAccess "$project" '""'
     expect "$2"
@@ -120,3 +122,63 @@ plant cold_store.json OK
 note "length, elbows and the diameter that came with the fitting"
 ask VarCacheGet "${project}_liquid line to expansion valve 1" '""'
 expect '[{"Row":0,"Item":"PL"'
+
+heading "The plant runs"
+ask PjtRun "$project" '""'
+expect OK
+live="{\"VarName\":[\"${project}_GStep\",\"${project}_GTemp\",\"${project}_WAll\",\"${project}_GSeries\"]}"
+note "two batches, half a second apart: the values live"
+ask Get json "$live"
+expect '["'
+sleep 0.5
+ask Get json "$live"
+expect '["'
+note "pause; one step; stop"
+ask PjtPause "$project" '""'
+expect OK
+ask PjtStep "$project" '""'
+expect OK
+ask Get "${project}_GStep" '""'
+ask PjtStop "$project" '""'
+expect OK
+note "the room's values as they run, kept in cache set 1, changed, and brought back"
+ask RunToCache "${project}_packing room" '"1"'
+expect OK
+ask RunValueSet "${project}_packing room" '{"Row":0,"Value":"21.5"}'
+expect OK
+ask RoomGet "${project}_packing room" '""'
+expect '{"InsideTemperature":"21.500000"'
+ask CacheToRun "${project}_packing room" '"1"'
+expect OK
+ask RoomGet "${project}_packing room" '""'
+expect '{"InsideTemperature":"0.000000"'
+note "one element moved, one deleted"
+ask MoveMN "${project}_evaporator" '{"PositionX":23.0,"PositionZ":18.5}'
+expect OK
+ask DeleteMNL "${project}_packing room" '""'
+expect OK
+ask RoomGet "${project}_packing room" '""'
+expect '无法识别name中的InstanceID或ConnectionID，请核对一下'
+
+heading "The same request over the other two ways in"
+if [ -n "${VORN_PIPE:-}" ]; then
+    note "over the pipe VornServerPipe$VORN_PIPE, by socat"
+    show "Get/${project}_GTemp" "$(printf 'Get/%s_GTemp' "$project" | socat - "ABSTRACT-CONNECT:VornServerPipe$VORN_PIPE")"
+fi
+if [ -n "${VORN_SERIAL:-}" ]; then
+    note "over a serial line, here a pair of pseudo-terminals"
+    exec 3<>"$VORN_SERIAL"
+    printf 'Get/%s_GTemp\r' "$project" >&3
+    read -r -t 5 line <&3 || true
+    show "Get/${project}_GTemp" "${line%$'\r'}"
+    exec 3>&-
+fi
+
+heading "Pictures"
+folder=${VORN_PICTURES:-.}
+for drawing in PjtPngGet PjtChartGet; do
+    ask $drawing "$project" '""' >/dev/null
+    expect '<'
+    printf '%s\n' "$reply" >"$folder/$drawing.svg"
+    note "$drawing: $folder/$drawing.svg, to be opened in a browser"
+done

@@ -3,7 +3,7 @@
 set -euo pipefail
 . "$(dirname "$0")/lib.sh"
 
-packages=(g++ cmake ninja-build pkg-config curl python3 locales
+packages=(g++ cmake ninja-build pkg-config curl python3 socat locales
           rapidjson-dev libcpp-httplib-dev liblua5.4-dev libgtest-dev libbenchmark-dev)
 [ "${1:-}" = --full ] && packages+=(clang-format clang-tidy)
 
