@@ -89,9 +89,7 @@ std::string_view IdentityOf(std::string_view name) {
 }
 
 std::string Run(const CommandRow* row, std::string name, const std::string& messages) {
-    const auto served = [row](Target target) {
-        return row != nullptr && row->handler != nullptr && row->target == target;
-    };
+    const auto served = [row](Target target) { return row != nullptr && row->target == target; };
     if (served(NewProject)) return row->handler({.name = name, .messages = messages});
 
     int pjtnb = -1;

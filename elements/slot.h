@@ -7,6 +7,8 @@
 namespace vorn {
 
 /// True for the number of a slot, whether it holds a project or not.
-constexpr bool IsSlot(int pjtnb) { return pjtnb >= 0 && pjtnb < SlotCount; }
+constexpr bool IsSlot(int pjtnb) {
+    return pjtnb >= 0 && pjtnb < SlotCount;
+}
 
 }  // namespace vorn

@@ -3,9 +3,8 @@
 //
 // What holds for every operation:
 // - `slot` is an open project, 0 to 7; element numbers count from 0 within their kind and project; ports are
-// 0
-//   to 15, and on a node 0 to 7 are inlets and 8 to 15 outlets; positions are grid units, 1/50 of a position
-//   that clients see. All integers are signed 32-bit where not told otherwise.
+//   0 to 15, and on a node 0 to 7 are inlets and 8 to 15 outlets; positions are grid units, 1/50 of a
+//   position that clients see. All integers are signed 32-bit where not told otherwise.
 // - Texts are NUL-terminated and, but for `ModuleNameGet`, UTF-8 that nobody here looks into. A text that an
 //   operation returns stays the engine's and is used at once: the next call may change it.
 // - Nothing reports an error. A negative number means none or no room, false or zero means refused; an

@@ -8,8 +8,6 @@
 
 #pragma once
 
-#include <cstdint>
-
 /// Entries of each array variable.
 inline constexpr int ArrayEntries = 8;
 

@@ -8,6 +8,10 @@
 
 namespace vorn {
 
+/// Makes a folder and those above it that are missing, and sees to it that they outlive a crash of the
+/// machine. False when that fails; a folder that is there is fine.
+bool FolderMake(const std::string& path);
+
 /// Reads a regular file whole, byte for byte. False, with an empty `content`, when it cannot be read and when
 /// it has more than `limit` bytes. Of a file that shrinks meanwhile, what is left.
 bool FileRead(const std::string& path, std::size_t limit, std::string& content);

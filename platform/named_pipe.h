@@ -21,7 +21,8 @@ struct NamedPipe;
 inline constexpr std::size_t PipeTextBytesAtMost = std::size_t{256} << 20U;
 
 /// How long the other side may hold an operation up before it is let go: a client until its request is whole,
-/// either side until it reads or writes on. 60 s at first; tests take less.
+/// either side until it reads or writes on. 60 s at first; tests take less. A client waits five times as long
+/// for its reply, since others may be served before it.
 void PipeHoldSet(int milliseconds);
 
 /// Makes the server's end of a new pipe, to be closed by `CloseHandle`. Null when a pipe of that name exists.

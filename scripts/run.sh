@@ -8,9 +8,11 @@ cd "$repository"
 scripts/setup.sh
 scripts/build.sh release vorn-host vorn-send
 
-# The service stores projects in ../AlgProject/, seen from its working directory.
-mkdir -p run/work
-cd run/work
+# The service stores projects in ../AlgProject/, seen from its working directory; the demo's lie apart.
+place=run
+[ "${1:-}" != demo ] || place=run/demo
+mkdir -p "$place/work"
+cd "$place/work"
 host=$repository/build/release/bin/vorn-host
 
 if [ "${1:-}" != demo ]; then
@@ -60,7 +62,7 @@ fi
 await 10 has_told 'VornServer holds ' || true
 address=$(told 'VornServer answers on ')
 
-VORN_PIPE=$(told 'VornServer holds the pipe VornServerPipe') VORN_SERIAL=$folder/far VORN_PICTURES=$repository/run \
+VORN_PIPE=$(told 'VornServer holds the pipe VornServerPipe') VORN_SERIAL=$folder/far VORN_PICTURES=$repository/run/demo \
     "$repository/scripts/demo.sh" "$address" || fail "the demo"
 say "some lines of the exchanges that the host printed"
 grep _GTemp "$log" | tail -n 4

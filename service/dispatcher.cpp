@@ -82,7 +82,7 @@ void ServerDispatch(const std::string& midHeader, const std::string& midData, co
 
     RtnLogRequest(if_Set, midHeader, midData);
     reply.clear();
-    if (verb != nullptr && verb->serve != nullptr) {
+    if (verb != nullptr) {
         verb->serve(midData, midValue, reply);
     } else {
         ProjectCommand(midHeader, midData, midValue, reply);

@@ -28,6 +28,12 @@ LogSide& Side(bool if_Set) {
     return if_Set ? Rtn_Set : Rtn_Get;
 }
 
+/// The host reads the log as a text that ends at its first zero byte, which therefore must not come from a
+/// client's texts.
+std::string_view UpToZero(std::string_view text) {
+    return text.substr(0, text.find('\0'));
+}
+
 /// Appends the second half of an exchange and trims. Of a half that alone is over the limit only the bytes
 /// that remain are copied.
 void AppendTrimmed(std::string& text, std::string_view messages, std::string_view reply) {
@@ -59,12 +65,16 @@ const char* Drain(LogSide& side) {
 }  // namespace
 
 void RtnLogRequest(bool if_Set, std::string_view header, std::string_view name) {
+    header = UpToZero(header);
+    name = UpToZero(name);
     LogSide& side = Side(if_Set);
     const std::lock_guard guard(side.lock);
     side.text.append(header).append(" ").append(name).append(" ");
 }
 
 void RtnLogResult(bool if_Set, std::string_view messages, std::string_view reply) {
+    messages = UpToZero(messages);
+    reply = UpToZero(reply);
     LogSide& side = Side(if_Set);
     const std::lock_guard guard(side.lock);
     AppendTrimmed(side.text, messages, reply);

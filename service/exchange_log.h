@@ -7,6 +7,8 @@
 
 namespace vorn {
 
+// Each of the four texts counts up to its first zero byte.
+
 /// Adds the first half of an exchange, its header and name, to the side for writes (`if_Set`) or for reads.
 /// The dispatcher's lock is held; the side's lock is taken.
 void RtnLogRequest(bool if_Set, std::string_view header, std::string_view name);

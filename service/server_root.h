@@ -12,9 +12,8 @@ namespace vorn {
 /// text, valid until the next call on that thread.
 const char* ServerRootGet();
 
-/// `directory` with each separator replaced by `_`, the form in which directories are compared: the host
-/// program
-/// `/opt/plant/bin/host` has the directory text `_opt_plant_`.
+/// `directory` with each separator replaced by `_`, the form in which directories are compared: a host
+/// program /opt/plant/bin/host has the directory text `_opt_plant_`.
 std::string DirectoryText(std::string_view directory);
 
 /// True when `text` is `serverDirectory`, a directory text, or begins with it at a directory's boundary.

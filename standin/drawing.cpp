@@ -2,7 +2,6 @@
 // call returns.
 
 #include <cstdio>
-#include <filesystem>
 #include <string>
 #include <string_view>
 
@@ -22,9 +21,7 @@ namespace {
 void WriteDrawing(const std::string& name, std::string_view ending, const std::string& svg) {
     const std::string path = ProjectFile(name, ending);
     if (path.empty()) return;
-    std::error_code fault;
-    std::filesystem::create_directories(ProjectFolder(name), fault);
-    if (fault || !vorn::FileReplace(path, svg)) {
+    if (!vorn::FolderMake(ProjectFolder(name)) || !vorn::FileReplace(path, svg)) {
         std::fprintf(stderr, "cannot write %s\n", path.c_str());
     }
 }

@@ -1,5 +1,5 @@
-// The model store: the standard sizes of pipes, ducts and reducers, read out of the models' names. A name
-// that is none of a type's models is not in the store.
+// The model store: the sizes of pipes, ducts and reducers, read out of the models' names. A name that is not
+// of the form of a type's models is not in the store.
 
 #include <algorithm>
 #include <array>

@@ -11,6 +11,7 @@ namespace {
 
 constexpr int SeparateRounds = 60;
 constexpr long SeparateChecks = 20'000'000;  ///< pairs looked at, over all rounds
+constexpr long SettleChecks = 5'000'000;
 constexpr double SettleStep = 6.0;
 constexpr int SettleSteps = 20'000;
 
@@ -82,18 +83,22 @@ long PushRound(const std::vector<Settler>& settlers, bool& moved) {
     return checks;
 }
 
-/// Takes those that still overlap to the nearest free place above or below, one after the other.
+/// Takes those that still overlap to the nearest free place above or below, one after the other, as long as
+/// the looking takes no more than the pushing may.
 void SettleRest(const std::vector<Settler>& settlers) {
     Parts parts;
-    const auto settle = [&parts](const Settler& settler) {
+    long checks = 0;
+    const auto settle = [&parts, &checks](const Settler& settler) {
         Point& at = settler.element->at;
         const double height = at.y;
-        const auto free = [&settler](const Settler* other) {
+        const auto free = [&settler, &checks](const Settler* other) {
+            ++checks;
             return !Overlaps(*other->element, *settler.element);
         };
-        for (int step = 1; !settler.stays && step < SettleSteps && !parts.AllNear(at, free); ++step) {
-            const int steps = (step + 1) / 2;
-            at.y = height + (step % 2 == 0 ? steps : -steps) * SettleStep;
+        const int steps = settler.stays || checks >= SettleChecks ? 0 : SettleSteps;
+        for (int step = 1; step < steps && !parts.AllNear(at, free); ++step) {
+            const int away = (step + 1) / 2;
+            at.y = height + (step % 2 == 0 ? away : -away) * SettleStep;
         }
         parts.Add(settler);
     };

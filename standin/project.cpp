@@ -160,6 +160,9 @@ void ModuleRemove(Project& project, int number) {
     RemoveLinksAt(project, ModuleKind, number);
     project.moduleIdentities.Remove(module->instanceId, number);
     project.modules.Remove(number);
+    for (Module& other : project.modules.rows) {
+        if (other.room == number) other.room = -1;
+    }
 }
 
 void NodeRemove(Project& project, int number) {

@@ -74,48 +74,70 @@ bool Exists(const std::string& path) {
     return fs::symlink_status(path, error).type() != fs::file_type::not_found;
 }
 
-enum class Stored { None, Whole, Damaged };
+enum class Stored {
+    None,
+    Whole,
+    Damaged,    ///< also a foreign file
+    Unreadable  ///< what it holds cannot be told, perhaps only for the moment
+};
 
 /// Reads the stored project into `loaded`, which is empty but for its name and capacities.
 Stored Load(string_view name, Project& loaded) {
     const std::string path = PathOf(name);
     if (path.empty() || !Exists(path)) return Stored::None;
     std::string text;
-    const bool whole =
-        vorn::FileRead(path, StoredBytesLimit, text) && FileContent(text) && ProjectFromJson(text, loaded);
-    if (whole) return Stored::Whole;
-    Report(name, "the stored file is damaged or foreign; it is left as it is and counts as none");
-    return Stored::Damaged;
+    if (!vorn::FileRead(path, StoredBytesLimit, text)) return Stored::Unreadable;
+    return FileContent(text) && ProjectFromJson(text, loaded) ? Stored::Whole : Stored::Damaged;
 }
 
-Stored LookUp(string_view name) {
-    Project scratch;
-    scratch.modules.capacity = ModuleCapacity;
-    scratch.nodes.capacity = NodeCapacity;
-    scratch.links.capacity = LinkCapacity;
-    return Load(name, scratch);
+/// As `Load`, with a line where a file is there that cannot be taken.
+bool LoadWhole(string_view name, Project& loaded) {
+    const Stored stored = Load(name, loaded);
+    if (stored == Stored::Damaged) Report(name, "the stored file is damaged or foreign, and left as it is");
+    if (stored == Stored::Unreadable) Report(name, "the stored file cannot be read");
+    return stored == Stored::Whole;
 }
 
-/// Gives a damaged file a name of its own, so that no new one takes its place.
-bool MoveAside(string_view name) {
+/// Enough of a project to load into.
+Project Scratch() {
+    Project project;
+    project.modules.capacity = ModuleCapacity;
+    project.nodes.capacity = NodeCapacity;
+    project.links.capacity = LinkCapacity;
+    return project;
+}
+
+/// Gives the stored file a second name, under which it outlives the one that takes its place. Empty when that
+/// fails.
+std::string KeepAside(string_view name) {
     int number = 1;
     std::string aside;
     do {
         aside = ProjectFile(name, ".damaged." + std::to_string(number++));
     } while (Exists(aside));
     std::error_code error;
-    fs::rename(PathOf(name), aside, error);
-    return !error;
+    fs::create_hard_link(PathOf(name), aside, error);
+    return error ? std::string() : aside;
 }
 
-/// Puts a new file in the place of the stored one.
+/// Puts a new file in the place of the stored one. A damaged one is kept under another name.
 bool Replace(string_view name, const std::string& text) {
     const std::string path = PathOf(name);
-    if (path.empty() || text.size() > StoredBytesLimit) return false;
+    if (path.empty() || text.size() > StoredBytesLimit || !vorn::FolderMake(ProjectFolder(name)))
+        return false;
+    Project scratch = Scratch();
+    const Stored stored = Load(name, scratch);
+    if (stored == Stored::Unreadable) return false;
+    std::string aside;
+    if (stored == Stored::Damaged) {
+        aside = KeepAside(name);
+        if (aside.empty()) return false;
+        Report(name, ("the damaged file is kept as " + aside).c_str());
+    }
+    if (vorn::FileReplace(path, text)) return true;
     std::error_code error;
-    fs::create_directories(ProjectFolder(name), error);
-    if (LookUp(name) == Stored::Damaged && !MoveAside(name)) return false;
-    return vorn::FileReplace(path, text);
+    if (!aside.empty()) fs::remove(aside, error);
+    return false;
 }
 
 }  // namespace
@@ -127,7 +149,8 @@ bool StoreWrite(const Project& project) {
 }
 
 bool StoreHas(string_view name) {
-    return LookUp(name) == Stored::Whole;
+    Project scratch = Scratch();
+    return LoadWhole(name, scratch);
 }
 
 bool StoreRead(Project& project) {
@@ -135,7 +158,7 @@ bool StoreRead(Project& project) {
     loaded.modules.capacity = project.modules.capacity;
     loaded.nodes.capacity = project.nodes.capacity;
     loaded.links.capacity = project.links.capacity;
-    if (Load(project.name, loaded) != Stored::Whole) return false;
+    if (!LoadWhole(project.name, loaded)) return false;
     project.modules = std::move(loaded.modules);
     project.nodes = std::move(loaded.nodes);
     project.links = std::move(loaded.links);

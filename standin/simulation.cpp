@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <chrono>
 #include <condition_variable>
+#include <cstdio>
 #include <limits>
 #include <string_view>
+#include <system_error>
 #include <thread>
 
 #include "standin/control.h"
@@ -173,8 +175,13 @@ void SimulationWake() {
     if (threadRuns) {
         Wakening().notify_all();
     } else if (StepsRequested() || AnyRunning()) {
-        threadRuns = true;
-        std::thread(RunForever).detach();
+        try {
+            std::thread(RunForever).detach();
+            threadRuns = true;
+        } catch (const std::system_error& fault) {
+            // The next call tries again.
+            std::fprintf(stderr, "simulation: no thread can be made: %s\n", fault.what());
+        }
     }
 }
 

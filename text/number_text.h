@@ -7,7 +7,8 @@
 
 namespace vorn {
 
-/// Appends `value` as "%f" prints it in the C locale: six decimals, 21.5 as `21.500000`, NaN as `nan`.
+/// Appends `value` as "%f" prints it in the C locale: six decimals, 21.5 as `21.500000`, NaN as `nan` or
+/// `-nan`.
 void AppendReal(std::string& text, double value);
 
 /// Writes `value` with that many decimals from `first` on, without a terminator, and gives the end of what it

@@ -50,7 +50,9 @@ bool MoveAll(std::size_t size, std::size_t& done, Move move) {
 }
 
 bool WriteAll(const std::string& path, std::string_view content) {
-    const FileHandle file(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC);
+    // Anything of that name is in the way, and a link or a pipe would lead elsewhere.
+    unlink(path.c_str());
+    const FileHandle file(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW);
     std::size_t done = 0;
     const auto write = [&](std::size_t at) {
         return ::write(file.Get(), content.data() + at, content.size() - at);
@@ -64,13 +66,13 @@ void LeftoversRemove(const std::string& path) {
     const std::filesystem::path file(path);
     const std::string beginning = file.filename().string() + FreshEnding;
     std::error_code error;
-    for (const auto& entry : std::filesystem::directory_iterator(FolderOf(path), error)) {
-        const std::string name = entry.path().filename().string();
+    std::filesystem::directory_iterator entry(FolderOf(path), error);
+    for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
+        const std::string name = entry->path().filename().string();
         if (!name.starts_with(beginning)) continue;
         pid_t process = 0;
         std::from_chars(name.data() + beginning.size(), name.data() + name.size(), process);
-        if (process > 0 && kill(process, 0) != 0 && errno == ESRCH)
-            std::filesystem::remove(entry.path(), error);
+        if (process > 0 && kill(process, 0) != 0 && errno == ESRCH) unlink(entry->path().c_str());
     }
 }
 
@@ -81,6 +83,20 @@ void FolderFlush(const std::string& path) {
 }
 
 }  // namespace
+
+bool FolderMake(const std::string& path) {
+    std::error_code error;
+    const bool made = std::filesystem::create_directories(path, error);
+    if (error) return false;
+    // The entries of new folders stand in those above them.
+    for (std::string above = path; made && above.find('/') != std::string::npos;) {
+        above.resize(above.find_last_not_of('/') + 1);
+        FolderFlush(above);
+        above = FolderOf(above);
+        if (above == "." || above == "/") break;
+    }
+    return true;
+}
 
 bool FileRead(const std::string& path, std::size_t limit, std::string& content) {
     content.clear();
@@ -104,8 +120,8 @@ bool FileReplace(const std::string& path, std::string_view content) {
         unlink(fresh.c_str());
         return false;
     }
-    LeftoversRemove(path);
     FolderFlush(path);
+    LeftoversRemove(path);
     return true;
 }
 

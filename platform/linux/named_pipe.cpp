@@ -34,6 +34,8 @@ constexpr milliseconds Silence{20};
 /// A request of this size came in several pieces.
 constexpr std::size_t PiecewiseBytes = 32768;
 constexpr milliseconds SilenceBetweenPieces{250};
+/// A reply may have to wait for clients in front, each of which may hold the pipe up.
+constexpr int AnswerHolds = 5;
 constexpr milliseconds QueueWait{100};
 /// Rests between two tries of what the system refuses for the moment.
 constexpr milliseconds RefusedRest{100};
@@ -169,7 +171,7 @@ std::size_t ReadFile(NamedPipe* pipe, char* bytes, std::size_t size) {
     }
     if (pipe->taken == 0) shutdown(pipe->connection, SHUT_WR);
     if (pipe->taken + size > PipeTextBytesAtMost) return 0;
-    const auto end = Clock::now() + Hold();
+    const auto end = Clock::now() + AnswerHolds * Hold();
     std::size_t read = 0;
     while (read < size) {
         const ssize_t received = Receive(pipe->connection, bytes + read, size - read, end);
