@@ -50,17 +50,16 @@ Asker OverSerial(const PseudoTerminal& terminal) {
 /// the host's log is to hold. The pauses let the host fetch its log, which is bounded, in time.
 std::vector<string> Exercise(const Asker& ask, const string& project, const string& variable, bool serial) {
     std::vector<string> log;
-    const auto Expect = [&](const string& side, const string& command, const string& name,
-                            const string& messages, const string& reply) {
-        EXPECT_EQ(ask(command, name, messages), reply) << command << " " << name;
-        log.push_back(side + command + " " + name + " " + messages + " " + reply);
+    const auto Expect = [&](const string& side, const Exchange& row) {
+        EXPECT_EQ(ask(row.command, row.name, row.messages), row.reply) << row.command << " " << row.name;
+        log.push_back(side + row.command + " " + row.name + " " + row.messages + " " + row.reply);
     };
     for (int burst = 0; burst < 12; ++burst) {
         for (int round = 0; round < 6; ++round) {
             const string value = std::to_string(burst * 10 + round);
-            Expect("write  ", "Set", variable, value, "OK");
-            Expect("read   ", "Get", variable, "", value + ".000000");
-            if (!serial) Expect("read   ", "Fdp", project, variable, "1");
+            Expect("write  ", {"Set", variable, value, "OK"});
+            Expect("read   ", {"Get", variable, "", value + ".000000"});
+            if (!serial) Expect("read   ", {"Fdp", project, variable, "1"});
         }
         std::this_thread::sleep_for(std::chrono::milliseconds(200));
     }
@@ -96,17 +95,16 @@ TEST(FrontEndsThreadsTest, AnswerAllWaysAtOnceAndLogEachExchangeWhole) {
         const string project = "P" + std::to_string(client % 8);
         const string variable = project + (client < 8 ? "_GTemp" : "_WAll");
         const bool serial = client == 10;
-        const Asker ask = serial       ? OverSerial(terminal)
-                          : client < 8 ? OverHttp(host)
-                                       : OverPipe(std::stoi(pipe));
-        clients.push_back({ask, project, variable, serial});
+        clients.push_back(
+            {client < 8 ? OverHttp(host) : OverPipe(std::stoi(pipe)), project, variable, serial});
+        if (serial) clients.back().ask = OverSerial(terminal);
     }
     std::thread reader([&host] { host.WaitFor("VornServer has ended"); });
     std::vector<std::thread> threads;
     threads.reserve(clients.size());
-    for (Client& client : clients) {
+    for (Client& each : clients) {
         threads.emplace_back(
-            [&client] { client.log = Exercise(client.ask, client.project, client.variable, client.serial); });
+            [&each] { each.log = Exercise(each.ask, each.project, each.variable, each.serial); });
     }
     for (std::thread& thread : threads) thread.join();
     EXPECT_EQ(host.End(), 0);

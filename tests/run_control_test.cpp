@@ -132,16 +132,13 @@ TEST_F(RunControlTest, ARefusedStartTellsWhy) {
     EXPECT_EQ(State(), "stopped");
     // The reason of an earlier refusal is gone with the next start, also where that is taken back later.
     Send("AddModule", "P1", Valve());
-    AtSleep([](int milliseconds) {
-        if (milliseconds == 2000) PjtStartSet(0, false);
-    });
+    AtSleep([](int) { PjtStartSet(0, false); });
     EXPECT_EQ(Send("PjtRun", "P1"), "OK");
     EXPECT_EQ(State(), "stopped");
 }
 
-double& RunValue(int module, int row) {
-    return standin::ProjectFind(0)->modules.Find(module)->layers[standin::RunLayer].items.at(
-        static_cast<std::size_t>(row));
+double& RunValue(int module, std::size_t row) {
+    return standin::ProjectFind(0)->modules.Find(module)->layers[standin::RunLayer].items.at(row);
 }
 
 TEST_F(RunControlTest, SetsAreCopiedForAllElementsAndOnlyAtAStart) {
@@ -192,9 +189,8 @@ int Steps() {
 
 /// Waits for the simulation's thread, a good while if need be.
 bool StepsReach(int count) {
-    for (int wait = 0; wait < 20'000 && Steps() < count; ++wait) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
+    const std::chrono::milliseconds pause(1);
+    for (int wait = 0; wait < 20'000 && Steps() < count; ++wait) std::this_thread::sleep_for(pause);
     return Steps() >= count;
 }
 

@@ -39,7 +39,6 @@ TEST_F(ValuesTest, ServesEachKindInItsWay) {
         {"TempGet", "MOD1", "", "0.000000", read + "TEMP\"); ModPortGet(0,1,0,1)"},
         {"FlowGet", "MOD1", "", "0.000000", read + "FLOW\"); ModPortGet(0,1,0,2)"},
         {"PreGet", "NOD0", "", "0.00", ""},
-        {"TempGet", "JMP3", "", "0.00", ""},
         {"FlowGet", "LNK0", "", "0.00", ""},
         {"PreGet", "MOD7", "", NoVariable, "ProjectNameGet(0); NameParsing(\"P_MOD7_IM0_PRE\")"},
         {"RoomGet", "NOD0", "", ZeroRoom, ""},
