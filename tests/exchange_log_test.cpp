@@ -51,11 +51,8 @@ TEST(ExchangeLogTest, KeepsTheLast2000BytesOfMoreThan20000) {
     } cases[] = {{6, 0, 19990}, {6, 0, 19991},    {6, 19991, 0},   {19994, 3, 0},
                  {6, 3, 50000}, {6, 50000, 1999}, {6, 1500, 18600}};
     for (const auto& each : cases) {
-        const string name(each.name, 'n');
-        const string messages(each.messages, 'm');
-        const string reply(each.reply, 'r');
-        string expected = " ";
-        expected.append(name).append(" ").append(messages).append(" ").append(reply).append("\n");
+        const string name(each.name, 'n'), messages(each.messages, 'm'), reply(each.reply, 'r');
+        string expected = ' ' + name + ' ' + messages + ' ' + reply + '\n';
         if (expected.size() > 20000) expected.erase(0, expected.size() - 2000);
         RtnGet_SxGet();
         Log("", name, messages, reply);
@@ -70,17 +67,12 @@ TEST(ExchangeLogTest, KeepsTheLast2000BytesOfMoreThan20000) {
 }
 
 TEST(ExchangePrintTest, ShowsWhatATerminalWouldActOn) {
-    const struct {
-        string text, visible;
-    } cases[] = {
-        {"Get 房间_X é😀", "Get 房间_X é😀"},
-        {"\x1B[2J\t\r\x7F", "\\x1B[2J\\x09\\x0D\\x7F"},
-        {"\xC2\x9B", "\\xC2\\x9B"},
-        {"\xE6\x88", "\\xE6\\x88"},
-        {"\x88房", "\\x88房"},
-        {"\xC0\x8A\xE0\x80\x8A\xFF", "\\xC0\\x8A\\xE0\\x80\\x8A\\xFF"},
-    };
-    for (const auto& each : cases) EXPECT_EQ(Visible(each.text), each.visible);
+    for (const string text : {"Get 房间_X é😀", ""}) EXPECT_EQ(Visible(text), text);
+    EXPECT_EQ(Visible("\x1B[2J\t\r\x7F"), "\\x1B[2J\\x09\\x0D\\x7F");
+    EXPECT_EQ(Visible("\xC2\x9B"), "\\xC2\\x9B");
+    EXPECT_EQ(Visible("\xE6\x88"), "\\xE6\\x88");
+    EXPECT_EQ(Visible("\x88房"), "\\x88房");
+    EXPECT_EQ(Visible("\xC0\x8A\xE0\x80\x8A\xFF"), "\\xC0\\x8A\\xE0\\x80\\x8A\\xFF");
 }
 
 TEST(ExchangePrintTest, JoinsAnExchangeThatWasFetchedInHalves) {

@@ -1,20 +1,16 @@
 // All ways into a real host at once, and the client program over both of its transports.
 
-#include <gtest/gtest.h>
 #include <sys/wait.h>
 
 #include <array>
-#include <cstdio>
 #include <fstream>
 #include <functional>
-#include <sstream>
-#include <string>
 #include <thread>
-#include <vector>
 
 #include "host/pipe_client.h"
 #include "tests/support/host_process.h"
 #include "tests/support/pseudo_terminal.h"
+#include "tests/support/service_test.h"
 
 namespace {
 
@@ -28,10 +24,9 @@ Asker OverHttp(const HostProcess& host) {
     client->set_keep_alive(true);
     client->set_tcp_nodelay(true);
     return [client](const string& command, const string& name, const string& messages) {
-        const auto reply = client->Post(
-            "/api",
-            R"({"command":")" + command + R"(","name":")" + name + R"(","messages":")" + messages + "\"}",
-            "application/json");
+        const string body =
+            R"({"command":")" + command + R"(","name":")" + name + R"(","messages":")" + messages;
+        const auto reply = client->Post("/api", body + "\"}", "application/json");
         return reply ? reply->body : "no reply";
     };
 }
@@ -55,30 +50,27 @@ Asker OverSerial(const PseudoTerminal& terminal) {
 /// the host's log is to hold. The pauses let the host fetch its log, which is bounded, in time.
 std::vector<string> Exercise(const Asker& ask, const string& project, const string& variable, bool serial) {
     std::vector<string> log;
-    const auto Expect = [&](const string& side, const string& command, const string& name,
-                            const string& messages, const string& reply) {
-        EXPECT_EQ(ask(command, name, messages), reply) << command << " " << name;
-        log.push_back(side + command + " " + name + " " + messages + " " + reply);
+    const auto Expect = [&](const string& side, const Exchange& row) {
+        EXPECT_EQ(ask(row.command, row.name, row.messages), row.reply) << row.command << " " << row.name;
+        log.push_back(side + row.command + " " + row.name + " " + row.messages + " " + row.reply);
     };
     for (int burst = 0; burst < 12; ++burst) {
         for (int round = 0; round < 6; ++round) {
             const string value = std::to_string(burst * 10 + round);
-            Expect("write  ", "Set", variable, value, "OK");
-            Expect("read   ", "Get", variable, "", value + ".000000");
-            if (!serial) Expect("read   ", "Fdp", project, variable, "1");
+            Expect("write  ", {"Set", variable, value, "OK"});
+            Expect("read   ", {"Get", variable, "", value + ".000000"});
+            if (!serial) Expect("read   ", {"Fdp", project, variable, "1"});
         }
         std::this_thread::sleep_for(std::chrono::milliseconds(200));
     }
     return log;
 }
 
-/// The lines of `output` of one side that name `variable`, in order.
-std::vector<string> LinesOf(const string& output, const string& side, const string& variable) {
-    std::vector<string> lines;
-    std::istringstream stream(output);
-    for (string line; std::getline(stream, line);) {
-        if (line.starts_with(side) && line.find(variable + " ") != string::npos) lines.push_back(line);
-    }
+/// The lines of `lines` of one side that name `variable`, in order.
+std::vector<string> LinesOf(std::vector<string> lines, const string& side, const string& variable) {
+    std::erase_if(lines, [&](const string& line) {
+        return !line.starts_with(side) || line.find(variable + " ") == string::npos;
+    });
     return lines;
 }
 
@@ -102,47 +94,39 @@ TEST(FrontEndsThreadsTest, AnswerAllWaysAtOnceAndLogEachExchangeWhole) {
     for (int client = 0; client < 11; ++client) {
         const string project = "P" + std::to_string(client % 8);
         const string variable = project + (client < 8 ? "_GTemp" : "_WAll");
-        if (client < 8) clients.push_back({OverHttp(host), project, variable});
-        if (client == 8 || client == 9) clients.push_back({OverPipe(std::stoi(pipe)), project, variable});
-        if (client == 10) clients.push_back({OverSerial(terminal), project, variable, true});
+        const bool serial = client == 10;
+        clients.push_back(
+            {client < 8 ? OverHttp(host) : OverPipe(std::stoi(pipe)), project, variable, serial});
+        if (serial) clients.back().ask = OverSerial(terminal);
     }
     std::thread reader([&host] { host.WaitFor("VornServer has ended"); });
     std::vector<std::thread> threads;
     threads.reserve(clients.size());
-    for (Client& client : clients) {
+    for (Client& each : clients) {
         threads.emplace_back(
-            [&client] { client.log = Exercise(client.ask, client.project, client.variable, client.serial); });
+            [&each] { each.log = Exercise(each.ask, each.project, each.variable, each.serial); });
     }
     for (std::thread& thread : threads) thread.join();
     EXPECT_EQ(host.End(), 0);
     reader.join();
     for (const Client& client : clients) {
         for (const char* side : {"read   ", "write  "}) {
-            std::vector<string> expected;
-            for (const string& line : client.log) {
-                if (line.starts_with(side)) expected.push_back(line);
-            }
-            EXPECT_EQ(LinesOf(host.Output(), side, client.variable), expected);
+            EXPECT_EQ(LinesOf(Split(host.Output(), '\n'), side, client.variable),
+                      LinesOf(client.log, side, client.variable));
         }
     }
 }
 
-struct Outcome {
-    string output;
-    int status;
-};
-
-/// Runs vorn-send with arguments as a shell takes them.
-Outcome RunSend(const string& arguments) {
+/// Runs vorn-send with arguments as a shell takes them; gives its output and its exit status.
+std::pair<string, int> RunSend(const string& arguments) {
     std::FILE* output = popen((string(VORN_SEND_PROGRAM) + " 2>&1 " + arguments).c_str(), "r");
-    Outcome outcome{};
+    string text;
     std::array<char, 4096> bytes{};
     for (size_t count = 0; (count = std::fread(bytes.data(), 1, bytes.size(), output)) > 0;) {
-        outcome.output.append(bytes.data(), count);
+        text.append(bytes.data(), count);
     }
     const int status = pclose(output);
-    outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    return outcome;
+    return {text, WIFEXITED(status) ? WEXITSTATUS(status) : -1};
 }
 
 TEST(SendThreadsTest, SendsOneCommandOverEitherTransport) {
@@ -172,9 +156,9 @@ TEST(SendThreadsTest, SendsOneCommandOverEitherTransport) {
         {port + "Fdp P >/dev/full", "vorn-send: the reply cannot be written\n", 1},
     };
     for (const auto& each : cases) {
-        const Outcome outcome = RunSend(each.arguments);
-        EXPECT_TRUE(outcome.output.starts_with(each.output)) << each.arguments << ": " << outcome.output;
-        EXPECT_EQ(outcome.status, each.status) << each.arguments;
+        const auto [output, status] = RunSend(each.arguments);
+        EXPECT_TRUE(output.starts_with(each.output)) << each.arguments << ": " << output;
+        EXPECT_EQ(status, each.status) << each.arguments;
     }
 }
 

@@ -1,18 +1,14 @@
 // The HTTP service for real: the port walk, the routes, and what anybody on the network may send.
 
-#include <gtest/gtest.h>
-#include <httplib.h>
-#include <unistd.h>
-
 #include <atomic>
 #include <chrono>
 #include <memory>
-#include <string>
 #include <thread>
-#include <vector>
 
 #include "platform/listen_socket.h"
 #include "tests/support/host_process.h"
+#include "tests/support/raw_client.h"
+#include "tests/support/service_test.h"
 
 namespace {
 
@@ -54,10 +50,8 @@ TEST(HttpThreadsTest, ServesItsTwoRoutes) {
     ASSERT_TRUE(hi);
     EXPECT_EQ(hi->body, "Hello Quelmo!\n");
     EXPECT_EQ(hi->get_header_value("Content-Type"), "text/plain");
-    EXPECT_EQ(client.Get("/api")->status, 404);
+    for (const char* path : {"/api", "/hi/more", "/"}) EXPECT_EQ(client.Get(path)->status, 404) << path;
     EXPECT_EQ(client.Post("/hi", "", "text/plain")->status, 404);
-    EXPECT_EQ(client.Get("/hi/more")->status, 404);
-    EXPECT_EQ(client.Get("/")->status, 404);
     // Ranges do not cut a reply.
     EXPECT_EQ(client.Get("/hi", {{"Range", "bytes=0-3,5-6"}})->status, 200);
     EXPECT_EQ(Post(client, R"({"command":"Create","name":"p1"})"), "OK");
@@ -68,11 +62,10 @@ TEST(HttpThreadsTest, AnswersWhateverIsSent) {
     HostProcess host;
     httplib::Client client = host.Client();
     client.set_read_timeout(60);
-    EXPECT_EQ(Post(client, ""), BadEnvelope);
-    EXPECT_EQ(Post(client, string(1000000, '[')), BadEnvelope);
-    EXPECT_EQ(Post(client, R"({"command":)" + string(1000000, '[')), BadEnvelope);
-    EXPECT_EQ(Post(client, string(1000, '\0')), BadEnvelope);
-    EXPECT_EQ(Post(client, "\xff\xfe\xc0\x80"), BadEnvelope);
+    for (const string& body : {string(), string(1000000, '['), R"({"command":)" + string(1000000, '['),
+                               string(1000, '\0'), string("\xff\xfe\xc0\x80")}) {
+        EXPECT_EQ(Post(client, body), BadEnvelope);
+    }
     EXPECT_EQ(Post(client, "{\"command\":\"Fdp\",\"name\":\"\xff\xfe\"}"), "0");
     EXPECT_EQ(Post(client, R"({"command":"Fdp","name":")" + string(50000000, 'x') + "\"}"), "0");
     // What a plain `curl -d` sends is marked as a form.
@@ -87,10 +80,15 @@ TEST(HttpThreadsTest, CarriesOutNoHalfRequestAndWaitsForNoBodyThatIsNotTold) {
     HostProcess host;
     const string whole = R"({"command":"Create","name":"HALF"})";
     const string head = "POST /api HTTP/1.1\r\nHost: x\r\n";
-    host.SendRaw(head + "Content-Length: 100\r\n\r\n" + whole, true);
+    const RawClient half(host.Port());
+    half.Send(head + "Content-Length: 100\r\n\r\n" + whole);
+    half.EndSending();
+    half.Receive();
     httplib::Client client = host.Client();
     EXPECT_EQ(Post(client, R"({"command":"Fdp","name":"HALF"})"), "0");
-    EXPECT_NE(host.SendRaw(head + "\r\n", false).find(BadEnvelope), string::npos);
+    const RawClient bodiless(host.Port());
+    bodiless.Send(head + "\r\n");
+    EXPECT_NE(bodiless.Receive().find(BadEnvelope), string::npos);
 }
 
 TEST(HttpThreadsTest, AnswersHiWhileACommandRuns) {
@@ -100,10 +98,7 @@ TEST(HttpThreadsTest, AnswersHiWhileACommandRuns) {
     std::atomic<bool> placed{false};
     std::thread command([&] {
         httplib::Client other = host.Client();
-        EXPECT_EQ(
-            Post(other,
-                 R"({"command":"AddNode","name":"P","messages":{"VornModuleID":3000,"NodeName":"FLUID"}})"),
-            "NOD0");
+        EXPECT_EQ(Post(other, R"({"command":"AddNode","name":"P","messages":)" + Fluid() + "}"), "NOD0");
         placed = true;
     });
     std::this_thread::sleep_for(std::chrono::milliseconds(100));

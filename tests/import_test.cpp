@@ -1,11 +1,9 @@
 #include <algorithm>
-#include <fstream>
-#include <iterator>
 #include <random>
-#include <sstream>
 
 #include "engine/vorn_core.h"
 #include "import/import_lists.h"
+#include "platform/file_text.h"
 #include "standin/project.h"
 #include "tests/support/service_test.h"
 #include "tests/support/working_folder.h"
@@ -40,22 +38,15 @@ std::string OneDevice(const std::string& fields) {
 }
 
 std::string Example(const std::string& name) {
-    std::ifstream file(VORN_SOURCE_DIR "/examples/" + name + ".json");
-    return {std::istreambuf_iterator<char>(file), {}};
+    std::string text;
+    EXPECT_TRUE(vorn::FileRead(VORN_SOURCE_DIR "/examples/" + name + ".json", 1 << 20, text));
+    return text;
 }
 
 /// Some line begins with `start`.
 bool Holds(const Lines& lines, const std::string& start) {
     return std::any_of(lines.begin(), lines.end(),
                        [&](const std::string& line) { return line.starts_with(start); });
-}
-
-/// The calls of a text, each with `;` behind it.
-Lines Split(const std::string& text) {
-    Lines lines;
-    std::istringstream stream(text);
-    for (std::string line; std::getline(stream >> std::ws, line, ';');) lines.push_back(line);
-    return lines;
 }
 
 /// Each case is a text that stands for `@` in the fields, `->`, and what then stands for `@` in the call;
@@ -252,9 +243,9 @@ TEST_F(ImportTest, TiesPipesToTheirEnds) {
         ASSERT_TRUE(ProjectAddModule("P", ++pipe, 0, 0, 0, 0));
         const auto before = static_cast<std::size_t>(ProjectLinkNbCheck(0));
         std::istringstream given(line);
-        std::array<int, 7> n{};
-        for (int& number : n) given >> number;
-        Pipe_PipeLinkAnalysis(0, pipe, n[0], n[1], n[2], n[3], n[4], n[5], n[6]);
+        int type = 0, kind = 0, number = 0, port = 0, endKind = 0, endNumber = 0, endPort = 0;
+        given >> type >> kind >> number >> port >> endKind >> endNumber >> endPort;
+        Pipe_PipeLinkAnalysis(0, pipe, type, kind, number, port, endKind, endNumber, endPort);
         std::ostringstream made;
         for (auto row = before; row < static_cast<std::size_t>(ProjectLinkNbCheck(0)); ++row) {
             const LinkSxCache& link = Project().links.rows[row];
@@ -269,11 +260,9 @@ TEST_F(ImportTest, TiesPipesToTheirEnds) {
 }
 
 TEST_F(ImportTest, TakesInTheExamplesWhole) {
-    const std::pair<const char*, const char*> plants[] = {{"chilled_water_plant", "OK"},
-                                                          {"cold_store", "OK"},
-                                                          {"air_handling_system", "OK"},
-                                                          {"cold_store_faulty", "出错啦,此支路号:2不完整"}};
-    for (const auto& [name, verdict] : plants) {
+    for (const std::string name :
+         {"chilled_water_plant", "cold_store", "air_handling_system", "cold_store_faulty"}) {
+        const char* verdict = name == "cold_store_faulty" ? "出错啦,此支路号:2不完整" : "OK";
         const std::string document = Example(name);
         EXPECT_EQ(Send("PjtSent", "P", document), "OK") << name;
         EXPECT_TRUE(Send("NetAccess", "P").starts_with(verdict)) << name;
@@ -292,25 +281,21 @@ TEST_F(ImportTest, AnswersEachOfTenThousandDamagedDocuments) {
     // A project that the store refuses for its name: the disk has no part in this.
     ASSERT_TRUE(ProjectJsonAdd("P-1"));
     testing::internal::CaptureStderr();
-    const char* const values[] = {"null", "true", "-1",   "1e300",      "9999999999",
-                                  "[]",   "{}",   "\"\"", "\"\\u0000\""};
+    const auto values = Split(R"(null;true;-1;1e300;9999999999;[];{};"";"\u0000")");
     std::mt19937 random(5);
     const auto upTo = [&](std::size_t count) { return random() % count; };
     int taken = 0;
     for (int round = 0; round < 10000; ++round) {
         std::string document = whole;
-        switch (upTo(3)) {
-            case 0:
-                document[upTo(document.size())] = static_cast<char>(upTo(256));
-                break;
-            case 1:
-                document.resize(upTo(document.size()));
-                break;
-            default: {
-                const std::size_t colon = document.find(": ", upTo(document.size() - 100));
-                const std::size_t end = document.find_first_of(",}", colon);
-                document.replace(colon + 2, end - colon - 2, values[upTo(std::size(values))]);
-            }
+        const std::size_t kind = upTo(3);
+        if (kind == 0) {
+            document[upTo(document.size())] = static_cast<char>(upTo(256));
+        } else if (kind == 1) {
+            document.resize(upTo(document.size()));
+        } else {
+            const std::size_t colon = document.find(": ", upTo(document.size() - 100));
+            const std::size_t end = document.find_first_of(",}", colon);
+            document.replace(colon + 2, end - colon - 2, values[upTo(values.size())]);
         }
         const std::string reply = Send("PjtSent", "P-1", document);
         ASSERT_TRUE(reply == "OK" || reply == "Shibai") << reply << "\n" << document;

@@ -1,8 +1,6 @@
 // The commands NetAccess and PjtInfoChk on plants that stand in the engine: snapshot, page links and report.
 
 #include <algorithm>
-#include <array>
-#include <initializer_list>
 
 #include "engine/vorn_core.h"
 #include "include/vorn_server.h"
@@ -12,10 +10,12 @@
 namespace {
 
 /// Adds links: type, then kind, number, port and flag of the upstream and of the downstream end.
-void Link(const char* project, std::initializer_list<std::array<int, 9>> links) {
-    for (const auto& [type, fKind, fNumber, fPort, fFlag, sKind, sNumber, sPort, sFlag] : links) {
-        ProjectAddLink(project, ProjectLinkNbCheck(ProjectNameToID(project)),
-                       {true, type, 0, fKind, fNumber, fPort, fFlag == 1, sKind, sNumber, sPort, sFlag == 1});
+void Link(const char* project, const std::string& links) {
+    for (const std::string& text : Split(links)) {
+        LinkSxCache link{.InUse = true};
+        std::istringstream(text) >> link.Type >> link.F_Sx >> link.F_Nb >> link.F_PortNb >> link.F_Type2 >>
+            link.S_Sx >> link.S_Nb >> link.S_PortNb >> link.S_Type2;
+        ProjectAddLink(project, ProjectLinkNbCheck(ProjectNameToID(project)), link);
     }
 }
 
@@ -23,19 +23,14 @@ void Link(const char* project, std::initializer_list<std::array<int, 9>> links) 
 /// leads nowhere. Module 1 is vacant.
 void PlantMake() {
     ProjectJsonAdd("PLANT");
-    int number = 0;
-    for (int type : {14, 0, 0, 13}) {
-        ProjectAddModule("PLANT", number, type, 0, number * 25, -100);
-        ++number;
-    }
+    const int types[] = {14, 0, 0, 13};
+    for (int number = 0; number < 4; ++number)
+        ProjectAddModule("PLANT", number, types[number], 0, number * 25, -100);
     ProjectAddNode("PLANT", 0, 0, 0, 125, 0);
     ModuleInstanceIDSet(0, 2, "管-\"A\"");
     Pipe_DeleteModule(0, 1);
-    Link("PLANT", {{0, 1, 0, 1, 0, 1, 2, 0, 1},
-                   {0, 1, 2, 1, 1, 2, 0, 0, 0},
-                   {1, 2, 0, 9, 0, 2, 0, 1, 0},
-                   {0, 2, 0, 8, 0, 3, 2, 0, 0},
-                   {0, 3, 2, 1, 0, 1, 3, 2, 1}});
+    Link("PLANT",
+         "0 1 0 1 0 1 2 0 1; 0 1 2 1 1 2 0 0 0; 1 2 0 9 0 2 0 1 0; 0 2 0 8 0 3 2 0 0; 0 3 2 1 0 1 3 2 1");
 }
 
 /// The text without its line breaks and indents.
@@ -68,9 +63,9 @@ constexpr const char* PlantReport =
 
 TEST_F(NetworkReportTest, TellsThePlantAndUsesTheAnalysisUp) {
     PlantMake();
-    const std::vector<std::string> calls = CallsOf("NetAccess", "PLANT");
-    const std::vector<std::string> loading{"ProjectNameGet(0)", R"(ProjectInfoGet("PLANT"))",
-                                           "ProjectInfoJumpLinkPressing(0)", "ModulePortInfo(0,2,0,5)"};
+    const auto calls = CallsOf("NetAccess", "PLANT");
+    const auto loading = Split(
+        R"(ProjectNameGet(0); ProjectInfoGet("PLANT"); ProjectInfoJumpLinkPressing(0); ModulePortInfo(0,2,0,5))");
     const auto first = std::find(calls.begin(), calls.end(), loading[0]);
     ASSERT_GE(calls.end() - first, 4);
     EXPECT_EQ(std::vector(first, first + 4), loading);
@@ -93,7 +88,7 @@ TEST_F(NetworkReportTest, TellsThePlantAndUsesTheAnalysisUp) {
               "\"BranchInfo\": []\n}");
     EXPECT_EQ(Send("NetAccess", "OTHER"), "OK");
 
-    Link("PLANT", {{0, 1, 3, 3, 1, 2, 0, 1, 0}});
+    Link("PLANT", "0 1 3 3 1 2 0 1 0");
     EXPECT_EQ(Send("NetAccess", "PLANT"), "OK");
     EXPECT_EQ(Net_InfoToAI(-1), nullptr);
     EXPECT_EQ(Net_InfoToAI(8), nullptr);
@@ -114,13 +109,10 @@ TEST_F(NetworkReportTest, NamesOutsideTheTablesAreEmpty) {
 
 TEST_F(NetworkReportTest, PageLinksJoinAllThatMeetsAtAJump) {
     ProjectJsonAdd("JUMPS");
-    Link("JUMPS", {{2, 1, 1, 1, 1, 3, 5, 0, 0},
-                   {0, 3, 5, 1, 0, 1, 2, 0, 1},
-                   {0, 2, 3, 8, 0, 3, 5, 1, 0},
-                   {0, 3, 5, 2, 0, 3, 6, 0, 0},  // one jump leads to the next, and back
-                   {0, 3, 6, 1, 0, 2, 4, 0, 0},
-                   {0, 3, 6, 2, 0, 3, 5, 0, 0},
-                   {0, 1, 7, 1, 1, 3, 8, 0, 0}});  // leads nowhere
+    // Jump 5 leads to jump 6, and back; jump 8 leads nowhere.
+    Link("JUMPS",
+         "2 1 1 1 1 3 5 0 0; 0 3 5 1 0 1 2 0 1; 0 2 3 8 0 3 5 1 0; 0 3 5 2 0 3 6 0 0;"
+         "0 3 6 1 0 2 4 0 0; 0 3 6 2 0 3 5 0 0; 0 1 7 1 1 3 8 0 0");
     Send("NetAccess", "JUMPS");
     std::string links;
     for (int row = 0; row < vorn::ProjectCheck.PageLinkNb; ++row) {
@@ -135,8 +127,10 @@ TEST_F(NetworkReportTest, PageLinksJoinAllThatMeetsAtAJump) {
 
     // 200 rows into a jump and 200 out of it are more connections than there is room for.
     ProjectJsonAdd("FULL");
-    for (int row = 0; row < 200; ++row)
-        Link("FULL", {{1, 1, row, 1, 1, 3, 1, 0, 0}, {1, 3, 1, 0, 0, 1, row, 0, 1}});
+    for (int row = 0; row < 200; ++row) {
+        const std::string number = std::to_string(row);
+        Link("FULL", "1 1 " + number + " 1 1 3 1 0 0; 1 3 1 0 0 1 " + number + " 0 1");
+    }
     EXPECT_EQ(Send("NetAccess", "FULL"), "OK");
     EXPECT_EQ(vorn::ProjectCheck.PageLinkNb, PageLinkCapacity);
 }

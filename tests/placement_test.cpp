@@ -2,9 +2,6 @@
 // order.
 
 #include <algorithm>
-#include <sstream>
-#include <string>
-#include <vector>
 
 #include "engine/vorn_core.h"
 #include "standin/project.h"
@@ -13,7 +10,6 @@
 namespace {
 
 using std::string;
-using Calls = std::vector<string>;
 
 constexpr const char* ModuleNotFound = "找不到VornModuleID对应的模块,请核查VornModuleID";
 constexpr const char* NodeNotFound = "找不到VornModuleID对应的节点,请核查VornModuleID";
@@ -27,83 +23,75 @@ class PlacementTest : public ServiceTest {
     PlacementTest() { Send("Create", "P"); }
 };
 
-/// A request for a valve (type 12), for a node of kind FLUID, with further members.
-string Valve(const string& more = "") {
-    return R"({"VornModuleID":26010100000000012,"DeviceName":"阀门")" + more + "}";
-}
-string Fluid(const string& more = "") {
-    return R"({"VornModuleID":3000,"NodeName":"FLUID")" + more + "}";
-}
+constexpr const char* NotInt = "PageNb的格式错误,应该是int的整数";
+
+const string NotDouble = "的格式错误,应该是double";
+const string NotText = "的格式错误,应该是string";
 
 TEST_F(PlacementTest, TellsTheFailureThatCounts) {
-    const struct {
-        string command, messages, reply;
-    } rows[] = {
-        {"AddModule", "", ModuleNotFound},
-        {"AddModule", "no json", ModuleNotFound},
-        {"AddModule", "[]", ModuleNotFound},
-        {"AddModule", "{}", ModuleNotFound},
-        {"AddModule", R"({"VornModuleID":1})", ModuleNotFound},
-        {"AddModule", R"({"VornModuleID":"26010100000000012","DeviceName":"阀门"})", ModuleNotFound},
-        {"AddModule", R"({"VornModuleID":26010100000000012.0,"DeviceName":"阀门"})", ModuleNotFound},
-        {"AddModule", R"({"VornModuleID":1,"PageNb":"x"})", ModuleNotFound},
-        {"AddModule", Valve(R"(,"PageNb":1.0)"), "PageNb的格式错误,应该是int的整数"},
-        {"AddModule", Valve(R"(,"PositionX":"1")"), "PositionX的格式错误,应该是double"},
-        {"AddModule", Valve(R"(,"PositionX":3000000000)"), "PositionX的格式错误,应该是double"},
-        {"AddModule", Valve(R"(,"PositionZ":43000000.0)"), "PositionZ的格式错误,应该是double"},
-        {"AddModule", Valve(R"(,"PositionZ":true)"), "PositionZ的格式错误,应该是double"},
-        {"AddModule", Valve(R"(,"ModelID":1)"), "ModelID的格式错误,应该是string"},
-        {"AddModule", Valve(R"(,"RoomID":1,"PageNb":"x")"), "RoomID的格式错误,应该是string"},
-        {"AddModule", R"({"VornModuleID":26010100000000012,"DeviceName":5,"RoomID":5})",
-         "DeviceName的格式错误,应该是string"},
-        {"AddModule", R"({"VornModuleID":26010100000000012})", ModuleName},
-        {"AddModule", R"({"VornModuleID":26010100000000012,"DeviceName":"水泵"})", ModuleName},
-        {"AddNode", "no json", NodeNotFound},
-        {"AddNode", R"({"VornModuleID":2999,"NodeName":"FLUID"})", NodeNotFound},
-        {"AddNode", R"({"VornModuleID":3004,"NodeName":"FLUID"})", NodeNotFound},
-        {"AddNode", R"({"VornModuleID":-2147483648,"NodeName":"FLUID"})", NodeNotFound},
-        {"AddNode", R"({"VornModuleID":3000.0,"NodeName":"FLUID"})", NodeNotFound},
-        {"AddNode", R"({"VornModuleID":3001,"NodeName":"info"})", NodeName},
-        {"AddNode", R"({"VornModuleID":3001})", NodeName},
-        {"AddNode", Fluid(R"(,"PageNb":null)"), "PageNb的格式错误,应该是int的整数"},
-        {"AddNode", Fluid(R"(,"PositionX":"1","PositionZ":"1")"), "PositionZ的格式错误,应该是double"},
-        {"AddNode", R"({"VornModuleID":3000,"NodeName":7})", "NodeName的格式错误,应该是string"},
-        {"AddModule", Valve(), "MOD0"},
-        {"AddNode", R"({"VornModuleID":3003,"NodeName":"MECH"})", "NOD0"},
-    };
-    for (const auto& row : rows) EXPECT_EQ(Send(row.command, "P", row.messages), row.reply) << row.messages;
+    for (const char* messages :
+         {"", "no json", "[]", R"({"VornModuleID":1})", R"({"VornModuleID":1,"PageNb":"x"})",
+          R"({"VornModuleID":"26010100000000012","DeviceName":"阀门"})",
+          R"({"VornModuleID":26010100000000012.0,"DeviceName":"阀门"})"}) {
+        EXPECT_EQ(Send("AddModule", "P", messages), ModuleNotFound) << messages;
+    }
+    EXPECT_EQ(Send("AddNode", "P", "no json"), NodeNotFound);
+    for (const string number : {"2999", "3004", "-2147483648", "3000.0"}) {
+        EXPECT_EQ(Send("AddNode", "P", R"({"VornModuleID":)" + number + R"(,"NodeName":"FLUID"})"),
+                  NodeNotFound);
+    }
+    ExpectReplies({
+        {"AddModule", "P", Valve(R"(,"PageNb":1.0)"), NotInt},
+        {"AddModule", "P", Valve(R"(,"PositionX":"1")"), "PositionX" + NotDouble},
+        {"AddModule", "P", Valve(R"(,"PositionX":3000000000)"), "PositionX" + NotDouble},
+        {"AddModule", "P", Valve(R"(,"PositionZ":43000000.0)"), "PositionZ" + NotDouble},
+        {"AddModule", "P", Valve(R"(,"PositionZ":true)"), "PositionZ" + NotDouble},
+        {"AddModule", "P", Valve(R"(,"ModelID":1)"), "ModelID" + NotText},
+        {"AddModule", "P", Valve(R"(,"RoomID":1,"PageNb":"x")"), "RoomID" + NotText},
+        {"AddModule", "P", R"({"VornModuleID":26010100000000012,"DeviceName":5,"RoomID":5})",
+         "DeviceName" + NotText},
+        {"AddModule", "P", R"({"VornModuleID":26010100000000012})", ModuleName},
+        {"AddModule", "P", R"({"VornModuleID":26010100000000012,"DeviceName":"水泵"})", ModuleName},
+        {"AddNode", "P", R"({"VornModuleID":3001,"NodeName":"info"})", NodeName},
+        {"AddNode", "P", R"({"VornModuleID":3001})", NodeName},
+        {"AddNode", "P", Fluid(R"(,"PageNb":null)"), NotInt},
+        {"AddNode", "P", Fluid(R"(,"PositionX":"1","PositionZ":"1")"), "PositionZ" + NotDouble},
+        {"AddNode", "P", R"({"VornModuleID":3000,"NodeName":7})", "NodeName" + NotText},
+        {"AddModule", "P", Valve(), "MOD0"},
+        {"AddNode", "P", R"({"VornModuleID":3003,"NodeName":"MECH"})", "NOD0"},
+    });
 }
 
 TEST_F(PlacementTest, TellsOfAFullTableAndOfARefusal) {
     standin::CapacitySet(standin::ModuleTable, 1);
     standin::CapacitySet(standin::NodeTable, 0);
     standin::RefuseNextAddition();
-    EXPECT_EQ(Send("AddModule", "P", Valve()), Refused);
-    EXPECT_EQ(Send("AddModule", "P", Valve()), "MOD0");
-    EXPECT_EQ(Send("AddModule", "P", Valve(R"(,"PageNb":"x")")), "模块数量已达到上限");
-    EXPECT_EQ(Send("AddModule", "P", R"({"VornModuleID":1})"), ModuleNotFound);
-    EXPECT_EQ(Send("AddNode", "P", Fluid()), "节点数量已达到上限");
-    EXPECT_EQ(Send("AddNode", "P", "{}"), NodeNotFound);
+    ExpectReplies({
+        {"AddModule", "P", Valve(), Refused},
+        {"AddModule", "P", Valve(), "MOD0"},
+        {"AddModule", "P", Valve(R"(,"PageNb":"x")"), "模块数量已达到上限"},
+        {"AddModule", "P", R"({"VornModuleID":1})", ModuleNotFound},
+        {"AddNode", "P", Fluid(), "节点数量已达到上限"},
+        {"AddNode", "P", "{}", NodeNotFound},
+    });
 }
 
 TEST_F(PlacementTest, PlacesOnTheGridInTheGivenOrder) {
-    EXPECT_EQ(CallsOf("AddModule", "P_x", Valve(R"(,"PageNb":2,"PositionX":1.99,"PositionZ":-3)")),
-              (Calls{"NameParsing_ModNod(\"P_x\")", "ProjectModuleNbCheck(0)",
-                     "ModuleOneID_ToID(26010100000000012)", "ModuleNameGet(12)", "GuiRef_Get(0)",
-                     "ProjectNameGet(0)", "ProjectAddModule(\"P\",0,12,2,99,-150)", "Pipe_PjtRef(0)",
-                     "sleep 300", "ModuleInstanceIDSet(0,0,\"MOD0\")"}));
-    EXPECT_EQ(CallsOf("AddNode", "P", Fluid(R"(,"PositionX":3.0,"PositionZ":-0.01)")),
-              (Calls{"NameParsing_ModNod(\"P\")", "ProjectNodeNbCheck(0)", "GuiRef_Get(0)",
-                     "ProjectNameGet(0)", "ProjectAddNode(\"P\",0,0,0,150,0)", "Pipe_PjtRef(0)", "sleep 300",
-                     "NodeInstanceIDSet(0,0,\"NOD0\")"}));
+    ExpectExchange("AddModule", "P_x", Valve(R"(,"PageNb":2,"PositionX":1.99,"PositionZ":-3)"), "MOD0",
+                   R"(NameParsing_ModNod("P_x"); ProjectModuleNbCheck(0); ModuleOneID_ToID(26010100000000012);
+        ModuleNameGet(12); GuiRef_Get(0); ProjectNameGet(0); ProjectAddModule("P",0,12,2,99,-150);
+        Pipe_PjtRef(0); sleep 300; ModuleInstanceIDSet(0,0,"MOD0");)");
+    ExpectExchange("AddNode", "P", Fluid(R"(,"PositionX":3.0,"PositionZ":-0.01)"), "NOD0",
+                   R"(NameParsing_ModNod("P"); ProjectNodeNbCheck(0); GuiRef_Get(0); ProjectNameGet(0);
+        ProjectAddNode("P",0,0,0,150,0); Pipe_PjtRef(0); sleep 300; NodeInstanceIDSet(0,0,"NOD0");)");
 }
 
 TEST_F(PlacementTest, WaitsForABusyViewAndThenGoesAhead) {
-    const auto waits = [](const Calls& calls) { return std::count(calls.begin(), calls.end(), "sleep 1"); };
-    standin::ViewBusySet(3);
-    EXPECT_EQ(waits(CallsOf("AddNode", "P", Fluid())), 2);
-    standin::ViewBusySet(-1);
-    EXPECT_EQ(waits(CallsOf("AddNode", "P", Fluid())), 300);
+    for (const auto& [busy, waits] : {std::pair{3, 2}, {-1, 300}}) {
+        standin::ViewBusySet(busy);
+        const auto calls = CallsOf("AddNode", "P", Fluid());
+        EXPECT_EQ(std::count(calls.begin(), calls.end(), "sleep 1"), waits);
+    }
     EXPECT_NE(standin::ProjectFind(0)->nodes.Find(1), nullptr);
 }
 
@@ -119,15 +107,15 @@ class LinkTest : public PlacementTest {
 
     /// A request such as `"MOD2 1 > NOD0 0"`, with further members.
     static string Ends(const string& text, const string& more = "") {
-        std::istringstream words(text);
-        string upstream, upstreamPort, arrow, downstream, downstreamPort;
-        words >> upstream >> upstreamPort >> arrow >> downstream >> downstreamPort;
-        return R"({"F_InstanceID":")" + upstream + R"(","F_PortNb":)" + upstreamPort +
-               R"(,"S_InstanceID":")" + downstream + R"(","S_PortNb":)" + downstreamPort + more + "}";
+        const auto words = Split(text, ' ');
+        return R"({"F_InstanceID":")" + words[0] + R"(","F_PortNb":)" + words[1] + R"(,"S_InstanceID":")" +
+               words[3] + R"(","S_PortNb":)" + words[4] + more + "}";
     }
     static string Link(const string& text, const string& more = "") {
         return Send("AddLink", "P", Ends(text, more));
     }
+
+    const string Between = "OK,但是新增了一个模块、链接了两条线:";
 
     static LinkSxCache Row(int number) { return *standin::ProjectFind(0)->links.Find(number); }
 };
@@ -142,22 +130,15 @@ TEST_F(LinkTest, TellsTheLastFailureOfTheFirstFailedStage) {
     } rows[] = {
         {"", "API调用json格式错误,无法解析"},
         {"[]", "API调用json格式错误,无法解析"},
-        {R"({"Type":"0","PageNb":1.5})", "PageNb的格式错误,应该是int的整数"},
+        {R"({"Type":"0","PageNb":1.5})", NotInt},
         {R"({"Type":1.0})", "Type的格式错误,应该是int的整数"},
-        {R"({"F_InstanceID":1,"PageNb":"x"})", "F_InstanceID的格式错误,应该是string"},
+        {R"({"F_InstanceID":1,"PageNb":"x"})", "F_InstanceID" + NotText},
         {R"({"F_PortNb":"1"})", "F_PortNb的格式错误,应该是int的整数"},
-        {R"({"S_InstanceID":null})", "S_InstanceID的格式错误,应该是string"},
+        {R"({"S_InstanceID":null})", "S_InstanceID" + NotText},
         {R"({"S_PortNb":1.0})", "S_PortNb的格式错误,应该是int的整数"},
         {R"({"F_PortNb":16,"S_InstanceID":1})", upstreamRange},
         {R"({"F_PortNb":-1,"S_PortNb":16})", downstreamRange},
         {Ends("NOD0 16 > MOD1 0"), upstreamRange},
-        {"{}", unknown},
-        {Ends("MOD 1 > NOD0 0"), unknown},
-        {Ends("mod1 1 > NOD0 0"), unknown},
-        {Ends("XYZ1 1 > NOD0 0"), unknown},
-        {Ends("MOD1a 1 > NOD0 0"), unknown},
-        {Ends("MOD4294967296 1 > NOD0 0"), unknown},
-        {Ends("NOD0 0 > MOD1b 0"), unknown},
         {Ends("MOD2 0 > NOD0 0"), "连线错误,上游端口只能是出口性质"},
         {Ends("NOD0 0 > MOD2 1"), "连线错误,下游端口只能是入口性质"},
         {Ends("MOD0 1 > NOD0 0"), "连线错误,上游端口已连接:1"},
@@ -169,17 +150,21 @@ TEST_F(LinkTest, TellsTheLastFailureOfTheFirstFailedStage) {
         {Ends("MOD9 1 > NOD0 0"), "连线错误,上游端口只能是出口性质"},
     };
     for (const auto& row : rows) EXPECT_EQ(Send("AddLink", "P", row.messages), row.reply) << row.messages;
+    EXPECT_EQ(Send("AddLink", "P", "{}"), unknown);
+    for (const string& ends : Split("MOD 1 > NOD0 0; mod1 1 > NOD0 0; XYZ1 1 > NOD0 0; MOD1a 1 > NOD0 0;"
+                                    "MOD4294967296 1 > NOD0 0; NOD0 0 > MOD1b 0")) {
+        EXPECT_EQ(Link(ends), unknown) << ends;
+    }
     EXPECT_EQ(standin::ProjectFind(0)->links.NextNumber(), 1);
 }
 
 TEST_F(LinkTest, LinksDirectlyWhereAPortIsFlaggedOrTheTypeHasNoModule) {
-    EXPECT_EQ(CallsOf("AddLink", "P", Ends("MOD0 1 > MOD1 0", R"(,"Type":0,"PageNb":3)")),
-              (Calls{"NameParsing_ModNod(\"P\")", "ProjectModulePortInOutGet(0,0,1)",
-                     "ProjectModulePortCanBeLink(0,0,1)", "ProjectModulePortType_2_Get(0,0,1)",
-                     "ProjectModulePortInOutGet(0,1,0)", "ProjectModulePortCanBeLink(0,1,0)",
-                     "ProjectModulePortType_2_Get(0,1,0)", "GuiRef_Get(0)", "ProjectLinkNbCheck(0)",
-                     "ProjectNameGet(0)", "ProjectAddLink(\"P\",0,{0 3 1 0 1 1 1 1 0 1})", "Pipe_PjtRef(0)",
-                     "sleep 300"}));
+    ExpectExchange("AddLink", "P", Ends("MOD0 1 > MOD1 0", R"(,"Type":0,"PageNb":3)"), "LNK0",
+                   R"(NameParsing_ModNod("P");
+        ProjectModulePortInOutGet(0,0,1); ProjectModulePortCanBeLink(0,0,1); ProjectModulePortType_2_Get(0,0,1);
+        ProjectModulePortInOutGet(0,1,0); ProjectModulePortCanBeLink(0,1,0); ProjectModulePortType_2_Get(0,1,0);
+        GuiRef_Get(0); ProjectLinkNbCheck(0); ProjectNameGet(0);
+        ProjectAddLink("P",0,{0 3 1 0 1 1 1 1 0 1}); Pipe_PjtRef(0); sleep 300;)");
     EXPECT_EQ(Link("MOD2 1 > MOD3 0", R"(,"Type":1)"), "LNK1");
     EXPECT_EQ(Link("NOD0 0 > NOD1 0", R"(,"Type":3)"), "LNK2");
     EXPECT_EQ(Link("JMP4 5 > LNK2 6", R"(,"Type":7)"), "LNK3");
@@ -190,30 +175,16 @@ TEST_F(LinkTest, LinksDirectlyWhereAPortIsFlaggedOrTheTypeHasNoModule) {
 
 TEST_F(LinkTest, PutsAPipeOrAWireBetweenUnflaggedEnds) {
     standin::ViewBusySet(2);
-    EXPECT_EQ(CallsOf("AddLink", "P", Ends("MOD2 1 > NOD0 9", R"(,"PageNb":2)")),
-              (Calls{"NameParsing_ModNod(\"P\")",
-                     "ProjectModulePortInOutGet(0,2,1)",
-                     "ProjectModulePortCanBeLink(0,2,1)",
-                     "ProjectModulePortType_2_Get(0,2,1)",
-                     "ProjectNodePortCanBeLink(0,0,0)",
-                     "GuiRef_Get(0)",
-                     "sleep 1",
-                     "GuiRef_Get(0)",
-                     "ModuleOneID_ToID(24032022192805856)",
-                     "ProjectModuleNbCheck(0)",
-                     "ProjectNameGet(0)",
-                     "ProjectAddModule(\"P\",4,0,2,50,50)",
-                     "ModuleInstanceIDSet(0,4,\"MOD4\")",
-                     "ProjectLinkNbCheck(0)",
-                     "ProjectNameGet(0)",
-                     "ProjectAddLink(\"P\",0,{0 2 1 2 1 0 1 4 0 1})",
-                     "ProjectLinkNbCheck(0)",
-                     "ProjectNameGet(0)",
-                     "ProjectAddLink(\"P\",1,{0 2 1 4 1 1 2 0 0 0})",
-                     "Pipe_PjtRef(0)",
-                     "sleep 300"}));
-    EXPECT_EQ(Link("NOD0 0 > NOD1 0", R"(,"Type":2)"),
-              "OK,但是新增了一个模块、链接了两条线:MOD5、LNK2、LNK3");
+    ExpectExchange("AddLink", "P", Ends("MOD2 1 > NOD0 9", R"(,"PageNb":2)"), Between + "MOD4、LNK0、LNK1",
+                   R"(NameParsing_ModNod("P");
+        ProjectModulePortInOutGet(0,2,1); ProjectModulePortCanBeLink(0,2,1); ProjectModulePortType_2_Get(0,2,1);
+        ProjectNodePortCanBeLink(0,0,0); GuiRef_Get(0); sleep 1; GuiRef_Get(0);
+        ModuleOneID_ToID(24032022192805856); ProjectModuleNbCheck(0); ProjectNameGet(0);
+        ProjectAddModule("P",4,0,2,50,50); ModuleInstanceIDSet(0,4,"MOD4");
+        ProjectLinkNbCheck(0); ProjectNameGet(0); ProjectAddLink("P",0,{0 2 1 2 1 0 1 4 0 1});
+        ProjectLinkNbCheck(0); ProjectNameGet(0); ProjectAddLink("P",1,{0 2 1 4 1 1 2 0 0 0});
+        Pipe_PjtRef(0); sleep 300;)");
+    EXPECT_EQ(Link("NOD0 0 > NOD1 0", R"(,"Type":2)"), Between + "MOD5、LNK2、LNK3");
     EXPECT_EQ(standin::ProjectFind(0)->modules.Find(5)->type, 1);
 }
 
@@ -231,6 +202,9 @@ TEST_F(LinkTest, TakesTheLowestFreeNodePorts) {
 
 TEST_F(LinkTest, TellsWhatHasNoRoom) {
     const string noRoom = "请暂停,连线数量、模块数量已达到上限。或者缺少管道、导线模块,请联系技术支持";
+    standin::RefuseNextAddition();
+    EXPECT_EQ(Link("MOD2 1 > NOD0 0"), Refused);
+    EXPECT_EQ(standin::ProjectFind(0)->links.NextNumber(), 0);
     standin::CapacitySet(standin::ModuleTable, 4);
     EXPECT_EQ(Link("MOD2 1 > NOD0 0"), noRoom);
     standin::CapacitySet(standin::LinkTable, 0);
@@ -238,16 +212,9 @@ TEST_F(LinkTest, TellsWhatHasNoRoom) {
     EXPECT_EQ(Link("MOD0 1 > NOD0 0"), "Nb To Be Max");
     // The link table is asked for only after the module stands.
     standin::CapacitySet(standin::ModuleTable, 6);
-    EXPECT_EQ(Link("MOD2 1 > NOD0 0"), "OK,但是新增了一个模块、链接了两条线:MOD4");
+    EXPECT_EQ(Link("MOD2 1 > NOD0 0"), Between + "MOD4");
     standin::CapacitySet(standin::LinkTable, 1);
-    EXPECT_EQ(Link("MOD2 1 > NOD0 0"), "OK,但是新增了一个模块、链接了两条线:MOD5、LNK0");
-}
-
-TEST_F(LinkTest, MakesNoLinkWhereTheModuleIsRefused) {
-    standin::RefuseNextAddition();
-    EXPECT_EQ(Link("MOD2 1 > NOD0 0"), Refused);
-    EXPECT_EQ(standin::ProjectFind(0)->links.NextNumber(), 0);
-    EXPECT_EQ(Link("MOD2 1 > NOD0 0"), "OK,但是新增了一个模块、链接了两条线:MOD4、LNK0、LNK1");
+    EXPECT_EQ(Link("MOD2 1 > NOD0 0"), Between + "MOD5、LNK0");
 }
 
 TEST_F(LinkTest, DeletesTheLinksOfADeletedElementAndReusesItsNumber) {

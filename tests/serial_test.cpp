@@ -14,7 +14,6 @@ using std::string;
 using Event = LineAssembler::Event;
 
 constexpr const char* NoHeader = "the header is none";
-constexpr const char* NoProject = "项目名称找不到(project Char error)";
 
 using SerialTest = ServiceTest;
 
@@ -28,30 +27,22 @@ string Answer(const char* line) {
 
 TEST_F(SerialTest, ServesOnlyReadsAndWrites) {
     Send("Create", "PLANT1");
-    const struct {
-        const char *line, *reply;
-    } cases[] = {
-        {"Set/PLANT1_GTemp/21.5", "OK"},
-        {"Get/PLANT1_GTemp", "21.500000"},
-        {"Get/PLANT1_GTemp\n", "none varname 找不到变量名称"},
-        {"Get/NOSUCH", "none varname 找不到变量名称"},
-        {R"(Get/json/{"VarName":["PLANT1_GTemp"]})", R"(["21.500000"])"},
-        {"Get/", NoProject},
-        {"Set/", NoProject},
-        {"", NoHeader},
-        {"Get", NoHeader},
-        {"get/X", NoHeader},
-        {"Put/X", NoHeader},
-        {"Fdp/PLANT1", NoHeader},
-        {"PjtRun", NoHeader},
-        {nullptr, NoHeader},
-    };
-    for (const auto& each : cases) {
-        Rtn_Get_Get();
-        Rtn_Set_Get();
-        EXPECT_EQ(Answer(each.line), each.reply) << (each.line == nullptr ? "null" : each.line);
-        const bool logged = *Rtn_Get_Get() != '\0' || *Rtn_Set_Get() != '\0';
-        EXPECT_EQ(logged, each.reply != NoHeader);
+    const std::pair<const char*, const char*> served[] = {{"Set/PLANT1_GTemp/21.5", "OK"},
+                                                          {"Get/PLANT1_GTemp", "21.500000"},
+                                                          {"Get/PLANT1_GTemp\n", NoVariable},
+                                                          {"Get/", NoProject},
+                                                          {"Set/", NoProject}};
+    Rtn_Get_Get();
+    Rtn_Set_Get();
+    const auto logged = [] { return *Rtn_Get_Get() != '\0' || *Rtn_Set_Get() != '\0'; };
+    for (const auto& [line, reply] : served) {
+        EXPECT_EQ(Answer(line), reply) << line;
+        EXPECT_TRUE(logged()) << line;
+    }
+    for (const char* line :
+         {"", "Get", "get/X", "Put/X", "Fdp/PLANT1", "PjtRun", static_cast<const char*>(nullptr)}) {
+        EXPECT_EQ(Answer(line), NoHeader);
+        EXPECT_FALSE(logged());
     }
 }
 
@@ -95,20 +86,15 @@ TEST(SerialLineTest, EndsLinesAtReturnFeedAndBoth) {
 }
 
 TEST(SerialLineTest, ReadsDeviceAndSpeed) {
-    const struct {
-        const char *text, *device;
-        unsigned baud;  ///< 0 for a text that is refused
-    } cases[] = {{"/dev/ttyS0", "/dev/ttyS0", 115200},
-                 {"/dev/ttyS0:9600", "/dev/ttyS0", 9600},
-                 {"/dev/pci-0:1.0-port0", "/dev/pci-0:1.0-port0", 115200},
-                 {"/dev/ttyS0:9601", "/dev/ttyS0", 0}};
-    for (const auto& each : cases) {
+    const auto read = [](const string& text) {
         SerialPort port;
         string fault;
-        const bool read = SerialPortRead(each.text, port, fault);
-        EXPECT_EQ(read ? port.baud : 0, each.baud) << each.text;
-        EXPECT_EQ(port.device, each.device);
-    }
+        return SerialPortRead(text, port, fault) ? port.device + ' ' + std::to_string(port.baud) : "refused";
+    };
+    EXPECT_EQ(read("/dev/ttyS0"), "/dev/ttyS0 115200");
+    EXPECT_EQ(read("/dev/ttyS0:9600"), "/dev/ttyS0 9600");
+    EXPECT_EQ(read("/dev/pci-0:1.0-port0"), "/dev/pci-0:1.0-port0 115200");
+    EXPECT_EQ(read("/dev/ttyS0:9601"), "refused");
     string fault;
     EXPECT_FALSE(SerialStart({.device = "/dev/null"}, fault));
     EXPECT_EQ(fault, "/dev/null is no serial port");
@@ -121,11 +107,9 @@ TEST(SerialThreadsTest, AnswersATerminal) {
     host.Client().Post("/api", R"({"command":"Create","name":"P"})", "application/json");
     terminal.Write("Set/P_GTemp/21.5\rGet/P_GTemp\r\nget/x\n" + string(SerialLineBytesAtMost + 1, 'x') +
                    "\rGet/NO\r");
-    EXPECT_EQ(terminal.ReadLine(), "OK");
-    EXPECT_EQ(terminal.ReadLine(), "21.500000");
-    EXPECT_EQ(terminal.ReadLine(), NoHeader);
-    EXPECT_EQ(terminal.ReadLine(), "the line is too long");
-    EXPECT_EQ(terminal.ReadLine(), "none varname 找不到变量名称");
+    for (const char* reply : {"OK", "21.500000", NoHeader, "the line is too long", NoVariable}) {
+        EXPECT_EQ(terminal.ReadLine(), reply);
+    }
 }
 
 }  // namespace

@@ -1,16 +1,16 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <bit>
 #include <csignal>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <limits>
 #include <random>
 #include <tuple>
 
 #include "engine/vorn_core.h"
+#include "platform/file_text.h"
 #include "standin/project.h"
 #include "standin/project_json.h"
 #include "standin/project_store.h"
@@ -27,8 +27,8 @@ class StoreTest : public ServiceTest {
     std::string FileOf(const std::string& name) { return (Folder(name) / (name + ".json")).string(); }
     fs::path Folder(const std::string& name) { return folder_.Projects() / name; }
     std::string Read(const std::string& path) {
-        std::ifstream file(path, std::ios::binary);
-        return std::string(std::istreambuf_iterator<char>(file), {});
+        std::string text;
+        return vorn::FileRead(path, 1 << 20, text) ? text : "not read";
     }
     void Write(const std::string& path, const std::string& text) {
         fs::create_directories(fs::path(path).parent_path());
@@ -62,14 +62,14 @@ void FillProject(Project& project) {
         LinkAdd(project, number, {true, 2, 3, 1, 2, 1, true, 2, 1, 15, true});
     }
     using Limits = std::numeric_limits<double>;
-    const double odd[] = {-0.0,          0.1 + 0.2,          Limits::denorm_min(),
-                          Limits::max(), Limits::infinity(), -Limits::infinity()};
+    const double large = Limits::infinity();
+    const double odd[] = {-0.0, 0.1 + 0.2, Limits::denorm_min(), Limits::max(), large, -large};
     int next = 0;
     for (Element* element : {ElementFind(project, 1, 2), ElementFind(project, 2, 1)}) {
         for (ElementValues& layer : element->layers) {
             for (double& item : layer.items) item = odd[next++ % 6];
             layer.ports.resize(PortsPerElement,
-                               {odd[1], odd[2], odd[3], {odd[4], odd[5], 6, 7, 8, 9, 10, 11}});
+                               {odd[1], odd[2], odd[3], {large, -large, 6, 7, 8, 9, 10, 11}});
         }
     }
     Module& module = *project.modules.Find(2);
@@ -84,10 +84,7 @@ void FillProject(Project& project) {
     std::mt19937_64 random(11);
     while (project.variables.size() < ProjectVariableCapacity) {
         ProjectVariable& variable = project.variables.emplace_back(ProjectVariable{.name = "变量"});
-        for (double& real : variable.reals) {
-            const std::uint64_t bits = random();
-            std::memcpy(&real, &bits, sizeof real);
-        }
+        for (double& real : variable.reals) real = std::bit_cast<double>(std::uint64_t{random()});
     }
     project.variables[3].integers[0] = -7;
     project.variables[4].reals.back() = Limits::quiet_NaN();
@@ -117,6 +114,29 @@ TEST_F(StoreTest, BringsEverythingBack) {
     EXPECT_EQ(project.links.rows.at(2).S_PortNb, 15);
     EXPECT_TRUE(project.links.rows[2].F_Type2 && project.links.rows[2].S_Type2);
     EXPECT_EQ(project.script, std::string("x = 1\n\0--", 9));
+}
+
+TEST_F(StoreTest, RunStartsAStoredProjectThatWasNotOpen) {
+    SimulationKeepOff(true);
+    Send("Create", "P1");
+    Send("AddModule", "P1", Valve());
+    Send("VarCacheSet", "P1_MOD0", R"({"Row":0,"Column":1,"Value":"7"})");
+    EXPECT_TRUE(StoreWrite(*ProjectFind(0)));
+    Send("Create", "BARE");
+    EXPECT_TRUE(StoreWrite(*ProjectFind(1)));
+    Send("Put", "", "Close");
+
+    ExpectExchange("Put", "P1", "Run", "成功运行", R"(ProjectNameToID("P1"); ProjectInfoRead("P1");
+        ProjectRunFabuGet("P1"); Pipe_PjtListRef(); PeojectListRef_CliSet("P1"))");
+    EXPECT_TRUE(PjtStartGet(0));
+    EXPECT_EQ(Send("Get", "P1_MOD0_Opening"), "7.000000");
+    EXPECT_EQ(Send("Put", "P1", "Run"), "已运行");
+
+    // What is stored and has nothing to run is closed again.
+    ExpectExchange("Put", "BARE", "Run", "项目未成功发布",
+                   R"(ProjectNameToID("BARE"); ProjectInfoRead("BARE");
+        ProjectRunFabuGet("BARE"); ProjectInfoRemove("BARE"))");
+    EXPECT_EQ(Send("Fdp", "BARE"), "0");
 }
 
 TEST_F(StoreTest, KeepsADamagedFileAndTheProjectThatReplacesIt) {
@@ -176,21 +196,15 @@ TEST_F(StoreTest, RefusesContentThatDoesNotFit) {
     };
     EXPECT_TRUE(read(room, room));
     EXPECT_TRUE(read(room, layers(R"(,{"items":[1,2.5,3],"ports":[]})")));
-    const std::vector<std::pair<std::string, std::string>> faults{
-        {"24032022192805856", "12"},
-        {R"("number":0)", R"("number":5485)"},
-        {R"("number":0)", R"("number":-1)"},
-        {R"("x":1)", R"("x":1.5)"},
-        {room, layers(R"(,{"items":[1,2.5],"ports":[]})")},
-        {room, layers("")},
-        {room, layers(R"(,{"items":[1,2,3],"ports":[[1]]})")},
-        {R"("nodes":[])", R"("nodes":{})"},
-        {R"("links":[])", R"("links":[{"number":0,"ends":[0]}])"},
-        {"GTemp", "Other"},
-        {R"("kind":1)", R"("kind":4)"},
-        {R"("script":"")", R"("script":0)"},
-        {"{", "["}};
-    for (const auto& [from, to] : faults) EXPECT_FALSE(read(from, to)) << to;
+    for (const char* values :
+         {R"(,{"items":[1,2.5],"ports":[]})", "", R"(,{"items":[1,2,3],"ports":[[1]]})"}) {
+        EXPECT_FALSE(read(room, layers(values))) << values;
+    }
+    const auto faults = Split(R"(24032022192805856 12; "number":0 "number":5485; "number":0 "number":-1;
+        "x":1 "x":1.5; "nodes":[] "nodes":{}; "links":[] "links":[{"number":0,"ends":[0]}]; GTemp Other;
+        "kind":1 "kind":4; "script":"" "script":0; { [;)");
+    for (const std::string& fault : faults)
+        EXPECT_FALSE(read(Split(fault, ' ')[0], Split(fault, ' ')[1])) << fault;
 }
 
 TEST_F(StoreTest, BuildsNoPathFromABadName) {
@@ -198,6 +212,7 @@ TEST_F(StoreTest, BuildsNoPathFromABadName) {
     for (const std::string name : {"..", "../run", "A/B", "A.B", "A_B", "Ä", "A B"}) {
         ASSERT_TRUE(ProjectJsonAdd(name.c_str()));
         EXPECT_FALSE(StoreHas(name) || StoreWrite(*ProjectFind(0)) || StoreRead(*ProjectFind(0))) << name;
+        Pipe_PjtPngSave(0);
         ProjectInfoRemove(name.c_str());
     }
     EXPECT_FALSE(StoreHas("") || StoreHas(std::string(65, 'A')) || fs::exists(Folder("")));

@@ -8,9 +8,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <string>
 #include <thread>
-#include <vector>
 
 #include "engine/vorn_core.h"
 #include "tests/support/service_test.h"
@@ -22,24 +20,21 @@ namespace {
 namespace fs = std::filesystem;
 using std::string;
 
-constexpr const char* NotFound = "none varname 找不到变量名称";
-
 /// A project P with the pipe MOD0 and the node NOD0.
 class VariablesTest : public ServiceTest {
   protected:
     VariablesTest() {
         Send("Create", "P");
         Send("AddModule", "P", R"({"VornModuleID":24032022192805856,"DeviceName":"铸铁管道"})");
-        Send("AddNode", "P", R"({"VornModuleID":3000,"NodeName":"FLUID"})");
+        Send("AddNode", "P", Fluid());
     }
 };
 
 /// An array's text that begins so and has zeros for the rest.
 string Padded(string text, const string& zero) {
     const auto commas = std::count(text.begin(), text.end(), ',');
-    for (auto count = text.empty() ? 0 : commas + 1; count < 8; ++count) {
+    for (auto count = text.empty() ? 0 : commas + 1; count < 8; ++count)
         text += (text.empty() ? "" : ",") + zero;
-    }
     return text;
 }
 
@@ -50,88 +45,66 @@ string Integers(const string& text) {
     return Padded(text, "0");
 }
 
-using Calls = std::vector<string>;
-
 /// What is written of the text 7.25,8 for each kind of value, as the trace shows it.
 const string Written[] = {"7.250000)", "7)",
                           "[7.250000 8.000000 0.000000 0.000000 0.000000 0.000000 0.000000 0.000000])",
                           "[7 8 0 0 0 0 0 0])"};
 
 TEST_F(VariablesTest, CallsTheStoreAsTheKindAndPlaceSay) {
-    const string real = "7.250000";
-    const string reals = Reals("7.25000000,8.00000000");
-    const string noReals = Reals("");
-    const string integers = Integers("7,8");
-    const string noIntegers = Integers("");
-    const struct {
-        int type, scope, port;
-        string read, text, write;
-    } rows[] = {
-        {0, 0, -1, "GloGet(0,2)", real, "w_GloSet(0,2,"},
-        {0, 0, 5, "GloGet(0,2)", real, "w_GloSet(0,2,"},
-        {0, 1, -1, "ModGet(0,0,2)", real, "w_ModSet(0,0,2,"},
-        {0, 1, 0, "ModPortGet(0,0,0,2)", real, "w_ModPortSet(0,0,0,2,"},
-        {0, 2, -1, "NodGet(0,0,2)", real, "w_NodSet(0,0,2,"},
-        {0, 9, 15, "NodPortGet(0,0,15,2)", real, "w_NodPortSet(0,0,15,2,"},
-        {1, 0, 5, "GloIntGet(0,3)", "7", "w_GloIntSet(0,3,"},
-        {1, 1, -1, "ModIntGet(0,0,3)", "0", "w_ModIntSet(0,0,3,"},
-        {1, 1, 5, "ModIntGet(0,0,3)", "0", "w_ModIntSet(0,0,3,"},
-        {1, 2, -1, "NodIntGet(0,0,3)", "0", "w_NodIntSet(0,0,3,"},
-        {1, 2, 0, "", "0", "w_NodIntSet(0,0,3,"},
-        {2, 0, 5, "GloAryGet(0,4)", reals, "w_GloArySet(0,4,"},
-        {2, 1, -1, "ModAryGet(0,0,4)", noReals, "w_ModArySet(0,0,4,"},
-        {2, 1, 1, "ModPortAryGet(0,0,1)", reals, "w_ModPortArySet(0,0,1,"},
-        {2, -1, -1, "NodAryGet(0,0,4)", noReals, "w_NodArySet(0,0,4,"},
-        {2, 2, 0, "NodPortAryGet(0,0,0)", reals, "w_NodPortArySet(0,0,0,"},
-        {3, 0, 5, "GloIntAryGet(0,5)", integers, "w_GloIntArySet(0,5,"},
-        {3, 1, -1, "ModIntAryGet(0,0,5)", noIntegers, "w_ModIntArySet(0,0,5,"},
-        {3, 1, 5, "ModIntAryGet(0,0,5)", noIntegers, "w_ModIntArySet(0,0,5,"},
-        {3, 2, -1, "NodIntAryGet(0,0,5)", noIntegers, "w_NodIntArySet(0,0,5,"},
-        {3, 2, 5, "", noIntegers, "w_NodIntArySet(0,0,5,"},
-    };
-    for (const auto& row : rows) {
-        standin::NameDefine("X", {row.scope, row.type, 0, 0, row.port, row.type + 2});
-        Calls calls = {"NameParsing(\"X\")", row.write + Written[row.type]};
-        EXPECT_EQ(CallsOf("Set", "X", "7.25,8"), calls);
-        calls.pop_back();
-        if (!row.read.empty()) calls.push_back(row.read);
-        EXPECT_EQ(CallsOf("Get", "X"), calls);
-        EXPECT_EQ(Send("Get", "X"), row.text) << row.write;
+    const string held[] = {"7.250000", "7", Reals("7.25000000,8.00000000"), "7,8,0,0,0,0,0,0"};
+    const string zero[] = {"0.000000", "0", Reals(""), "0,0,0,0,0,0,0,0"};
+    // Type, scope and port of a name; the store's places that are read and written, `-` for none; and whether
+    // what was written is read.
+    const auto rows = Split(R"(
+        0 0 -1 GloGet(0,2) w_GloSet(0,2, held;          0 0 5 GloGet(0,2) w_GloSet(0,2, held;
+        0 1 -1 ModGet(0,0,2) w_ModSet(0,0,2, held;      0 1 0 ModPortGet(0,0,0,2) w_ModPortSet(0,0,0,2, held;
+        0 2 -1 NodGet(0,0,2) w_NodSet(0,0,2, held;      0 9 15 NodPortGet(0,0,15,2) w_NodPortSet(0,0,15,2, held;
+        1 0 5 GloIntGet(0,3) w_GloIntSet(0,3, held;     1 1 -1 ModIntGet(0,0,3) w_ModIntSet(0,0,3, zero;
+        1 1 5 ModIntGet(0,0,3) w_ModIntSet(0,0,3, zero; 1 2 -1 NodIntGet(0,0,3) w_NodIntSet(0,0,3, zero;
+        1 2 0 - w_NodIntSet(0,0,3, zero;                2 0 5 GloAryGet(0,4) w_GloArySet(0,4, held;
+        2 1 -1 ModAryGet(0,0,4) w_ModArySet(0,0,4, zero; 2 1 1 ModPortAryGet(0,0,1) w_ModPortArySet(0,0,1, held;
+        2 -1 -1 NodAryGet(0,0,4) w_NodArySet(0,0,4, zero; 2 2 0 NodPortAryGet(0,0,0) w_NodPortArySet(0,0,0, held;
+        3 0 5 GloIntAryGet(0,5) w_GloIntArySet(0,5, held; 3 1 -1 ModIntAryGet(0,0,5) w_ModIntArySet(0,0,5, zero;
+        3 1 5 ModIntAryGet(0,0,5) w_ModIntArySet(0,0,5, zero; 3 2 -1 NodIntAryGet(0,0,5) w_NodIntArySet(0,0,5, zero;
+        3 2 5 - w_NodIntArySet(0,0,5, zero;)");
+    for (const string& row : rows) {
+        const auto words = Split(row, ' ');
+        const int type = std::stoi(words[0]);
+        standin::NameDefine("X", {std::stoi(words[1]), type, 0, 0, std::stoi(words[2]), type + 2});
+        const string read = words[3] == "-" ? "" : words[3];
+        ExpectExchange("Set", "X", "7.25,8", "OK", "NameParsing(\"X\"); " + words[4] + Written[type]);
+        ExpectExchange("Get", "X", "", (words[5] == "held" ? held : zero)[type],
+                       "NameParsing(\"X\"); " + read);
     }
 }
 
 TEST_F(VariablesTest, TouchesNothingWithoutAKnownNameOrKind) {
     for (const int type : {-1, 4}) {
         standin::NameDefine("X", {.type = type});
-        EXPECT_EQ(Send("Get", "X"), "变量类型错误,请联系技术支持");
-        EXPECT_EQ(Send("Set", "X", "1"), "OK");
-        EXPECT_EQ(CallsOf("Get", "X"), Calls{"NameParsing(\"X\")"});
-        EXPECT_EQ(CallsOf("Set", "X", "1"), Calls{"NameParsing(\"X\")"});
+        ExpectExchange("Get", "X", "", "变量类型错误,请联系技术支持", "NameParsing(\"X\")");
+        ExpectExchange("Set", "X", "1", "OK", "NameParsing(\"X\")");
     }
-    EXPECT_EQ(CallsOf("Set", "Y", "1"), Calls{"NameParsing(\"Y\")"});
+    ExpectExchange("Set", "Y", "1", NoVariable, "NameParsing(\"Y\")");
 }
 
 TEST_F(VariablesTest, ReadsValueTexts) {
+    string oneToEight;
+    for (const char digit : string("12345678"))
+        oneToEight += (digit == '1' ? "" : ",") + string{digit} + ".00000000";
     const struct {
         string value, real, integer, reals, integers;
     } rows[] = {
         {"", "0.000000", "0", "", ""},
-        {"abc", "0.000000", "0", "", ""},
-        {"1.5", "1.500000", "1", "1.50000000", "1"},
         {"3.7x", "3.700000", "3", "3.70000000", "3"},
         {"+5", "5.000000", "5", "5.00000000", "5"},
         {"+-5", "0.000000", "0", "", ""},
         {"-3", "-3.000000", "-2", "-3.00000000", "-2"},
         {"2.998", "2.998000", "2", "2.99800000", "3"},
         {"2.999", "2.999000", "3", "2.99900000", "3"},
-        {"2.9995", "2.999500", "3", "2.99950000", "3"},
-        {"1,2,3", "1.000000", "1", "1.00000000,2.00000000,3.00000000", "1,2,3"},
         {"1,2,", "1.000000", "1", "1.00000000,2.00000000", "1,2"},
         {",5", "0.000000", "0", "0.00000000,5.00000000", "0,5"},
         {" \t1, 2 ,\n3", "1.000000", "1", "1.00000000,2.00000000,3.00000000", "1,2,3"},
-        {"1,2,3,4,5,6,7,8,9", "1.000000", "1",
-         "1.00000000,2.00000000,3.00000000,4.00000000,5.00000000,6.00000000,7.00000000,8.00000000",
-         "1,2,3,4,5,6,7,8"},
+        {"1,2,3,4,5,6,7,8,9", "1.000000", "1", oneToEight, "1,2,3,4,5,6,7,8"},
         {string(190, '0') + "12,7", "12.000000", "12", "1.00000000,7.00000000", "1,7"},
         {"1e400,2", "inf", "2147483647", "0.00000000,2.00000000", "2147483640,2"},
         {"-1e400,2", "-inf", "-2147483648", "0.00000000,2.00000000", "-2147483640,2"},
@@ -169,72 +142,55 @@ TEST_F(VariablesTest, WritesTheLongestTexts) {
 }
 
 TEST_F(VariablesTest, KnowsItsNames) {
-    for (const string name :
-         {"p_GTemp", "P_MOD0_D", "P_NOD0_Flow", "P_MOD0_IM0_PRE", "P_MOD0_IM15_FLOW", "P_NOD0_IM9_TEMP"}) {
+    for (const string& name :
+         Split("p_GTemp P_MOD0_D P_NOD0_Flow P_MOD0_IM0_PRE P_MOD0_IM15_FLOW P_NOD0_IM9_TEMP", ' ')) {
         EXPECT_EQ(Send("Set", name, "3.5"), "OK") << name;
         EXPECT_EQ(Send("Get", name), "3.500000") << name;
     }
-    for (const string name : {"P_gtemp",
-                              "P_MOD0_d",
-                              "P_NOD0_D",
-                              "P_MOD0_IM16_PRE",
-                              "P_MOD0_IM0_XXX",
-                              "P_MOD0_IM0",
-                              "P_MOD0_IM-1_PRE",
-                              "P_MOD0_IM_PRE",
-                              "P_MOD1_D",
-                              "P_MOD-1_D",
-                              "P_MOD_D",
-                              "P_MOD99999999999_D",
-                              "P_MOD0_IM9999999999_PRE",
-                              "P_LNK0_D",
-                              "P_MOD0_",
-                              "P_MOD0",
-                              "P_",
-                              "P",
-                              "",
-                              "_GTemp",
-                              "Q_GTemp"}) {
-        EXPECT_EQ(Send("Set", name, "3.5"), NotFound) << name;
-        EXPECT_EQ(Send("Get", name), NotFound) << name;
+    std::vector<string> unknown = Split(
+        "P_gtemp P_MOD0_d P_NOD0_D P_MOD0_IM16_PRE P_MOD0_IM0_XXX P_MOD0_IM0 P_MOD0_IM-1_PRE P_MOD0_IM_PRE "
+        "P_MOD1_D "
+        "P_MOD-1_D P_MOD_D P_MOD99999999999_D P_MOD0_IM9999999999_PRE P_LNK0_D P_MOD0_ P_MOD0 P_ P _GTemp "
+        "Q_GTemp",
+        ' ');
+    unknown.emplace_back();
+    for (const string& name : unknown) {
+        EXPECT_EQ(Send("Set", name, "3.5"), NoVariable) << name;
+        EXPECT_EQ(Send("Get", name), NoVariable) << name;
     }
-    EXPECT_EQ(Send("Get", "P_MOD0_PL"), "0.000000");
     Pipe_DeleteModule(0, 0);
-    EXPECT_EQ(Send("Get", "P_MOD0_D"), NotFound);
+    EXPECT_EQ(Send("Get", "P_MOD0_D"), NoVariable);
 }
 
 TEST_F(VariablesTest, AnswersBatches) {
     const struct {
-        string verb, request, reply;
-        string first, second;  ///< what GTemp and WAll hold afterwards, from 5 and 6 before
+        string verb, names, values, reply;  ///< `?` in a reply is the text of an unknown name
+        double first, second;               ///< what GTemp and WAll hold afterwards, from 5 and 6 before
     } rows[] = {
-        {"Get", R"({"VarName":["P_GTemp","X","P_WAll"],"VarValue":["1"]})",
-         R"(["5.000000","none varname 找不到变量名称","6.000000"])", "5", "6"},
-        {"Get", R"({"VarName":[7,null,["P_GTemp"],"P_GTemp","a\"b","P_GTemp\u0000x"]})",
-         R"(["none varname 找不到变量名称","none varname 找不到变量名称","none varname 找不到变量名称",)"
-         R"("5.000000","none varname 找不到变量名称","5.000000"])",
-         "5", "6"},
-        {"Set", R"({"VarName":["P_GTemp","P_WAll"],"VarValue":["1"]})", R"(["OK"])", "1", "6"},
-        {"Set", R"({"VarName":["P_GTemp"],"VarValue":["1","2"]})", R"(["OK"])", "1", "6"},
-        {"Set", R"({"VarName":["X","P_WAll"],"VarValue":["1","2"]})",
-         R"(["none varname 找不到变量名称","OK"])", "5", "2"},
-        {"Set", R"({"VarName":["P_GTemp","P_GTemp"],"VarValue":["1","2"]})", R"(["OK","OK"])", "2", "6"},
-        {"Set", R"({"VarName":["P_GTemp","P_WAll"]})", R"(["OK","OK"])", "0", "0"},
-        {"Set", R"({"VarName":["P_GTemp","P_WAll"],"VarValue":{}})", R"(["OK","OK"])", "0", "0"},
-        {"Set", R"({"VarName":["P_GTemp"],"VarValue":[]})", "[]", "5", "6"},
-        {"Set", R"({"VarName":["P_GTemp","P_WAll"],"VarValue":[true,-2.50]})", R"(["shibai","OK"])", "5",
-         "-2.5"},
-        {"Set", R"({"VarName":["P_GTemp","P_WAll"],"VarValue":[["1"],1e2]})", R"(["shibai","OK"])", "5",
-         "100"},
-        {"Set", R"({"VarName":[1,"P_WAll"],"VarValue":["1","2"]})", R"(["none varname 找不到变量名称","OK"])",
-         "5", "2"},
+        {"Get", R"("P_GTemp","X","P_WAll")", R"(["1"])", R"(["5.000000","?","6.000000"])", 5, 6},
+        {"Get", R"(7,null,["P_GTemp"],"P_GTemp","a\"b")", "[]", R"(["?","?","?","5.000000","?"])", 5, 6},
+        {"Get", R"("P_GTemp\u0000x")", "[]", R"(["5.000000"])", 5, 6},
+        {"Set", R"("P_GTemp","P_WAll")", R"(["1"])", R"(["OK"])", 1, 6},
+        {"Set", R"("P_GTemp")", R"(["1","2"])", R"(["OK"])", 1, 6},
+        {"Set", R"("X","P_WAll")", R"(["1","2"])", R"(["?","OK"])", 5, 2},
+        {"Set", R"("P_GTemp","P_GTemp")", R"(["1","2"])", R"(["OK","OK"])", 2, 6},
+        {"Set", R"("P_GTemp","P_WAll")", "", R"(["OK","OK"])", 0, 0},
+        {"Set", R"("P_GTemp","P_WAll")", "{}", R"(["OK","OK"])", 0, 0},
+        {"Set", R"("P_GTemp")", "[]", "[]", 5, 6},
+        {"Set", R"("P_GTemp","P_WAll")", "[true,-2.50]", R"(["shibai","OK"])", 5, -2.5},
+        {"Set", R"("P_GTemp","P_WAll")", R"([["1"],1e2])", R"(["shibai","OK"])", 5, 100},
+        {"Set", R"(1,"P_WAll")", R"(["1","2"])", R"(["?","OK"])", 5, 2},
     };
     for (const auto& row : rows) {
         Send("Set", "P_GTemp", "5");
         Send("Set", "P_WAll", "6");
-        EXPECT_EQ(Send(row.verb, "json", row.request), row.reply) << row.request;
-        EXPECT_EQ(std::stod(Send("Get", "P_GTemp")), std::stod(row.first)) << row.request;
-        EXPECT_EQ(std::stod(Send("Get", "P_WAll")), std::stod(row.second)) << row.request;
+        const string values = row.values.empty() ? "" : ",\"VarValue\":" + row.values;
+        string reply = row.reply;
+        for (size_t at = 0; (at = reply.find('?')) != string::npos;) reply.replace(at, 1, NoVariable);
+        EXPECT_EQ(Send(row.verb, "json", R"({"VarName":[)" + row.names + "]" + values + "}"), reply)
+            << row.names;
+        EXPECT_EQ(std::stod(Send("Get", "P_GTemp")), row.first) << row.names << values;
+        EXPECT_EQ(std::stod(Send("Get", "P_WAll")), row.second) << row.names << values;
     }
     for (const string request : {R"({"VarName":[]})", R"({"VarName":"X"})", "{}", "[]", "", "{", "7",
                                  R"({"VarName":["P_GTemp"]}x)", R"({"VarValue":["1"]})"}) {
@@ -254,8 +210,8 @@ TEST_F(VariablesTest, AnswersAHundredThousandNames) {
         const bool known = position % 3 != 0;
         names += comma + (known ? R"("P_MOD0_IM1_TEMP")" : R"("P_MOD9_PL")");
         values += comma + '"' + std::to_string(position) + '"';
-        read += comma + '"' + (known ? "99998.000000" : NotFound) + '"';
-        written += comma + '"' + (known ? "OK" : NotFound) + '"';
+        read += comma + '"' + (known ? "99998.000000" : NoVariable) + '"';
+        written += comma + '"' + (known ? "OK" : NoVariable) + '"';
     }
     const string begin = R"({"VarName":[)" + names;
     EXPECT_TRUE(Send("Set", "json", begin + R"(],"VarValue":[)" + values + "]}") == '[' + written + ']');
@@ -279,37 +235,20 @@ TEST_F(VariablesTest, ServesThreadsSideBySide) {
     EXPECT_EQ(faults, 0);
 }
 
-/// A German locale of the test's own making, set for the process while the object lives.
-class GermanLocale {
-  public:
-    GermanLocale() {
-        const string build = "localedef -i de_DE -f UTF-8 '" + (folder_ / "de_DE.UTF-8").string() + "'";
-        fs::create_directories(folder_);
-        if (std::system((build + " >/dev/null 2>&1").c_str()) != 0) return;
-        setenv("LOCPATH", folder_.c_str(), 1);
-        set_ = std::setlocale(LC_ALL, "de_DE.UTF-8") != nullptr;
-    }
-    ~GermanLocale() {
-        std::setlocale(LC_ALL, "C");
-        unsetenv("LOCPATH");
-        fs::remove_all(folder_);
-    }
-    GermanLocale(const GermanLocale&) = delete;
-    GermanLocale& operator=(const GermanLocale&) = delete;
-    bool Set() const { return set_; }
-
-  private:
-    const fs::path folder_ = fs::path(testing::TempDir()) / ("vorn_locale_" + std::to_string(getpid()));
-    bool set_ = false;
-};
-
 TEST_F(VariablesTest, KeepsTheDecimalPointInAnyLocale) {
-    const GermanLocale locale;
-    if (!locale.Set())
-        GTEST_SKIP() << "no German locale: localedef or its sources (package locales) are missing";
+    // A German locale of the test's own making, which needs its files only while it is set.
+    const fs::path folder = fs::path(testing::TempDir()) / ("vorn_locale_" + std::to_string(getpid()));
+    fs::create_directories(folder);
+    const string build = "localedef -i de_DE -f UTF-8 '" + (folder / "de_DE.UTF-8").string() + "'";
+    const bool built = std::system((build + " >/dev/null 2>&1").c_str()) == 0;
+    setenv("LOCPATH", folder.c_str(), 1);
+    const bool set = built && std::setlocale(LC_ALL, "de_DE.UTF-8") != nullptr;
+    unsetenv("LOCPATH");
+    fs::remove_all(folder);
+    if (!set) GTEST_SKIP() << "no German locale: localedef or its sources (package locales) are missing";
     char comma[8];
     std::snprintf(comma, sizeof comma, "%.1f", 0.5);
-    ASSERT_STREQ(comma, "0,5");
+    EXPECT_STREQ(comma, "0,5");
 
     const string batch = R"({"VarName":["P_GTemp","P_WAll"],"VarValue":["21.5",-2.75]})";
     EXPECT_EQ(Send("Set", "json", batch), R"(["OK","OK"])");
@@ -322,6 +261,7 @@ TEST_F(VariablesTest, KeepsTheDecimalPointInAnyLocale) {
     EXPECT_EQ(Send("RunValueGet", "P_MOD0"),
               R"([{"Row":0,"Item":"PL","Value":0.0},{"Row":1,"Item":"ElbowNb","Value":0.0},)"
               R"({"Row":2,"Item":"D","Value":0.125}])");
+    std::setlocale(LC_ALL, "C");
 }
 
 }  // namespace

@@ -1,9 +1,7 @@
 #include "tests/support/host_process.h"
 
-#include <arpa/inet.h>
 #include <poll.h>
 #include <signal.h>
-#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -62,29 +60,6 @@ std::string HostProcess::WaitFor(const std::string& mark) {
         if (count <= 0) return {};
         output_.append(buffer.data(), static_cast<std::size_t>(count));
     }
-}
-
-std::string HostProcess::SendRaw(const std::string& bytes, bool shut) const {
-    const int connection = socket(AF_INET, SOCK_STREAM, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(static_cast<std::uint16_t>(port_));
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    std::string replies;
-    if (connect(connection, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0) {
-        send(connection, bytes.data(), bytes.size(), MSG_NOSIGNAL);
-        if (shut) shutdown(connection, SHUT_WR);
-        std::array<char, 4096> buffer{};
-        pollfd readable{.fd = connection, .events = POLLIN, .revents = 0};
-        // A connection that the service keeps open is left after a second of silence.
-        while (poll(&readable, 1, 1000) > 0) {
-            const ssize_t count = recv(connection, buffer.data(), buffer.size(), 0);
-            if (count <= 0) break;
-            replies.append(buffer.data(), static_cast<std::size_t>(count));
-        }
-    }
-    close(connection);
-    return replies;
 }
 
 int HostProcess::End() {

@@ -28,8 +28,6 @@ class HostProcess {
     /// none came in 20 seconds.
     std::string WaitFor(const std::string& mark);
     httplib::Client Client() const { return httplib::Client("127.0.0.1", port_); }
-    /// Sends bytes as they are and gives all that comes back; `shut` ends the sending side behind them.
-    std::string SendRaw(const std::string& bytes, bool shut) const;
     /// Asks it to end and gives its exit status, -1 when it did not end by itself.
     int End();
 

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -28,6 +29,48 @@ inline std::vector<std::string> CallsOf(const std::string& command, const std::s
     standin::TraceStart();
     Send(command, name, messages);
     return standin::TraceStop();
+}
+
+/// The parts of a text, each with `end` behind it or the text's end; the white space before a part is none of
+/// it.
+inline std::vector<std::string> Split(const std::string& text, char end = ';') {
+    std::vector<std::string> parts;
+    std::istringstream stream(text);
+    for (std::string part; std::getline(stream >> std::ws, part, end);) parts.push_back(part);
+    return parts;
+}
+
+/// Sends one request and holds its reply and its calls, told in one text, against what is expected.
+inline void ExpectExchange(const std::string& command, const std::string& name, const std::string& messages,
+                           const std::string& reply, const std::string& calls) {
+    SCOPED_TRACE(command + ' ' + name + ' ' + messages);
+    standin::TraceStart();
+    EXPECT_EQ(Send(command, name, messages), reply);
+    EXPECT_EQ(standin::TraceStop(), Split(calls));
+}
+
+struct Exchange {
+    std::string command, name, messages, reply;
+};
+
+inline void ExpectReplies(const std::vector<Exchange>& rows) {
+    for (const auto& [command, name, messages, reply] : rows) {
+        EXPECT_EQ(Send(command, name, messages), reply) << command << ' ' << name << ' ' << messages;
+    }
+}
+
+inline constexpr const char* NoProject = "项目名称找不到(project Char error)";
+inline constexpr const char* NoElement = "无法识别name中的InstanceID或ConnectionID，请核对一下";
+inline constexpr const char* NoVariable = "none varname 找不到变量名称";
+
+/// What places a valve (type 12, ports 0 in and 1 out), a room (type 7) or a node of kind FLUID, with further
+/// members.
+inline std::string Valve(const std::string& more = "") {
+    return R"({"VornModuleID":26010100000000012,"DeviceName":"阀门")" + more + "}";
+}
+inline constexpr const char* Room = R"({"VornModuleID":25092208120526336,"DeviceName":"房间"})";
+inline std::string Fluid(const std::string& more = "") {
+    return R"({"VornModuleID":3000,"NodeName":"FLUID")" + more + "}";
 }
 
 /// Each test begins with no open project and an engine that refuses nothing.
