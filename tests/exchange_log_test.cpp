@@ -35,6 +35,13 @@ TEST(ExchangeLogTest, GivesLinesAndOneFlagOnEachSide) {
     for (const auto& drain : {Rtn_Get_Get, Rtn_Set_Get}) EXPECT_STREQ(drain(), "");
 }
 
+TEST(ExchangeLogTest, HidesNothingBehindAZeroByte) {
+    Rtn_Get_Get();
+    Log(string("Get\0x", 5), string("A\0", 2), string("\0m", 2), string("1\0", 2));
+    Log("Get", "B", "", "2");
+    EXPECT_STREQ(Rtn_Get_Get(), "Get A  1\nGet B  2");
+}
+
 TEST(ExchangeLogTest, TakesOneLineEndOffTheLastExchange) {
     Log("A", "b", "", "x\r");
     Log("A", "b", "", "y\n\r");

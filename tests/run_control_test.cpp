@@ -4,6 +4,7 @@
 #include <thread>
 
 #include "engine/vorn_core.h"
+#include "engine/vorn_var.h"
 #include "standin/simulation.h"
 #include "tests/support/service_test.h"
 
@@ -194,7 +195,9 @@ bool StepsReach(int count) {
     return Steps() >= count;
 }
 
-TEST_F(RunControlTest, TheThreadStepsWhatRunsAndWhatIsAsked) {
+class RunControlThreadsTest : public RunControlTest {};
+
+TEST_F(RunControlThreadsTest, StepWhatRunsAndWhatIsAsked) {
     standin::SimulationKeepOff(false);
     Send("PjtStep", "P1");
     Send("Put", "P1", "Step");
@@ -208,7 +211,7 @@ TEST_F(RunControlTest, TheThreadStepsWhatRunsAndWhatIsAsked) {
     EXPECT_TRUE(StepsReach(6));
 }
 
-TEST_F(RunControlTest, ClientsAndTheRunningProjectDoNotDisturbEachOther) {
+TEST_F(RunControlThreadsTest, OfClientsAndOfTheSimulationDoNotDisturbEachOther) {
     standin::SimulationKeepOff(false);
     constexpr int Rounds = 6000;
     const auto client = [](int number) {
@@ -223,12 +226,15 @@ TEST_F(RunControlTest, ClientsAndTheRunningProjectDoNotDisturbEachOther) {
             // The engine takes operations at any time, also without the dispatcher's lock.
             PeojectAccess_ToServerRefGet(0);
             ProjectAllRunInToCache(0, 2);
+            w_GloSet(0, 0, GloGet(0, 1));
+            w_ModPortSet(0, 0, 0, 0, ModPortGet(0, 0, 1, 0));
         }
     };
     const auto closer = [] {
         for (int round = 0; round < Rounds / 3; ++round) {
             EXPECT_EQ(Send("Put", "P1", round % 2 == 0 ? "Remove" : "Close"), "OK");
             EXPECT_EQ(Send("Create", "P1"), "OK");
+            Send("AddModule", "P1", Valve());
         }
     };
     std::vector<std::thread> threads;

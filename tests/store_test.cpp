@@ -1,3 +1,4 @@
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -171,11 +172,28 @@ TEST_F(StoreTest, KeepsADamagedFileAndTheProjectThatReplacesIt) {
         EXPECT_EQ(Read((Folder("P") / aside).string()), damaged.back());
     }
     const std::string lines = testing::internal::GetCapturedStderr();
-    EXPECT_TRUE(lines.starts_with(
-        "project store: P: the stored file is damaged or foreign; it is left as it is and counts as none\n"));
+    EXPECT_TRUE(
+        lines.starts_with("project store: P: the stored file is damaged or foreign, and left as it is\n"));
     standin::EngineReset();
     Send("Open", "P");
     EXPECT_EQ(ProjectFind(0)->nodes.rows.size(), 2U);
+}
+
+TEST_F(StoreTest, KeepsAWholeFileThatCannotBeReadForTheMoment) {
+    Send("Create", "P");
+    Send("PjtSent", "P", Nodes(3));
+    const std::string whole = Read(FileOf("P"));
+    testing::internal::CaptureStderr();
+    rlimit before{};
+    getrlimit(RLIMIT_NOFILE, &before);
+    const rlimit none{.rlim_cur = 0, .rlim_max = before.rlim_max};
+    setrlimit(RLIMIT_NOFILE, &none);
+    EXPECT_FALSE(StoreHas("P") || StoreWrite(*ProjectFind(0)));
+    setrlimit(RLIMIT_NOFILE, &before);
+    EXPECT_TRUE(testing::internal::GetCapturedStderr().starts_with(
+        "project store: P: the stored file cannot be read"));
+    EXPECT_EQ(Read(FileOf("P")), whole);
+    EXPECT_EQ(std::distance(fs::directory_iterator(Folder("P")), fs::directory_iterator()), 1);
 }
 
 TEST_F(StoreTest, RefusesContentThatDoesNotFit) {
