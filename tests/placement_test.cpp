@@ -6,6 +6,8 @@
 #include "engine/vorn_core.h"
 #include "standin/project.h"
 #include "tests/support/service_test.h"
+#include "tests/support/test_locale.h"
+#include "text/ansi_to_utf8.h"
 
 namespace {
 
@@ -60,6 +62,19 @@ TEST_F(PlacementTest, TellsTheFailureThatCounts) {
         {"AddModule", "P", Valve(), "MOD0"},
         {"AddNode", "P", R"({"VornModuleID":3003,"NodeName":"MECH"})", "NOD0"},
     });
+}
+
+TEST_F(PlacementTest, TakesADeviceNameInUtf8OrInTheSystemCodePage) {
+    const TestLocale chinese(LC_CTYPE, "POSIX", "GBK");
+    if (!chinese.Set())
+        GTEST_SKIP()
+            << "no locale of another code page: localedef or its sources (package locales) are missing";
+    const string raw = ModuleNameGet(12);
+    EXPECT_EQ(raw, "\xB7\xA7\xC3\xC5");
+    EXPECT_EQ(Send("AddModule", "P", Valve()), "MOD0");
+    EXPECT_EQ(Send("AddModule", "P", R"({"VornModuleID":26010100000000012,"DeviceName":")" + raw + "\"}"),
+              "MOD1");
+    EXPECT_STREQ(vorn::AnsiToUtf8((raw + "\xFF").c_str()), "阀门\uFFFD");
 }
 
 TEST_F(PlacementTest, TellsOfAFullTableAndOfARefusal) {

@@ -1,23 +1,18 @@
 // Variables by name: the store's calls, the texts of values, the names of the stand-in, batches, locales.
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <atomic>
-#include <clocale>
 #include <cstdio>
-#include <cstdlib>
-#include <filesystem>
 #include <thread>
 
 #include "engine/vorn_core.h"
 #include "tests/support/service_test.h"
+#include "tests/support/test_locale.h"
 #include "variables/var_read.h"
 #include "variables/var_write.h"
 
 namespace {
 
-namespace fs = std::filesystem;
 using std::string;
 
 /// A project P with the pipe MOD0 and the node NOD0.
@@ -236,16 +231,9 @@ TEST_F(VariablesTest, ServesThreadsSideBySide) {
 }
 
 TEST_F(VariablesTest, KeepsTheDecimalPointInAnyLocale) {
-    // A German locale of the test's own making, which needs its files only while it is set.
-    const fs::path folder = fs::path(testing::TempDir()) / ("vorn_locale_" + std::to_string(getpid()));
-    fs::create_directories(folder);
-    const string build = "localedef -i de_DE -f UTF-8 '" + (folder / "de_DE.UTF-8").string() + "'";
-    const bool built = std::system((build + " >/dev/null 2>&1").c_str()) == 0;
-    setenv("LOCPATH", folder.c_str(), 1);
-    const bool set = built && std::setlocale(LC_ALL, "de_DE.UTF-8") != nullptr;
-    unsetenv("LOCPATH");
-    fs::remove_all(folder);
-    if (!set) GTEST_SKIP() << "no German locale: localedef or its sources (package locales) are missing";
+    const TestLocale german(LC_ALL, "de_DE", "UTF-8");
+    if (!german.Set())
+        GTEST_SKIP() << "no German locale: localedef or its sources (package locales) are missing";
     char comma[8];
     std::snprintf(comma, sizeof comma, "%.1f", 0.5);
     EXPECT_STREQ(comma, "0,5");
@@ -261,7 +249,6 @@ TEST_F(VariablesTest, KeepsTheDecimalPointInAnyLocale) {
     EXPECT_EQ(Send("RunValueGet", "P_MOD0"),
               R"([{"Row":0,"Item":"PL","Value":0.0},{"Row":1,"Item":"ElbowNb","Value":0.0},)"
               R"({"Row":2,"Item":"D","Value":0.125}])");
-    std::setlocale(LC_ALL, "C");
 }
 
 }  // namespace
