@@ -134,7 +134,7 @@ TEST(SendThreadsTest, SendsOneCommandOverEitherTransport) {
     const string row = host.WaitFor("holds the pipe VornServerPipe");
     const string port = "--port " + std::to_string(host.Port()) + " ";
     const string pipe = "--pipe=" + row + " ";
-    const string batch = string(testing::TempDir()) + "vorn_send_batch.json";
+    const string batch = testing::TempDir() + "vorn_send_" + std::to_string(getpid()) + ".json";
     std::ofstream(batch) << "{\"VarName\":[\"PLANT1_GTemp\"],\r\n\t\"VarValue\":[\"4\"]}";
     const struct {
         string arguments, output;
