@@ -1,8 +1,10 @@
 // All ways into a real host at once, and the client program over both of its transports.
 
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <array>
+#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <thread>
@@ -160,6 +162,7 @@ TEST(SendThreadsTest, SendsOneCommandOverEitherTransport) {
         EXPECT_TRUE(output.starts_with(each.output)) << each.arguments << ": " << output;
         EXPECT_EQ(status, each.status) << each.arguments;
     }
+    std::filesystem::remove(batch);
 }
 
 }  // namespace
