@@ -1,6 +1,7 @@
 #include "service/dispatcher.h"
 
 #include <algorithm>
+#include <exception>
 #include <iterator>
 #include <string_view>
 
@@ -82,10 +83,15 @@ void ServerDispatch(const std::string& midHeader, const std::string& midData, co
 
     RtnLogRequest(if_Set, midHeader, midData);
     reply.clear();
-    if (verb != nullptr) {
-        verb->serve(midData, midValue, reply);
-    } else {
-        ProjectCommand(midHeader, midData, midValue, reply);
+    try {
+        if (verb != nullptr) {
+            verb->serve(midData, midValue, reply);
+        } else {
+            ProjectCommand(midHeader, midData, midValue, reply);
+        }
+    } catch (const std::exception&) {
+        // Out of memory, most likely: this request fails, and the service goes on with the next.
+        reply = "出现莫名错误,请联系技术支持";
     }
     RtnLogResult(if_Set, midValue, reply);
 }

@@ -8,7 +8,8 @@ namespace vorn {
 
 /// Serves one request and logs the exchange. `midHeader` is the command word, `midData` a name or address,
 /// `midValue` a value or JSON text; texts are taken byte for byte, and `reply` is overwritten. A word that
-/// the dispatcher does not serve itself goes to the project commands. The caller holds `DispatchLock`.
+/// the dispatcher does not serve itself goes to the project commands. Lets no exception out. The caller holds
+/// `DispatchLock`.
 void ServerDispatch(const std::string& midHeader, const std::string& midData, const std::string& midValue,
                     std::string& reply);
 
