@@ -12,7 +12,6 @@
 
 #include "engine/vorn_core.h"
 #include "include/vorn_server.h"
-#include "standin/control.h"
 
 namespace {
 
@@ -71,7 +70,7 @@ void AddChain(Plant& plant, int& aisle, int length, LinkSxCache row) {
 /// The project of `tenths` tenths of the capacities, in slot 0: module 0 is the tank that holds the pressure,
 /// all others are exchangers.
 void Build(int tenths, Order order) {
-    standin::EngineReset();
+    ProjectInfoRemove("BENCH");
     ProjectJsonAdd("BENCH");
     Plant plant{ModuleCapacity * tenths / Full, NodeCapacity * tenths / Full, LinkCapacity * tenths / Full};
     for (int module = 0; module < plant.modules; ++module) {

@@ -8,7 +8,7 @@
 #include "standin/control.h"
 #include "standin/project.h"
 #include "standin/trace.h"
-#include "text/number_text.h"
+#include "standin/values.h"
 
 using namespace standin;
 
@@ -45,7 +45,7 @@ void NameParsing_ModNod(const char* name, int& kind, int& slot, int& number) {
     constexpr std::string_view Prefixes[] = {"MOD", "NOD", "JMP", "LNK"};
     const std::string_view element = address.substr(std::min(projectEnd + 1, address.size()));
     const auto* prefix = std::find(std::begin(Prefixes), std::end(Prefixes), element.substr(0, 3));
-    if (prefix == std::end(Prefixes) || !vorn::NumberFromDigits(element.substr(3), number)) return;
+    if (prefix == std::end(Prefixes) || !ElementNumberRead(element.substr(3), number)) return;
     kind = static_cast<int>(prefix - std::begin(Prefixes)) + 1;
 }
 
@@ -64,6 +64,12 @@ int Node_FindInstanceID(int slot, const char* text) {
 }
 
 // The stand-in has no view of its own: the cues to the display side are only traced.
+
+bool GuiRef_Get(int slot) {
+    Trace("GuiRef_Get", slot);
+    const std::lock_guard guard(EngineLock());
+    return ViewBusy();
+}
 
 void Pipe_PjtListRef() {
     Trace("Pipe_PjtListRef");

@@ -1,10 +1,5 @@
 #include "standin/trace.h"
 
-#include <cstdio>
-#include <cstdlib>
-#include <mutex>
-#include <utility>
-
 #include "text/number_text.h"
 
 namespace standin {
@@ -21,30 +16,11 @@ void ArrayArgument(std::string& line, std::span<const Number> numbers) {
     line += ']';
 }
 
-struct Record {
-    std::mutex lock;
-    const bool watched = std::getenv("VORN_ENGINE_TRACE") != nullptr;
-    bool collecting = false;
-    std::vector<std::string> lines;
-};
-
-// Never destroyed: the engine's threads may write while the process ends.
-Record& TheRecord() {
-    static Record& record = *new Record;
-    return record;
-}
-
-/// The record's lock is held.
-void StateSet(const Record& record) {
-    detail::traceState =
-        record.watched || record.collecting ? detail::TraceState::On : detail::TraceState::Off;
-}
-
 }  // namespace
 
-namespace detail {
+std::atomic<bool> traced{true};
 
-std::atomic<TraceState> traceState{TraceState::Unknown};
+namespace detail {
 
 void TraceArgument(std::string& line, std::string_view text) {
     line += '"';
@@ -76,30 +52,5 @@ void TraceArgument(std::string& line, std::span<const int> numbers) {
 }
 
 }  // namespace detail
-
-void TraceStart() {
-    Record& record = TheRecord();
-    const std::lock_guard guard(record.lock);
-    record.lines.clear();
-    record.collecting = true;
-    StateSet(record);
-}
-
-std::vector<std::string> TraceStop() {
-    Record& record = TheRecord();
-    const std::lock_guard guard(record.lock);
-    record.collecting = false;
-    StateSet(record);
-    return std::exchange(record.lines, {});
-}
-
-void TraceLine(std::string line) {
-    if (detail::traceState == detail::TraceState::Off) return;
-    Record& record = TheRecord();
-    const std::lock_guard guard(record.lock);
-    StateSet(record);
-    if (record.watched) std::fprintf(stderr, "engine: %s\n", line.c_str());
-    if (record.collecting) record.lines.push_back(std::move(line));
-}
 
 }  // namespace standin

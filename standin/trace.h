@@ -1,8 +1,7 @@
-// The record of boundary calls: every operation of the engine writes itself down here with its arguments, so
-// that a test can hold the order of calls against the order that is required, and a person can watch them.
-//
-// Off at first. With VORN_ENGINE_TRACE set in the environment each call goes to standard error as it comes; a
-// test collects them instead. A line looks as the call does: `ProjectAddModule("PLANT1",0,8,0,170,150)`.
+// The trace of boundary calls: every operation of the engine tells its name and arguments here, as the call
+// looks: `ProjectAddModule("PLANT1",0,8,0,170,150)`. In service the lines go to standard error where
+// VORN_ENGINE_TRACE is set in the environment (`service/trace.cpp`); under test they can be collected
+// (`levers/trace_record.h`).
 
 #pragma once
 
@@ -10,24 +9,20 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "engine/vorn_records.h"
 
 namespace standin {
 
-/// Starts collecting, with an empty record. Any thread may call operations meanwhile.
-void TraceStart();
-/// Ends collecting and gives what was collected, in order.
-std::vector<std::string> TraceStop();
-/// Adds a line that is no engine call, such as a sleep. Nothing is kept while nobody collects or watches.
+/// Takes a line, an engine call or another event such as a sleep. Where nobody wants lines it says so in
+/// `traced`. Any thread may call it.
 void TraceLine(std::string line);
 
+/// Whether lines are made. True at first, so that the first line finds out: a host sets the environment in
+/// its `main`, behind the loading of this library.
+extern std::atomic<bool> traced;
+
 namespace detail {
-/// Whether calls are kept; unknown until the first call, so that a host can set the environment in its
-/// `main`.
-enum class TraceState { Unknown, Off, On };
-extern std::atomic<TraceState> traceState;
 void TraceArgument(std::string& line, std::string_view text);
 void TraceArgument(std::string& line, const LinkSxCache& link);
 void TraceArgument(std::string& line, long long number);
@@ -51,7 +46,7 @@ inline void TraceArgument(std::string& line, bool flag) {
 /// Writes one call down. Costs one load where nothing is traced.
 template <typename... Arguments>
 void Trace(std::string_view operation, const Arguments&... arguments) {
-    if (detail::traceState.load(std::memory_order_relaxed) == detail::TraceState::Off) return;
+    if (!traced.load(std::memory_order_relaxed)) return;
     std::string line(operation);
     line += '(';
     ((detail::TraceArgument(line, arguments), line += ','), ...);

@@ -4,13 +4,18 @@
 
 namespace standin {
 
+bool ElementNumberRead(std::string_view text, int& number) {
+    const bool padded = text.size() > 1 && text[0] == '0';
+    return !padded && vorn::NumberFromDigits(text, number);
+}
+
 bool ElementPrefixCut(std::string_view& text, int& kind, int& number) {
     constexpr std::size_t PrefixBytes = 3;
     const std::string_view prefix = text.substr(0, PrefixBytes);
     if (prefix != "MOD" && prefix != "NOD") return false;
     const std::size_t end = text.find('_');
     if (end == std::string_view::npos) return false;
-    if (!vorn::NumberFromDigits(text.substr(PrefixBytes, end - PrefixBytes), number)) return false;
+    if (!ElementNumberRead(text.substr(PrefixBytes, end - PrefixBytes), number)) return false;
     kind = prefix == "MOD" ? ModuleKind : NodeKind;
     text.remove_prefix(end + 1);
     return true;

@@ -24,6 +24,10 @@ inline constexpr std::array<PortReal, 3> PortReals{{
 /// The word of a port's array.
 inline constexpr std::string_view PortSeriesWord = "ARY";
 
+/// Reads an element's number, decimal digits without leading zeros, so that an identity such as `MOD01` stays
+/// free for clients. False, with `number` as it was, for any other text.
+bool ElementNumberRead(std::string_view text, int& number);
+
 /// Reads the element that a name's text behind the project begins with, such as `MOD7_`, and cuts it off.
 /// False, with the text as it was, where the text begins otherwise.
 bool ElementPrefixCut(std::string_view& text, int& kind, int& number);

@@ -30,7 +30,7 @@ TEST_F(FrameTest, RoutesWordsAndAddresses) {
             EXPECT_EQ(Send(word, name), reply) << word << ' ' << name;
     };
     expect("nothing", "Q PX_MOD0", NoProject);
-    expect("nothing", "P P_ P_MOD P_MOD1a P_MOD99999999999 P_B", NoElement);
+    expect("nothing", "P P_ P_MOD P_MOD1a P_MOD00 P_MOD99999999999 P_B", NoElement);
     expect("nothing", "P_MOD0 p_LNK77 P_A_B", NoHeader);
     ExpectReplies({{"", "", "", NoProject},
                    {"create", "R", "", NoProject},
@@ -38,11 +38,16 @@ TEST_F(FrameTest, RoutesWordsAndAddresses) {
                    {"MoveModNod", "P_MOD0", "", NoHeader}});
     EXPECT_EQ(Send("AddNode", "P_whatever"), "找不到VornModuleID对应的节点,请核查VornModuleID");
     EXPECT_EQ(Send("Fdp", "p") + Send("Fdp", "Q") + Send("Fdp", ""), "100");
+    // Only numbers without leading zeros are addresses, so an identity can look like one with them.
+    EXPECT_EQ(Send("Get", "P_MOD00_Opening") + Send("Get", "P_MOD0_Opening"),
+              string(NoVariable) + "0.000000");
     // A module comes before a node of the same identity.
     ProjectAddNode("P", 0, 0, 0, 0, 0);
     NodeInstanceIDSet(0, 0, "A_B");
     ExpectExchange("nothing", "P_A_B", "", NoHeader,
                    R"(NameParsing_ModNod("P_A_B"); Module_FindInstanceID(0,"A_B"))");
+    NodeInstanceIDSet(0, 0, "NOD00");
+    expect("nothing", "P_NOD00", NoHeader);
     ExpectExchange("nothing", "P_MOD0", "", NoHeader, R"(NameParsing_ModNod("P_MOD0"))");
 }
 

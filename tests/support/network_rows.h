@@ -12,7 +12,7 @@
 #include "network/branches.h"
 #include "network/project_check.h"
 #include "network/verdict.h"
-#include "standin/control.h"
+#include "standin/levers/levers.h"
 
 namespace vorn {
 

@@ -10,8 +10,8 @@
 
 #include "service/dispatcher.h"
 #include "service/service_locks.h"
-#include "standin/control.h"
-#include "standin/trace.h"
+#include "standin/levers/levers.h"
+#include "standin/levers/trace_record.h"
 #include "tests/support/trace_sleep.h"
 
 /// The reply to one request.

@@ -1,14 +1,12 @@
-#include "standin/control.h"
+#include "standin/levers/levers.h"
 
 #include <array>
 #include <mutex>
 #include <unordered_map>
 #include <utility>
 
-#include "engine/vorn_core.h"
 #include "standin/project.h"
 #include "standin/simulation.h"
-#include "standin/trace.h"
 
 namespace standin {
 
@@ -62,6 +60,13 @@ void ViewBusySet(int polls) {
     TheControl().viewBusyPolls = polls;
 }
 
+bool ViewBusy() {
+    int& polls = TheControl().viewBusyPolls;
+    if (polls == 0) return false;
+    if (polls > 0) --polls;
+    return true;
+}
+
 void SimulationKeepOff(bool off) {
     const std::lock_guard guard(EngineLock());
     TheControl().simulationKeptOff = off;
@@ -95,11 +100,3 @@ void EngineReset() {
 }
 
 }  // namespace standin
-
-bool GuiRef_Get(int slot) {
-    standin::Trace("GuiRef_Get", slot);
-    const std::lock_guard guard(standin::EngineLock());
-    int& polls = standin::TheControl().viewBusyPolls;
-    if (polls > 0) --polls;
-    return polls != 0;
-}
