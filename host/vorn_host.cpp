@@ -7,6 +7,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <optional>
 #include <string>
 #include <thread>
 
@@ -76,19 +77,13 @@ void StartPipe() {
 
 int main(int count, char** arguments) {
     Options options;
-    std::string fault;
-    if (!OptionsRead(count, arguments, options, fault)) {
-        std::fprintf(stderr, "vorn-host: %s\n", fault.c_str());
-        return 2;
-    }
-    if (options.help) {
-        std::fputs(HelpText, stdout);
-        return 0;
-    }
+    const std::optional<int> ended = OptionsRead(count, arguments, options);
+    if (ended) return *ended;
     if (options.trace) setenv("VORN_ENGINE_TRACE", "1", 1);
     const sigset_t endSignals = EndSignals();
     pthread_sigmask(SIG_BLOCK, &endSignals, nullptr);
 
+    std::string fault;
     if (options.serial && !SerialStart(*options.serial, fault)) {
         std::fprintf(stderr, "vorn-host: %s\n", fault.c_str());
         return 1;

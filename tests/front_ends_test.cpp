@@ -119,9 +119,9 @@ TEST(FrontEndsThreadsTest, AnswerAllWaysAtOnceAndLogEachExchangeWhole) {
     }
 }
 
-/// Runs vorn-send with arguments as a shell takes them; gives its output and its exit status.
-std::pair<string, int> RunSend(const string& arguments) {
-    std::FILE* output = popen((string(VORN_SEND_PROGRAM) + " 2>&1 " + arguments).c_str(), "r");
+/// Runs a program with arguments as a shell takes them; gives its output and its exit status.
+std::pair<string, int> RunProgram(const string& program, const string& arguments) {
+    std::FILE* output = popen((program + " 2>&1 " + arguments).c_str(), "r");
     string text;
     std::array<char, 4096> bytes{};
     for (size_t count = 0; (count = std::fread(bytes.data(), 1, bytes.size(), output)) > 0;) {
@@ -132,7 +132,7 @@ std::pair<string, int> RunSend(const string& arguments) {
 }
 
 TEST(SendThreadsTest, SendsOneCommandOverEitherTransport) {
-    HostProcess host;
+    HostProcess host(std::vector<string>{});
     const string row = host.WaitFor("holds the pipe VornServerPipe");
     const string port = "--port " + std::to_string(host.Port()) + " ";
     const string pipe = "--pipe=" + row + " ";
@@ -150,19 +150,49 @@ TEST(SendThreadsTest, SendsOneCommandOverEitherTransport) {
         {port + "Set json --file " + batch, "[\"OK\"]\n", 0},
         {"--file=- " + port + "Get json < " + batch, "[\"4.000000\"]\n", 0},
         {pipe + "Get json --file " + batch, "[\"4.000000\"]\n", 0},
+        {port + "Create PLANT2 '[1,\\n\"2\t\"]'", "OK\n", 0},
         {port + "-- --none", "项目名称找不到(project Char error)\n", 0},
         {pipe + "a/b", "vorn-send: COMMAND and NAME cannot hold '/' on the pipe\n", 2},
         {"--port 9 Fdp P", "vorn-send: no answer on port 9 (Connection)\n", 1},
-        {"--pipe=100 Fdp P", "vorn-send: cannot read the option '--pipe=100'\n", 2},
-        {"", "vorn-send: no command is given\n", 2},
         {port + "Fdp P >/dev/full", "vorn-send: the reply cannot be written\n", 1},
     };
     for (const auto& each : cases) {
-        const auto [output, status] = RunSend(each.arguments);
+        const auto [output, status] = RunProgram(VORN_SEND_PROGRAM, each.arguments);
         EXPECT_TRUE(output.starts_with(each.output)) << each.arguments << ": " << output;
         EXPECT_EQ(status, each.status) << each.arguments;
     }
     std::filesystem::remove(batch);
+    EXPECT_EQ(host.WaitFor("write  Create PLANT2 "), R"([1,\n"2\x09"] OK)");
+}
+
+TEST(CommandLineTest, TellsWhatIsWrong) {
+    const string host = VORN_HOST_PROGRAM;
+    const string send = VORN_SEND_PROGRAM;
+    const struct {
+        string program, arguments, output;
+        int status;
+    } cases[] = {
+        {host, "--serial", "vorn-host: --serial: 1 required DEVICE[:BAUD] missing\n", 2},
+        {host, "--serial --quiet", "vorn-host: --serial: needs DEVICE[:BAUD] before --quiet\n", 2},
+        {host, "--serial /dev/null:7", "vorn-host: --serial: unknown speed '7' of the serial port;", 2},
+        {host, "--serial /dev/null", "vorn-host: /dev/null is no serial port\n", 1},
+        {host, "--quite", "vorn-host: The following argument was not expected: --quite\n", 2},
+        {host, "--version", "vorn-host " VORN_VERSION "\n", 0},
+        {send, "--version", "vorn-send " VORN_VERSION "\n", 0},
+        {send, "--help", "vorn-send: sends one command", 0},
+        {send, "--port 33360", "vorn-send: COMMAND is required\n", 2},
+        {send, "--port 0 Fdp", "vorn-send: --port: '0' is no number from 1 to 65535\n", 2},
+        {send, "--port 7x Fdp", "vorn-send: --port: '7x' is no number from 1 to 65535\n", 2},
+        {send, "--pipe=100 Fdp", "vorn-send: --pipe: '100' is no number from 0 to 99\n", 2},
+        {send, "--pipe --port 9 Fdp", "vorn-send: --port excludes --pipe\n", 2},
+        {send, "--file F A B C", "vorn-send: MESSAGES excludes --file\n", 2},
+        {send, "--file /none A", "vorn-send: cannot read the file '/none'\n", 2},
+    };
+    for (const auto& each : cases) {
+        const auto [output, status] = RunProgram(each.program, each.arguments);
+        EXPECT_TRUE(output.starts_with(each.output)) << each.arguments << ": " << output;
+        EXPECT_EQ(status, each.status) << each.arguments;
+    }
 }
 
 }  // namespace
