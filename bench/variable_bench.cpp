@@ -1,8 +1,10 @@
-// Reads and writes by name: one at a time, and batches of 10,000 beside what such a batch cannot do without:
-// the store's calls with the numbers' formatting or reading, and the JSON library's parse of the request. The
-// counter `ratio` is the batch's time over the sum of these two; no more than 2 is expected.
+// Reads and writes by name: one at a time, and batches of different names beside what such a batch cannot do
+// without: the store's calls with the numbers' formatting or reading, and the JSON library's parse of the
+// request. The counter `ratio` is the batch's time over the sum of these two; no more than 2 is expected, and
+// `batch_ns`, the time a name, is expected to be that of a small batch in a large one too.
 //
-// The project is at full capacity: all its modules are there, and all its rows of project variables taken.
+// All eight slots hold a project of the full number of modules, and each project variable of clients is
+// taken.
 
 #include <benchmark/benchmark.h>
 #include <rapidjson/document.h>
@@ -21,7 +23,6 @@
 
 namespace {
 
-constexpr int BatchNames = 10000;
 constexpr int ClientVariables = 250;
 constexpr int ValveType = 12;
 constexpr const char* ValueText = "21.437500";
@@ -30,53 +31,65 @@ constexpr const char* PortWords[] = {"PRE", "TEMP", "FLOW"};
 /// A variable in the numbers of the store.
 struct Place {
     bool ofProject;
+    int slot;
     int module;
     int port;
     int variable;
 };
 
+std::string ProjectOf(int slot) {
+    return "PLANT" + std::to_string(slot);
+}
+
 std::string ClientVariable(int number) {
     return "Reading" + std::to_string(number);
 }
 
-void MakeProject() {
+void MakeProjects() {
     static const bool made = [] {
-        ProjectJsonAdd("PLANT1");
-        for (int number = 0; number < ModuleCapacity; ++number) {
-            ProjectAddModule("PLANT1", number, ValveType, 0, 0, 0);
-        }
-        for (int number = 0; number < ClientVariables; ++number) {
-            ProjectVarAdd("PLANT1", 0, ClientVariable(number).c_str());
+        for (int slot = 0; slot < SlotCount; ++slot) {
+            const std::string project = ProjectOf(slot);
+            ProjectJsonAdd(project.c_str());
+            for (int number = 0; number < ModuleCapacity; ++number) {
+                ProjectAddModule(project.c_str(), number, ValveType, 0, 0, 0);
+            }
+            for (int number = 0; number < ClientVariables; ++number) {
+                ProjectVarAdd(project.c_str(), 0, ClientVariable(number).c_str());
+            }
         }
         return true;
     }();
     benchmark::DoNotOptimize(made);
 }
 
-/// The places of a batch. Every fourth is a variable of the project, the others are of ports all over it.
-const std::vector<Place>& Places() {
-    static const std::vector<Place> places = [] {
-        std::vector<Place> made;
-        for (int position = 0; position < BatchNames; ++position) {
-            const int scattered = static_cast<int>(position * 7919LL % ModuleCapacity);
-            made.push_back(position % 4 == 0 ? Place{true, 0, 0, 6 + position / 4 % ClientVariables}
-                                             : Place{false, scattered, position / 4 % 2, position % 3});
+/// As many different places, one project after the other: first its variables, then ports all over its
+/// modules.
+std::vector<Place> Places(int count) {
+    constexpr int PortsOfSlot = ModuleCapacity * PortsPerElement;
+    std::vector<Place> places;
+    for (int slot = 0; slot < SlotCount; ++slot) {
+        for (int nth = 0; nth < ClientVariables; ++nth) places.push_back({true, slot, 0, 0, 6 + nth});
+        for (int nth = 0; nth < PortsOfSlot * 3 && static_cast<int>(places.size()) < count; ++nth) {
+            // A step without a factor in common with the number of ports comes by each of them.
+            const int port = static_cast<int>(nth / 3 * 7919LL % PortsOfSlot);
+            places.push_back({false, slot, port / PortsPerElement, port % PortsPerElement, nth % 3});
         }
-        return made;
-    }();
+    }
+    places.resize(static_cast<std::size_t>(count));
     return places;
 }
 
 std::string NameOf(const Place& place) {
-    if (place.ofProject) return "PLANT1_" + ClientVariable(place.variable - 6);
-    return "PLANT1_MOD" + std::to_string(place.module) + "_IM" + std::to_string(place.port) + "_" +
+    const std::string project = ProjectOf(place.slot) + "_";
+    if (place.ofProject) return project + ClientVariable(place.variable - 6);
+    return project + "MOD" + std::to_string(place.module) + "_IM" + std::to_string(place.port) + "_" +
            PortWords[place.variable];
 }
 
-std::string Request(bool writes) {
+std::string Request(const std::vector<Place>& places, bool writes) {
     std::string names;
     std::string values;
-    for (const Place& place : Places()) {
+    for (const Place& place : places) {
         if (!names.empty()) names += ',';
         names += '"' + NameOf(place) + '"';
         if (!values.empty()) values += ',';
@@ -85,23 +98,24 @@ std::string Request(bool writes) {
     return R"({"VarName":[)" + names + (writes ? R"(],"VarValue":[)" + values : "") + "]}";
 }
 
-void BareReads() {
+void BareReads(const std::vector<Place>& places) {
     std::string reply;
-    for (const Place& place : Places()) {
-        const double value = place.ofProject ? GloGet(0, place.variable)
-                                             : ModPortGet(0, place.module, place.port, place.variable);
+    for (const Place& place : places) {
+        const double value = place.ofProject
+                                 ? GloGet(place.slot, place.variable)
+                                 : ModPortGet(place.slot, place.module, place.port, place.variable);
         vorn::AppendReal(reply, value);
     }
     benchmark::DoNotOptimize(reply);
 }
 
-void BareWrites() {
-    for (const Place& place : Places()) {
+void BareWrites(const std::vector<Place>& places) {
+    for (const Place& place : places) {
         const double value = vorn::RealFromText(ValueText);
         if (place.ofProject) {
-            w_GloSet(0, place.variable, value);
+            w_GloSet(place.slot, place.variable, value);
         } else {
-            w_ModPortSet(0, place.module, place.port, place.variable, value);
+            w_ModPortSet(place.slot, place.module, place.port, place.variable, value);
         }
     }
 }
@@ -121,16 +135,18 @@ double Median(std::vector<double>& values) {
 /// Times a batch, the bare calls and the bare parse in turn; the counters are nanoseconds for each name.
 template <typename Batch, typename Bare>
 void Measure(benchmark::State& state, bool writes, Batch batch, Bare bare) {
-    MakeProject();
-    BareWrites();
-    const std::string request = Request(writes);
+    MakeProjects();
+    const auto count = static_cast<int>(state.range(0));
+    const std::vector<Place> places = Places(count);
+    BareWrites(places);
+    const std::string request = Request(places, writes);
     std::vector<double> batches;
     std::vector<double> bares;
     std::vector<double> parses;
     for (auto step : state) {
         std::string reply;
         batches.push_back(Nanoseconds([&] { batch(request.c_str(), reply); }));
-        bares.push_back(Nanoseconds(bare));
+        bares.push_back(Nanoseconds([&] { bare(places); }));
         parses.push_back(Nanoseconds([&] {
             rapidjson::Document document;
             document.Parse(request.c_str());
@@ -141,9 +157,9 @@ void Measure(benchmark::State& state, bool writes, Batch batch, Bare bare) {
     const double batchTime = Median(batches);
     const double bareTime = Median(bares);
     const double parseTime = Median(parses);
-    state.counters["batch_ns"] = batchTime / BatchNames;
-    state.counters["bare_ns"] = bareTime / BatchNames;
-    state.counters["parse_ns"] = parseTime / BatchNames;
+    state.counters["batch_ns"] = batchTime / count;
+    state.counters["bare_ns"] = bareTime / count;
+    state.counters["parse_ns"] = parseTime / count;
     state.counters["ratio"] = batchTime / (bareTime + parseTime);
 }
 
@@ -156,21 +172,26 @@ void BatchWrites(benchmark::State& state) {
 }
 
 void OneRead(benchmark::State& state) {
-    MakeProject();
+    MakeProjects();
     vorn::VarSetByName("PLANT1_MOD2000_IM0_TEMP", ValueText);
     for (auto step : state) benchmark::DoNotOptimize(vorn::VarGetByName("PLANT1_MOD2000_IM0_TEMP"));
 }
 
 void OneWrite(benchmark::State& state) {
-    MakeProject();
+    MakeProjects();
     for (auto step : state)
         benchmark::DoNotOptimize(vorn::VarSetByName("PLANT1_MOD2000_IM0_TEMP", ValueText));
 }
 
 BENCHMARK(OneRead);
 BENCHMARK(OneWrite);
-BENCHMARK(BatchReads)->Unit(benchmark::kMillisecond)->MinTime(1);
-BENCHMARK(BatchWrites)->Unit(benchmark::kMillisecond)->MinTime(1);
+void Sizes(benchmark::internal::Benchmark* bench) {
+    for (const int names : {1000, 10000, 1000000}) bench->Arg(names);
+    bench->Unit(benchmark::kMillisecond)->MinTime(1);
+}
+
+BENCHMARK(BatchReads)->Apply(Sizes);
+BENCHMARK(BatchWrites)->Apply(Sizes);
 
 }  // namespace
 

@@ -36,6 +36,17 @@ struct DepthGuard {
     bool EndArray(rapidjson::SizeType elements) { return --depth >= 0 && document.EndArray(elements); }
 };
 
+template <unsigned Flags, typename Stream>
+void Parse(Stream stream, rapidjson::Document& document) {
+    document.SetNull();
+    auto parse = [&stream](rapidjson::Document& target) {
+        rapidjson::Reader reader;
+        DepthGuard guard{target};
+        return !reader.Parse<Flags>(stream, guard).IsError();
+    };
+    document.Populate(parse);
+}
+
 template <typename Value, typename Test, typename Get>
 Field ReadField(const rapidjson::Value& object, const char* name, Value& value, Test accepted, Get get) {
     const auto member = object.FindMember(name);
@@ -48,14 +59,11 @@ Field ReadField(const rapidjson::Value& object, const char* name, Value& value, 
 }  // namespace
 
 void JsonParse(const char* text, rapidjson::Document& document) {
-    document.SetNull();
-    auto parse = [text](rapidjson::Document& target) {
-        rapidjson::StringStream stream(text);
-        rapidjson::Reader reader;
-        DepthGuard guard{target};
-        return !reader.Parse(stream, guard).IsError();
-    };
-    document.Populate(parse);
+    Parse<rapidjson::kParseDefaultFlags>(rapidjson::StringStream(text), document);
+}
+
+void JsonParseInPlace(char* text, rapidjson::Document& document) {
+    Parse<rapidjson::kParseInsituFlag>(rapidjson::InsituStringStream(text), document);
 }
 
 std::string JsonText(const rapidjson::Value& value) {

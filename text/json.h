@@ -17,6 +17,10 @@ inline constexpr int JsonDepthLimit = 256;
 /// `document` is null afterwards. Text values are taken as they come, valid UTF-8 or not.
 void JsonParse(const char* text, rapidjson::Document& document);
 
+/// The same without a copy of the text values: they stay in `text`, which is changed and must outlive the use
+/// of `document`.
+void JsonParseInPlace(char* text, rapidjson::Document& document);
+
 /// The compact JSON text of `value`.
 std::string JsonText(const rapidjson::Value& value);
 

@@ -64,10 +64,10 @@ int IntFromReal(double value) {
 }
 
 bool NumberFromDigits(std::string_view text, int& number) {
-    if (text.empty() || text.find_first_not_of("0123456789") != std::string_view::npos) return false;
+    if (text.empty() || text.front() < '0' || text.front() > '9') return false;
     int value = 0;
     const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (result.ec != std::errc()) return false;
+    if (result.ec != std::errc() || result.ptr != text.data() + text.size()) return false;
     number = value;
     return true;
 }

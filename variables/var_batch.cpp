@@ -46,16 +46,18 @@ void ListWrite(std::string& reply, SizeType count, Append append) {
 }  // namespace
 
 void VarGetByJson(const char* json, std::string& reply) {
+    std::string text(json);
     rapidjson::Document document;
-    JsonParse(json, document);
+    JsonParseInPlace(text.data(), document);
     const Value* names = ArrayMember(document, "VarName");
     ListWrite(reply, names == nullptr ? 0 : names->Size(),
               [&](SizeType position) { VarAppendByName(reply, NameOf((*names)[position])); });
 }
 
 void VarSetByJson(const char* json, std::string& reply) {
+    std::string text(json);
     rapidjson::Document document;
-    JsonParse(json, document);
+    JsonParseInPlace(text.data(), document);
     const Value* names = ArrayMember(document, "VarName");
     const Value* values = ArrayMember(document, "VarValue");
     SizeType count = names == nullptr ? 0 : names->Size();
