@@ -8,6 +8,7 @@
 #include "engine/vorn_core.h"
 #include "platform/file_text.h"
 #include "platform/sleep.h"
+#include "text/project_name.h"
 
 namespace vorn {
 
@@ -22,7 +23,7 @@ constexpr std::size_t FileLimit = 0x7fffffff;
 /// What stands in the file after the wait, up to its first zero byte; empty when it cannot be read.
 std::string DrawnText(int pjtnb, const char* ending) {
     SleepMilliseconds(DrawingMilliseconds);
-    std::string path = std::string("../AlgProject/") + ProjectNameGet(pjtnb) + "/";
+    std::string path = ProjectFolderPath(ProjectNameGet(pjtnb));
     path = path + ProjectNameGet(pjtnb) + ending;
     std::string content;
     if (!FileRead(path, FileLimit, content)) return {};

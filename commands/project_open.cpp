@@ -3,8 +3,8 @@
 #include <string>
 
 #include "commands/handlers.h"
-#include "commands/project_name.h"
 #include "engine/vorn_core.h"
+#include "text/project_name.h"
 
 namespace vorn {
 

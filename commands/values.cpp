@@ -55,16 +55,21 @@ struct ItemValue {
 
 constexpr std::size_t ValueBytes = 255;
 
-/// Reads the request of a command that sets a value. False for a value text that is too long: then nothing is
-/// written and nothing refreshed.
-bool ItemValueRead(const std::string& messages, ItemValue& value) {
+/// Reads the request of a command that sets a value.
+ItemValue ItemValueRead(const std::string& messages) {
+    ItemValue value;
     rapidjson::Document document;
     JsonParse(messages.c_str(), document);
-    if (!document.IsObject()) return true;
+    if (!document.IsObject()) return value;
     FieldInt(document, "Row", value.row);
     FieldInt(document, "Column", value.column);
     FieldText(document, "Value", value.text);
-    return value.text.size() <= ValueBytes;
+    return value;
+}
+
+/// A value text that is too long: nothing is written and nothing refreshed.
+bool IsTooLong(const ItemValue& value) {
+    return value.text.size() > ValueBytes;
 }
 
 void ItemValueWrite(const Request& request, const ItemValue& value, int column) {
@@ -117,25 +122,25 @@ std::string RunValueGet(const Request& request) {
 }
 
 std::string VarValueSet(const Request& request) {
-    ItemValue value;
-    if (!ItemValueRead(request.messages, value)) return Refused;
+    const ItemValue value = ItemValueRead(request.messages);
+    if (IsTooLong(value)) return Refused;
     ItemValueWrite(request, value, value.column);
     Pipe_PjtVarValueRef(request.pjtnb);
     return "OK";
 }
 
 std::string VarCacheSet(const Request& request) {
-    ItemValue value;
-    if (!ItemValueRead(request.messages, value)) return Refused;
+    const ItemValue value = ItemValueRead(request.messages);
     const bool known = value.column >= FirstCacheColumn && value.column <= LastCacheColumn;
+    if (known && IsTooLong(value)) return Refused;
     if (known) ItemValueWrite(request, value, value.column + CacheColumnShift);
     Pipe_PjtVarValueRef(request.pjtnb);
     return known ? "OK" : "仅有1、2、3套库值，您调用的column编号不可用";
 }
 
 std::string RunValueSet(const Request& request) {
-    ItemValue value;
-    if (!ItemValueRead(request.messages, value)) return Refused;
+    const ItemValue value = ItemValueRead(request.messages);
+    if (IsTooLong(value)) return Refused;
     ItemValueWrite(request, value, RunColumn);
     return "OK";
 }

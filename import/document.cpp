@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <string>
+#include <utility>
 
 #include "elements/view_refresh.h"
 #include "engine/vorn_core.h"
@@ -56,11 +57,14 @@ PortSize ReadPortSize(const JsonValue& object, const char* name) {
             .y = ReadMeasure(FieldNumber, member->value, "y")};
 }
 
-/// A port is given as a text that begins with a decimal number; words for numbers and other bases are none.
+/// A port is given as a text that begins with a decimal number, after white space and a sign at most; a text
+/// without leading digits, words for numbers and other bases count as 0.
 std::int32_t ReadPort(const JsonValue& object, const char* name) {
     std::string text;
     FieldText(object, name, text);
-    return IntFromReal(RealFromText(text.substr(0, text.find_first_not_of(" \t\n\v\f\r+-.0123456789eE"))));
+    const std::size_t first = text.find_first_not_of(" \t\n\v\f\r+-");
+    if (first == std::string::npos || text[first] == '.') return 0;
+    return IntFromReal(RealFromText(text.substr(0, text.find_first_not_of("+-.0123456789eE", first))));
 }
 
 /// Where `DeviceID` is present, of whatever type, `VornModuleID` is not looked at.
@@ -118,33 +122,22 @@ bool ReadList(const JsonValue& root, const char* name, bool (*read)(const JsonVa
     return true;
 }
 
-bool ReadDocument(int pjtnb, const char* text) {
+bool ReadDocument(const char* text, ImportLists& lists) {
+    std::string parsed(text);
     rapidjson::Document document;
-    JsonParse(text, document);
-    return document.IsObject() && ReadList(document, "DeviceInfo", ReadDevice, DevicesOf(pjtnb)) &&
-           ReadList(document, "ConnectionInfo", ReadConnection, ConnectionsOf(pjtnb));
+    JsonParseInPlace(parsed.data(), document);
+    return document.IsObject() && ReadList(document, "DeviceInfo", ReadDevice, lists.ImportDevices) &&
+           ReadList(document, "ConnectionInfo", ReadConnection, lists.ImportConnections);
 }
-
-/// The lists of a slot for the time of one import: empty again on every way out.
-class ImportInProgress {
-  public:
-    explicit ImportInProgress(int pjtnb) : pjtnb_(pjtnb) {}
-    ImportInProgress(const ImportInProgress&) = delete;
-    ImportInProgress& operator=(const ImportInProgress&) = delete;
-    ~ImportInProgress() { ImportListsClear(pjtnb_); }
-
-  private:
-    int pjtnb_;
-};
 
 }  // namespace
 
 const char* ProjectDocumentImport(int pjtnb, const char* text) {
     if (PjtStartGet(pjtnb)) return "project is runing";
-    const ImportInProgress guard(pjtnb);
-    if (!ReadDocument(pjtnb, text)) return "Shibai";
+    ImportLists lists;
+    if (!ReadDocument(text, lists)) return "Shibai";
     Pipe_ProjectInfoClear(pjtnb);
-    LinkExpansion(pjtnb);
+    LinkExpansion(pjtnb, std::move(lists));
     ProjectInfoWrite(ProjectNameGet(pjtnb));
     ProjectDBWrite(ProjectNameGet(pjtnb));
     RefreshAndWait(pjtnb);

@@ -21,9 +21,9 @@ namespace {
 
 /// A device for each connection: the first in the list that bears the connection's identity, or a new one at
 /// the list's end.
-void GiveConnectionsDevices(int pjtnb) {
-    DeviceList& devices = DevicesOf(pjtnb);
-    const ConnectionList& connections = ConnectionsOf(pjtnb);
+void GiveConnectionsDevices(ImportLists& lists) {
+    std::vector<DeviceEntry>& devices = lists.ImportDevices;
+    const std::vector<ConnectionEntry>& connections = lists.ImportConnections;
     // The index looks into the records, which therefore must not move.
     devices.reserve(devices.size() + connections.size());
     std::unordered_map<std::string_view, DeviceEntry*> firstOf;
@@ -34,7 +34,7 @@ void GiveConnectionsDevices(int pjtnb) {
         const auto found = firstOf.find(BoundedText(connection.ConnectionID));
         DeviceEntry* device = found == firstOf.end() ? nullptr : found->second;
         if (device == nullptr) {
-            device = &devices.emplace_back(BlankDevice);
+            device = &devices.emplace_back();
             TextCopy(device->InstanceID, BoundedText(connection.ConnectionID));
             firstOf.emplace(BoundedText(device->InstanceID), device);
         }
@@ -119,10 +119,10 @@ void PlaceModule(int pjtnb, const DeviceEntry& device, std::int64_t index, EdgeG
     ModuleInstanceIDSet(pjtnb, number, device.InstanceID);
 }
 
-void PlaceDevices(int pjtnb) {
+void PlaceDevices(int pjtnb, const std::vector<DeviceEntry>& devices) {
     EdgeGrid edge;
     std::int64_t index = 0;
-    for (const DeviceEntry& device : DevicesOf(pjtnb)) {
+    for (const DeviceEntry& device : devices) {
         if (device.ModuleOneID >= NodeIdFirst && device.ModuleOneID < NodeIdEnd) {
             PlaceNode(pjtnb, device);
         } else if (device.ModuleOneID > ModuleIdAbove) {
@@ -132,8 +132,8 @@ void PlaceDevices(int pjtnb) {
     }
 }
 
-void TiePipes(int pjtnb) {
-    for (ConnectionEntry& connection : ConnectionsOf(pjtnb)) {
+void TiePipes(int pjtnb, std::vector<ConnectionEntry>& connections) {
+    for (ConnectionEntry& connection : connections) {
         InstanceIdResolve(pjtnb, connection.ConnectionID, connection.PipeNb);
         int midstarteasynb = -1;
         const int startKind = InstanceIdResolve(pjtnb, connection.StartDeviceInstanceID, midstarteasynb);
@@ -162,8 +162,8 @@ void TieToRoom(int pjtnb, const DeviceEntry& device, int module, void (*tie)(int
     tie(pjtnb, module, roomModuleNb);
 }
 
-void TieRooms(int pjtnb) {
-    for (const DeviceEntry& device : DevicesOf(pjtnb)) {
+void TieRooms(int pjtnb, const std::vector<DeviceEntry>& devices) {
+    for (const DeviceEntry& device : devices) {
         const int module = Module_FindInstanceID(pjtnb, device.InstanceID);
         if (module < 0) continue;
         if (IsRoomLinked(device.ModuleOneID)) TieToRoom(pjtnb, device, module, Pipe_RoomLinkAnalysis);
@@ -175,14 +175,13 @@ void TieRooms(int pjtnb) {
 
 }  // namespace
 
-void LinkExpansion(int pjtnb) {
-    GiveConnectionsDevices(pjtnb);
-    PlaceDevices(pjtnb);
-    TiePipes(pjtnb);
-    TieRooms(pjtnb);
-    ModelParametersLoad(pjtnb);
-    PipeParametersSet(pjtnb);
-    ImportListsClear(pjtnb);
+void LinkExpansion(int pjtnb, ImportLists lists) {
+    GiveConnectionsDevices(lists);
+    PlaceDevices(pjtnb, lists.ImportDevices);
+    TiePipes(pjtnb, lists.ImportConnections);
+    TieRooms(pjtnb, lists.ImportDevices);
+    ModelParametersLoad(pjtnb, lists.ImportDevices);
+    PipeParametersSet(pjtnb, lists.ImportConnections);
 }
 
 }  // namespace vorn

@@ -1,9 +1,7 @@
-// The records of an import in progress, and the lists that hold them. Only the import touches them, on the
-// thread of the request and with the dispatcher's lock held.
+// The records of an import in progress, and the lists that hold them.
 
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <string_view>
 #include <vector>
@@ -45,24 +43,11 @@ struct ConnectionEntry {
     std::int32_t PipeNb = -1;  ///< module number of the pipe, negative until and unless it is placed
 };
 
-/// What each record starts as.
-inline constexpr DeviceEntry BlankDevice{};
-inline constexpr ConnectionEntry BlankConnection{};
-
-inline constexpr int ImportSlots = 8;
-
-using DeviceList = std::vector<DeviceEntry>;
-using ConnectionList = std::vector<ConnectionEntry>;
-
-/// The lists, by slot. Each is empty but during an import into its slot.
-extern std::array<DeviceList, ImportSlots>& ImportDevices;
-extern std::array<ConnectionList, ImportSlots>& ImportConnections;
-
-DeviceList& DevicesOf(int pjtnb);
-ConnectionList& ConnectionsOf(int pjtnb);
-
-/// Empties both lists of a slot and gives their memory back.
-void ImportListsClear(int pjtnb);
+/// What a document was read into, and the expansion makes a project of. One import has one.
+struct ImportLists {
+    std::vector<DeviceEntry> ImportDevices{};
+    std::vector<ConnectionEntry> ImportConnections{};
+};
 
 /// What a text field holds, up to its terminator. Texts are compared in this form.
 template <std::size_t Bytes>

@@ -4,7 +4,6 @@
 
 #include "engine/vorn_core.h"
 #include "engine/vorn_var.h"
-#include "import/import_lists.h"
 #include "text/number_text.h"
 
 namespace vorn {
@@ -37,8 +36,8 @@ void PipeParameterWrite(int pjtnb, int pipe, double length, int elbows) {
 
 }  // namespace
 
-void ModelParametersLoad(int pjtnb) {
-    for (const DeviceEntry& device : DevicesOf(pjtnb)) {
+void ModelParametersLoad(int pjtnb, const std::vector<DeviceEntry>& devices) {
+    for (const DeviceEntry& device : devices) {
         const int module = Module_FindInstanceID(pjtnb, device.InstanceID);
         if (module < 0) continue;
         const int type = ModuleOneID_ToID(device.ModuleOneID);
@@ -48,8 +47,8 @@ void ModelParametersLoad(int pjtnb) {
     }
 }
 
-void PipeParametersSet(int pjtnb) {
-    for (const ConnectionEntry& connection : ConnectionsOf(pjtnb)) {
+void PipeParametersSet(int pjtnb, const std::vector<ConnectionEntry>& connections) {
+    for (const ConnectionEntry& connection : connections) {
         PipeParameterWrite(pjtnb, connection.PipeNb, connection.Length, connection.RdcNumber);
     }
 }

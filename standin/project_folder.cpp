@@ -1,9 +1,6 @@
 #include "standin/project_folder.h"
 
-#include <algorithm>
-
-#include "standin/project.h"
-#include "text/fixed_text.h"
+#include "text/project_name.h"
 
 namespace standin {
 
@@ -11,10 +8,8 @@ namespace {
 
 /// The name in upper case, empty for one that no project can bear.
 std::string StoredName(std::string_view name) {
-    if (name.size() >= ProjectNameBytes) return {};
-    if (!std::all_of(name.begin(), name.end(), vorn::IsAsciiLetterOrDigit)) return {};
-    std::string upper(name);
-    std::transform(upper.begin(), upper.end(), upper.begin(), vorn::AsciiUpper);
+    std::string upper;
+    vorn::ProjectNameUpper(name, upper);
     return upper;
 }
 
@@ -22,12 +17,12 @@ std::string StoredName(std::string_view name) {
 
 std::string ProjectFolder(std::string_view name) {
     const std::string stored = StoredName(name);
-    return stored.empty() ? std::string() : "../AlgProject/" + stored + "/";
+    return stored.empty() ? stored : vorn::ProjectFolderPath(stored);
 }
 
 std::string ProjectFile(std::string_view name, std::string_view ending) {
     const std::string folder = ProjectFolder(name);
-    return folder.empty() ? std::string() : folder + StoredName(name) + std::string(ending);
+    return folder.empty() ? folder : folder + StoredName(name) + std::string(ending);
 }
 
 }  // namespace standin

@@ -1,5 +1,6 @@
 #include "import/catalog.h"
 
+#include <cstdio>
 #include <set>
 
 #include "engine/vorn_core.h"
@@ -21,41 +22,31 @@ Sizes SizesOf(const ReducerRow& row) {
     return {row.StartX, row.StartY, row.EndX, row.EndY};
 }
 
-/// Each line of `rows`: a row's number, identity, name and sizes.
+/// A digest (FNV-1a) of all rows: identity, name and sizes with two decimals, a line each.
 template <typename Catalog>
-void ExpectRows(const Catalog& catalog, const std::string& rows) {
-    std::istringstream lines(rows);
-    std::size_t number = 0;
-    std::int64_t oneId = 0;
-    for (std::string name; lines >> number >> oneId >> name;) {
-        EXPECT_EQ(catalog.at(number).OneID, oneId) << name;
-        EXPECT_EQ(catalog[number].Name, name);
-        for (const double size : SizesOf(catalog[number])) {
-            double expected = 0.0;
-            EXPECT_TRUE(lines >> expected && size == expected) << name << ' ' << size;
+std::uint64_t Digest(const Catalog& catalog) {
+    std::uint64_t digest = 0xcbf29ce484222325U;
+    for (const auto& row : catalog) {
+        std::string line = std::to_string(row.OneID) + " " + row.Name;
+        for (const double size : SizesOf(row)) {
+            char text[16];
+            std::snprintf(text, sizeof text, " %.2f", size);
+            line += text;
+        }
+        for (const char byte : line + "\n") {
+            digest = (digest ^ static_cast<unsigned char>(byte)) * 0x100000001b3U;
         }
     }
-    EXPECT_TRUE(lines.eof());
+    return digest;
 }
 
 }  // namespace
 
-TEST(CatalogTest, HoldsEachFamilyAtItsPlace) {
-    ExpectRows(StraightCatalog, R"(
-        0 24032022192805856 DN15铸铁管道 15 15            19 24032022192805856 DN600铸铁管道 600 600
-        20 25082921244318233 120_120风管 120 120          33 25082921244318233 320_320风管 320 320
-        71 25082921244318233 2000_1250风管 2000 1250      72 25083017561574261 1_4铜管 6.35 6.35
-        81 25083017561574261 1_3_8英寸铜管 34.93 34.93    87 25083017561574261 2_1_8英寸铜管 54 54)");
-    ExpectRows(ReducerCatalog, R"(
-        0 24032321240010392 20_15RDC 20 20 15 15          1 24032321240010392 25_15RDC 25 25 15 15
-        6 24032321240010392 40_20RDC 40 40 20 20          53 24032321240010392 600_550RDC 600 600 550 550
-        54 25082923170872582 160_120_120_120 160 120 120 120
-        102 25082923170872582 400_320_400_320 500 400 400 320
-        103 25082923170872582 500_400_400_400 500 400 400 400
-        197 25082923170872582 2000_1250_2000_1000 2000 1250 2000 1000
-        198 25083018524631661 3_8铜异径管 9.52 9.52 6.35 6.35
-        204 25083018524631661 1_1_8铜异径管 28.58 28.58 25.4 25.4
-        212 25083018524631661 2_1_8铜异径管 54 54 50.8 50.8)");
+TEST(CatalogTest, HoldsEachRowAtItsPlace) {
+    // The digests come of rows that were written out of the published tables, apart from the code.
+    EXPECT_EQ(Digest(StraightCatalog), 0x5bc1eb7b8ad59af8U);
+    EXPECT_EQ(Digest(ReducerCatalog), 0x7a523a1ad3d59564U);
+    EXPECT_EQ(StraightCatalog.at(5).Name, std::string_view("DN50铸铁管道"));
 }
 
 TEST(CatalogTest, HoldsNoSizesTwiceButFourSquareDucts) {

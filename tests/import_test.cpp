@@ -94,9 +94,17 @@ TEST_F(ImportTest, ReadsTheFieldsOfAConnection) {
     ExpectEach(Connected, "@", "Pipe_PipeLinkAnalysis(0,0,@)", R"("Other":1->1,2,0,0,2,1,0;
         "ConnectionType":2->2,2,0,0,2,1,0; "ConnectionType":"2"->0,2,0,0,2,1,0;
         "StartPortID":"2.9","EndPortID":" +3x"->1,2,0,2,2,1,3; "StartPortID":2,"EndPortID":"x"->1,2,0,0,2,1,0;
-        "StartPortID":"inf","EndPortID":"0x5"->1,2,0,0,2,1,0; "StartPortID":"-1.9","EndPortID":"1e99"->1,2,0,-1,2,1,2147483647;)");
+        "StartPortID":"inf","EndPortID":"0x5"->1,2,0,0,2,1,0; "StartPortID":"-1.9","EndPortID":"1e99"->1,2,0,-1,2,1,2147483647;
+        "StartPortID":".9e1","EndPortID":"\\t-.9e1"->1,2,0,0,2,1,0; "StartPortID":"+0.9e1","EndPortID":"+-7"->1,2,0,9,2,1,0;)");
     ExpectEach(Connected, "@", "ProjectModuleItemValueSet(0,0,0,@", R"("Length":12.5->1,"12.500000";
         "Length":-3.5->3,"3.500000"; "Length":3->2,"0.000000"; "Other":1->1,"0.000000"; "Length":1e300->none;)");
+    // 248 digits and seven more characters just fit.
+    const std::string longest = "1" + std::string(247, '0');
+    for (const bool fits : {true, false}) {
+        const auto calls =
+            CallsOf("PjtSent", "P", Connected("\"Length\":" + longest + (fits ? ".0" : "0.0")));
+        EXPECT_EQ(Holds(calls, "ProjectModuleItemValueSet(0,0,0,1"), fits);
+    }
     ExpectEach(Connected, "@", "ProjectModuleItemValueSet(0,0,1,@", R"("RdcNumber":3->1,"3";
         "RdcNumber":-3,"Length":1e300->3,"-3"; "RdcNumber":"3"->2,"0"; "Other":1->1,"0";)");
     ExpectEach(Connected, "@", "ProjectModuleItemValueSet(0,0,1,4@", R"("RdcNumber":3->none;)");
@@ -214,7 +222,6 @@ TEST_F(ImportTest, RefusesBeforeItTouchesTheProject) {
         standin::TraceStart();
         EXPECT_EQ(Send("PjtSent", "P", document), "Shibai") << document;
         EXPECT_EQ(standin::TraceStop(), (Lines{R"(NameParsing_ModNod("P"))", "PjtStartGet(0)"})) << document;
-        EXPECT_TRUE(vorn::DevicesOf(0).empty() && vorn::ConnectionsOf(0).empty()) << document;
     }
     EXPECT_EQ(Project().links.rows.size(), 2U);
     EXPECT_EQ(Send("PjtSent", "P", Document(R"({"DeviceID":3000,"InstanceID":")" + fits + "\"}")), "OK");
@@ -299,7 +306,6 @@ TEST_F(ImportTest, AnswersEachOfTenThousandDamagedDocuments) {
         }
         const std::string reply = Send("PjtSent", "P-1", document);
         ASSERT_TRUE(reply == "OK" || reply == "Shibai") << reply << "\n" << document;
-        ASSERT_TRUE(vorn::DevicesOf(1).empty() && vorn::ConnectionsOf(1).empty());
         if (reply == "OK") ++taken;
     }
     EXPECT_GT(taken, 2500);

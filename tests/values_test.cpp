@@ -28,6 +28,7 @@ TEST_F(ValuesTest, ServesEachKindInItsWay) {
     const string full(255, 'v');
     const string fits = R"({"Value":")" + full + "\"}";
     const string overlong = R"({"Column":9,"Value":"v)" + full + "\"}";
+    const string overlongInCache = R"({"Column":3,"Value":"v)" + full + "\"}";
     const string node = "ProjectNodeItemValueSet(0,0,";
     const string valve = "ProjectModuleItemValueSet(0,1,";
     const string read = "ProjectNameGet(0); NameParsing(\"P_MOD1_IM0_";
@@ -58,7 +59,8 @@ TEST_F(ValuesTest, ServesEachKindInItsWay) {
         {"VarCacheSet", "MOD1", R"({"Column":4,"Value":"x"})", BadColumn, Ref},
         {"VarCacheSet", "LNK0", R"({"Column":0})", BadColumn, Ref},
         {"VarCacheSet", "MOD1", "", BadColumn, Ref},
-        {"VarCacheSet", "MOD1", overlong, "shibai", ""},
+        {"VarCacheSet", "MOD1", overlong, BadColumn, Ref},
+        {"VarCacheSet", "MOD1", overlongInCache, "shibai", ""},
         {"RunValueSet", "MOD1", R"({"Row":1,"Column":3,"Value":"x"})", "OK", valve + "1,1,\"x\")"},
         {"RunValueSet", "NOD0", "[]", "OK", node + "0,1,\"\")"},
         {"RunValueSet", "LNK0", "{}", "OK", ""},

@@ -1,4 +1,4 @@
-#include "commands/project_name.h"
+#include "text/project_name.h"
 
 #include <algorithm>
 
@@ -12,6 +12,10 @@ bool ProjectNameUpper(std::string_view name, std::string& upper) {
     upper = name;
     std::transform(upper.begin(), upper.end(), upper.begin(), AsciiUpper);
     return true;
+}
+
+std::string ProjectFolderPath(std::string_view name) {
+    return "../AlgProject/" + std::string(name) + "/";
 }
 
 }  // namespace vorn
