@@ -4,7 +4,8 @@ set -euo pipefail
 . "$(dirname "$0")/lib.sh"
 
 packages=(g++ cmake ninja-build pkg-config curl python3 socat locales
-          rapidjson-dev libcpp-httplib-dev libcli11-dev liblua5.4-dev libgtest-dev libbenchmark-dev)
+          rapidjson-dev libcpp-httplib-dev libcli11-dev liblua5.4-dev libgtest-dev libbenchmark-dev
+          python3-jsonschema python3-pytest)
 [ "${1:-}" = --full ] && packages+=(clang-format clang-tidy)
 
 if ! command -v apt-get >/dev/null; then

@@ -1,0 +1,72 @@
+"""Reads the description of the interface: `interface.json` and the files that it leads to."""
+
+from __future__ import annotations
+
+import json
+import re
+from dataclasses import dataclass
+from pathlib import Path
+from typing import Any
+
+Json = dict[str, Any]
+
+API = Path(__file__).resolve().parent
+REPOSITORY = API.parent
+
+_PIECE = re.compile(r"\{[a-z]+\}")
+
+
+@dataclass(frozen=True)
+class Family:
+    """Commands that belong together: one file of `commands/`, one page of the reference."""
+
+    name: str
+    title: str
+    text: str
+    session: list[Json]
+    commands: list[Json]
+
+
+@dataclass(frozen=True)
+class Description:
+    interface: Json
+    failures: dict[str, Json]
+    families: list[Family]
+
+    @property
+    def commands(self) -> list[Json]:
+        return [command for family in self.families for command in family.commands]
+
+    def failures_of(self, command: Json) -> list[str]:
+        """All failures that a command may answer with, those of its target and of any request included."""
+        target: Json = self.interface["targets"][command["target"]]
+        return ["envelope", "internal", *target["failures"], *command["failures"]]
+
+
+def _read(path: Path) -> Json:
+    content: Json = json.loads(path.read_text(encoding="utf-8"))
+    return content
+
+
+def load() -> Description:
+    interface = _read(API / "interface.json")
+    families = [Family(name=name, **_read(API / "commands" / f"{name}.json")) for name in interface["families"]]
+    return Description(interface, _read(API / "failures.json"), families)
+
+
+def schema_of(command: Json) -> Json | None:
+    """The schema of a command's `messages`, with a reference to another file followed."""
+    schema: Json | None = command["messages"].get("schema")
+    if schema is not None and "$ref" in schema:
+        return _read(API / "commands" / schema["$ref"])
+    return schema
+
+
+def form_matches(form: str, text: str) -> bool:
+    """Whether a reply is of a form, in which a piece such as {number} stands for any characters."""
+    pieces = [re.escape(piece) for piece in _PIECE.split(form)]
+    return re.fullmatch(".*".join(pieces), text, re.DOTALL) is not None
+
+
+def has_pieces(form: str) -> bool:
+    return _PIECE.search(form) is not None

@@ -1,0 +1,51 @@
+#!/usr/bin/env python3
+"""Writes what is made from the description: `schemas/envelope.schema.json`.
+
+usage: generate.py [--check]
+
+With --check nothing is written, and the exit status tells whether all of it is current.
+"""
+
+from __future__ import annotations
+
+import json
+import sys
+from pathlib import Path
+
+sys.path.insert(0, str(Path(__file__).resolve().parents[1]))
+
+from api.description import API, Description, load  # noqa: E402
+from api.envelope import envelope_schema  # noqa: E402
+
+
+def made_from(description: Description) -> dict[Path, str]:
+    """The files and what they must hold."""
+    envelope = json.dumps(envelope_schema(description), ensure_ascii=False, indent=1)
+    return {API / "schemas/envelope.schema.json": envelope + "\n"}
+
+
+def stale(description: Description) -> list[Path]:
+    return [path for path, content in made_from(description).items()
+            if not path.exists() or path.read_text(encoding="utf-8") != content]
+
+
+def main(arguments: list[str]) -> int:
+    description = load()
+    old = stale(description)
+    if arguments == ["--check"]:
+        for path in old:
+            print(f"not current: {path}", file=sys.stderr)
+        return 1 if old else 0
+    if arguments:
+        print(__doc__, file=sys.stderr)
+        return 2
+    content = made_from(description)
+    for path in old:
+        path.parent.mkdir(parents=True, exist_ok=True)
+        path.write_text(content[path], encoding="utf-8")
+        print(f"written: {path.relative_to(API.parent)}")
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(sys.argv[1:]))
