@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Builds one preset: release (the default), debug, asan or tsan; behind it targets, where not all are wanted.
+# Builds one preset: release (the default), debug, asan, tsan or windows; behind it targets, where not all are wanted.
 set -euo pipefail
 . "$(dirname "$0")/lib.sh"
 

@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Installs the Debian packages that are missing. With --full also those of the format and lint checks.
+# Installs the Debian packages that are missing. With --full also those of the format and lint checks, with --windows
+# those that build and run for Windows.
 set -euo pipefail
 . "$(dirname "$0")/lib.sh"
 
@@ -7,6 +8,7 @@ packages=(g++ cmake ninja-build pkg-config curl python3 socat locales
           rapidjson-dev libcpp-httplib-dev libcli11-dev liblua5.4-dev libgtest-dev libbenchmark-dev
           python3-jsonschema python3-pytest)
 [ "${1:-}" = --full ] && packages+=(clang-format clang-tidy)
+[ "${1:-}" = --windows ] && packages+=(g++-mingw-w64-x86-64-posix wine wine64 dpkg-dev zip)
 
 if ! command -v apt-get >/dev/null; then
     say "no apt on this system: make sure that these Debian packages' likes are installed: ${packages[*]}"

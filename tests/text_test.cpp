@@ -4,6 +4,7 @@
 
 #include <clocale>
 #include <cmath>
+#include <cstdlib>
 #include <limits>
 
 #include "elements/grid.h"
@@ -29,6 +30,64 @@ TEST(TextTest, ReadsIntegersAsFarAsTheyGo) {
         EXPECT_EQ(vorn::IntFromText(most), IntMax) << most;
     for (const string least : {"-2147483648", "-99999999999"})
         EXPECT_EQ(vorn::IntFromText(least), IntMin) << least;
+}
+
+TEST(TextTest, ReadsRealsAsTheCLibraryDoes) {
+    for (const char* text : {"",
+                             ".",
+                             "-.",
+                             "+-4",
+                             "--4",
+                             " \t\n\v\f\r-2.5e1x",
+                             ".5.",
+                             "5.e+1",
+                             "1e",
+                             "1e+",
+                             "e5",
+                             "-0",
+                             "0x",
+                             "-0X",
+                             "0x.",
+                             "0x.8",
+                             "0xp1",
+                             "0x1.8P1z",
+                             "-0x1p-2",
+                             "0x-1",
+                             "0xg1",
+                             "0xinf",
+                             "0xnan",
+                             "0x1p+-2",
+                             "0x1.fffffffffffff8",
+                             "inf",
+                             "-INFINITY",
+                             "infx",
+                             "nan",
+                             "nan(12)",
+                             "1e308",
+                             "1.7976931348623159e308",
+                             "-1e400",
+                             "5e-324",
+                             "2e-324",
+                             "-1e-400",
+                             "0e99999999999",
+                             "1e99999999999",
+                             "1e-99999999999",
+                             "0x1p1023",
+                             "0x1p1024",
+                             "-0x1p-1074",
+                             "0x1p-1080",
+                             "0x1p99999999999",
+                             "0x.000000000000000000000000001p-1000",
+                             "0.1000000000000000055511151231257828"}) {
+        const double expected = std::strtod(text, nullptr);
+        const double value = vorn::RealFromText(text);
+        EXPECT_TRUE(std::isnan(expected) ? std::isnan(value) : value == expected) << text << ' ' << value;
+        EXPECT_EQ(std::signbit(value), std::signbit(expected)) << text;
+    }
+    const string zeros(400, '0');
+    EXPECT_EQ(vorn::RealFromText("1" + zeros + "e-400"), 1.0);
+    EXPECT_EQ(vorn::RealFromText("1" + zeros + "e-1000"), 0.0);
+    EXPECT_EQ(vorn::RealFromText("0." + zeros + "1e1000"), HUGE_VAL);
 }
 
 TEST(TextTest, CutsRealsToThirtyTwoBits) {

@@ -1,8 +1,5 @@
 #include "text/number_text.h"
 
-#include <locale.h>
-#include <stdlib.h>
-
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -16,9 +13,34 @@ namespace {
 // What `strtod` counts as white space in the C locale.
 constexpr std::string_view WhiteSpace = " \t\n\v\f\r";
 
-locale_t CLocale() {
-    static const locale_t locale = newlocale(LC_ALL_MASK, "C", nullptr);
-    return locale;
+/// How a number's text is written: in tens, or in sixteens behind `0x`.
+struct Notation {
+    std::chars_format format = std::chars_format::general;
+    std::string_view digits = "0123456789";
+    std::string_view exponentMark = "eE";
+    int exponentsPerDigit = 1;
+};
+constexpr Notation Decimal;
+constexpr Notation Hexadecimal{std::chars_format::hex, "0123456789abcdefABCDEF", "pP", 4};
+
+/// True for `0x` with a digit behind it, or a point and a digit. Without them the number is the `0`.
+bool HexadecimalBegins(std::string_view text) {
+    if (!text.starts_with("0x") && !text.starts_with("0X")) return false;
+    text.remove_prefix(2);
+    if (text.starts_with('.')) text.remove_prefix(1);
+    return !text.empty() && Hexadecimal.digits.find(text.front()) != std::string_view::npos;
+}
+
+/// The side on which a number left the range of a double: its first digit that is not zero, seen from the
+/// point, and its exponent tell. True when it is too large.
+bool TooLarge(std::string_view number, const Notation& notation) {
+    const std::size_t mark = std::min(number.find_first_of(notation.exponentMark), number.size());
+    const std::string_view mantissa = number.substr(0, mark);
+    const std::size_t point = std::min(mantissa.find('.'), mantissa.size());
+    const std::size_t first = mantissa.find_first_not_of("0.");
+    const auto places = static_cast<long long>(point) - static_cast<long long>(first);
+    const int exponent = mark == number.size() ? 0 : IntFromText(number.substr(mark + 1));
+    return places * notation.exponentsPerDigit + exponent > 0;
 }
 
 }  // namespace
@@ -36,15 +58,21 @@ void AppendReal(std::string& text, double value) {
 
 double RealFromText(std::string_view text) {
     text.remove_prefix(std::min(text.find_first_not_of(WhiteSpace), text.size()));
-    if (text.starts_with('+') && !text.starts_with("+-")) text.remove_prefix(1);
+    const bool negative = text.starts_with('-');
+    if (negative || text.starts_with('+')) text.remove_prefix(1);
+    if (text.starts_with('+') || text.starts_with('-')) return 0.0;
+    const bool hexadecimal = HexadecimalBegins(text);
+    const Notation& notation = hexadecimal ? Hexadecimal : Decimal;
+    // GCC 12 takes an exponent with two signs in this notation.
+    if (hexadecimal) text = text.substr(2, std::min(text.find("+-"), text.size()) - 2);
     double value = 0.0;
-    const char* const last = text.data() + text.size();
-    const auto [end, error] = std::from_chars(text.data(), last, value);
-    const bool hexadecimal = end != last && (*end == 'x' || *end == 'X');
-    if (error != std::errc::result_out_of_range && !hexadecimal) return value;
-    // The two forms that are left to the slow reader, which wants a terminated text.
-    const std::string copy(text);
-    return strtod_l(copy.c_str(), nullptr, CLocale());
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value, notation.format);
+    if (error == std::errc::invalid_argument) return 0.0;
+    if (error == std::errc::result_out_of_range) {
+        const std::string_view number = text.substr(0, static_cast<std::size_t>(end - text.data()));
+        value = TooLarge(number, notation) ? std::numeric_limits<double>::infinity() : 0.0;
+    }
+    return negative ? -value : value;
 }
 
 int IntFromText(std::string_view text) {

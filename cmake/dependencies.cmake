@@ -1,0 +1,27 @@
+# The libraries that the project takes from the system's packages, each as one target.
+
+find_package(Threads REQUIRED)
+find_path(RAPIDJSON_INCLUDE rapidjson/document.h REQUIRED)
+find_path(CLI11_INCLUDE CLI/CLI.hpp REQUIRED)
+
+if(WIN32)
+  # Headers and static libraries, so that what is built needs no other file beside it.
+  find_path(HTTPLIB_INCLUDE httplib.h REQUIRED)
+  add_library(vorn_httplib INTERFACE)
+  target_include_directories(vorn_httplib SYSTEM INTERFACE ${HTTPLIB_INCLUDE})
+  target_link_libraries(vorn_httplib INTERFACE ws2_32)
+  if(NOT VORN_ENGINE_DIR)
+    find_package(Lua 5.4 REQUIRED)
+    add_library(vorn_lua INTERFACE)
+    target_include_directories(vorn_lua SYSTEM INTERFACE ${LUA_INCLUDE_DIR})
+    target_link_libraries(vorn_lua INTERFACE ${LUA_LIBRARIES})
+  endif()
+else()
+  find_package(PkgConfig REQUIRED)
+  pkg_check_modules(HTTPLIB REQUIRED IMPORTED_TARGET cpp-httplib)
+  add_library(vorn_httplib ALIAS PkgConfig::HTTPLIB)
+  if(NOT VORN_ENGINE_DIR)
+    pkg_check_modules(LUA REQUIRED IMPORTED_TARGET lua5.4)
+    add_library(vorn_lua ALIAS PkgConfig::LUA)
+  endif()
+endif()

@@ -1,0 +1,183 @@
+#include "platform/named_pipe.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <string>
+
+#include "platform/windows/wide_text.h"
+
+namespace vorn {
+
+/// Every operation is an overlapped one, so that none outlasts its time.
+struct NamedPipe {
+    HANDLE handle = INVALID_HANDLE_VALUE;
+    HANDLE done = nullptr;  ///< the event of the one operation under way
+    bool server = false;
+    std::string first{};  ///< what a client sent first and the read loop has not yet taken
+};
+
+namespace {
+
+constexpr DWORD BufferBytes = 256;
+/// A reply may have to wait for clients in front, each of which may hold the pipe up.
+constexpr int AnswerHolds = 5;
+constexpr DWORD QueueWaitMilliseconds = 100;
+/// Rests between two tries of what the system refuses for the moment.
+constexpr DWORD RefusedRestMilliseconds = 100;
+constexpr DWORD CancelAgainMilliseconds = 100;
+
+std::atomic<int> holdMilliseconds{60000};
+
+DWORD Hold() {
+    return static_cast<DWORD>(holdMilliseconds.load());
+}
+
+std::wstring FullName(std::string_view name) {
+    return LR"(\\.\pipe\)" + WideFromCodePage(name);
+}
+
+NamedPipe* Wrap(HANDLE handle, bool server) {
+    if (handle == INVALID_HANDLE_VALUE) return nullptr;
+    return new NamedPipe{
+        .handle = handle, .done = CreateEventW(nullptr, TRUE, FALSE, nullptr), .server = server};
+}
+
+/// Starts an operation by `start`, which is given its overlapped record, and waits for it. Gives the bytes
+/// that it moved; false when it failed or was not done in time, with the system's error number.
+template <typename Start>
+bool Run(NamedPipe* pipe, DWORD atMost, DWORD& bytes, Start start) {
+    OVERLAPPED operation{};
+    operation.hEvent = pipe->done;
+    bytes = 0;
+    if (!start(&operation)) {
+        if (GetLastError() != ERROR_IO_PENDING) return false;
+        if (WaitForSingleObject(pipe->done, atMost) != WAIT_OBJECT_0) CancelIoEx(pipe->handle, &operation);
+    }
+    return GetOverlappedResult(pipe->handle, &operation, &bytes, TRUE) != FALSE;
+}
+
+/// Reads what is there, up to `size` bytes, and waits for it. 0 at the end of what comes and when nothing
+/// came in time.
+std::size_t Receive(NamedPipe* pipe, char* bytes, std::size_t size, DWORD atMost) {
+    DWORD read = 0;
+    const auto start = [&](OVERLAPPED* operation) {
+        return ::ReadFile(pipe->handle, bytes, static_cast<DWORD>(size), nullptr, operation);
+    };
+    return Run(pipe, atMost, read, start) ? read : 0;
+}
+
+/// Waits for the next client. One that has come, and even gone, before the call is served as well.
+bool ClientAwait(NamedPipe* pipe) {
+    DWORD none = 0;
+    const auto start = [&](OVERLAPPED* operation) { return ::ConnectNamedPipe(pipe->handle, operation); };
+    if (Run(pipe, INFINITE, none, start)) return true;
+    const DWORD error = GetLastError();
+    return error == ERROR_PIPE_CONNECTED || error == ERROR_NO_DATA;
+}
+
+/// Breaks the flush off that another thread waits in.
+void CALLBACK FlushCancel(void* pipe, BOOLEAN /*timerFired*/) {
+    CancelIoEx(static_cast<HANDLE>(pipe), nullptr);
+}
+
+}  // namespace
+
+void PipeHoldSet(int milliseconds) {
+    holdMilliseconds = milliseconds;
+}
+
+NamedPipe* CreateNamedPipeW(std::string_view name) {
+    constexpr DWORD Open = PIPE_ACCESS_DUPLEX | FILE_FLAG_FIRST_PIPE_INSTANCE | FILE_FLAG_OVERLAPPED;
+    constexpr DWORD Mode = PIPE_TYPE_BYTE | PIPE_READMODE_BYTE | PIPE_WAIT | PIPE_REJECT_REMOTE_CLIENTS;
+    return Wrap(
+        ::CreateNamedPipeW(FullName(name).c_str(), Open, Mode, 1, BufferBytes, BufferBytes, 0, nullptr),
+        true);
+}
+
+bool ConnectNamedPipe(NamedPipe* pipe) {
+    if (!ClientAwait(pipe)) {
+        DisconnectNamedPipe(pipe);
+        Sleep(RefusedRestMilliseconds);
+        return false;
+    }
+    std::array<char, BufferBytes> bytes{};
+    pipe->first.assign(bytes.data(), Receive(pipe, bytes.data(), bytes.size(), Hold()));
+    if (!pipe->first.empty()) return true;
+    DisconnectNamedPipe(pipe);
+    return false;
+}
+
+bool PeekNamedPipe(NamedPipe* pipe, std::size_t& waiting) {
+    DWORD more = 0;
+    const bool connected = ::PeekNamedPipe(pipe->handle, nullptr, 0, nullptr, &more, nullptr) != FALSE;
+    waiting = pipe->first.size() + more;
+    return connected || waiting > 0;
+}
+
+std::size_t ReadFile(NamedPipe* pipe, char* bytes, std::size_t size) {
+    std::size_t read = pipe->first.copy(bytes, size);
+    pipe->first.erase(0, read);
+    const DWORD atMost = pipe->server ? Hold() : AnswerHolds * Hold();
+    std::size_t waiting = 1;
+    while (read < size) {
+        // A server takes what is there, a client waits for the end.
+        if (pipe->server && (!PeekNamedPipe(pipe, waiting) || waiting == 0)) break;
+        const std::size_t received = Receive(pipe, bytes + read, size - read, atMost);
+        if (received == 0) break;
+        read += received;
+    }
+    return read;
+}
+
+bool WriteFile(NamedPipe* pipe, std::string_view text) {
+    DWORD written = 0;
+    const auto start = [&](OVERLAPPED* operation) {
+        return ::WriteFile(pipe->handle, text.data(), static_cast<DWORD>(text.size()), nullptr, operation);
+    };
+    return Run(pipe, Hold(), written, start) && written == text.size();
+}
+
+void FlushFileBuffers(NamedPipe* pipe) {
+    // The one operation that cannot overlap: it is broken off from outside when its time is up.
+    HANDLE timer = nullptr;
+    if (!CreateTimerQueueTimer(&timer, nullptr, FlushCancel, pipe->handle, Hold(), CancelAgainMilliseconds,
+                               0))
+        return;
+    ::FlushFileBuffers(pipe->handle);
+    // Waits for a call of the timer that is under way.
+    DeleteTimerQueueTimer(nullptr, timer, INVALID_HANDLE_VALUE);
+}
+
+void DisconnectNamedPipe(NamedPipe* pipe) {
+    ::DisconnectNamedPipe(pipe->handle);
+    pipe->first.clear();
+}
+
+void WaitNamedPipeW(std::string_view name) {
+    ::WaitNamedPipeW(FullName(name).c_str(), NMPWAIT_WAIT_FOREVER);
+}
+
+NamedPipe* CreateFileW(std::string_view name) {
+    const std::wstring full = FullName(name);
+    // The server may learn who calls, and may not act in the caller's name.
+    constexpr DWORD Flags = FILE_FLAG_OVERLAPPED | SECURITY_SQOS_PRESENT | SECURITY_IDENTIFICATION;
+    for (bool waited = false;; waited = true) {
+        NamedPipe* const pipe = Wrap(::CreateFileW(full.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
+                                                   OPEN_EXISTING, Flags, nullptr),
+                                     false);
+        if (pipe != nullptr || waited || GetLastError() != ERROR_PIPE_BUSY) return pipe;
+        ::WaitNamedPipeW(full.c_str(), QueueWaitMilliseconds);
+    }
+}
+
+void CloseHandle(NamedPipe* pipe) {
+    if (pipe == nullptr) return;
+    ::CloseHandle(pipe->handle);
+    ::CloseHandle(pipe->done);
+    delete pipe;
+}
+
+}  // namespace vorn
