@@ -16,6 +16,7 @@
 #include <thread>
 #include <vector>
 
+#include "include/vorn_contract.h"
 #include "include/vorn_server.h"
 #include "platform/listen_socket.h"
 
@@ -24,8 +25,6 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr int BarePort = 33559;
-constexpr int FirstPort = 33360;
-constexpr int LastPort = 33459;
 /// Requests to one server before the other has its turn; a connection serves a hundred.
 constexpr int Block = 100;
 constexpr int BatchNames = 10000;
@@ -74,8 +73,8 @@ void BareServer() {
 /// Starts both servers; gives the port of the service, the first that was free.
 int ServicePort() {
     static const int found = [] {
-        int port = FirstPort;
-        while (port <= LastPort && httplib::Client("127.0.0.1", port).Get("/hi")) ++port;
+        int port = VORN_FIRST_PORT;
+        while (port <= VORN_LAST_PORT && httplib::Client("127.0.0.1", port).Get("/hi")) ++port;
         std::thread([] { HttpServerThread(nullptr); }).detach();
         std::thread(BareServer).detach();
         std::this_thread::sleep_for(std::chrono::milliseconds(300));

@@ -7,6 +7,7 @@
 #include <random>
 #include <thread>
 
+#include "include/vorn_contract.h"
 #include "include/vorn_server.h"
 
 namespace {
@@ -40,8 +41,8 @@ bool TakeOutMarked(std::string& log, const std::string& mark) {
 
 int OwnPortFind(const std::function<bool()>& waiting, const std::function<void(const std::string&)>& reads) {
     const std::string mark = UniqueMark();
-    for (int port = FirstPort; waiting(); port = port == LastPort ? FirstPort : port + 1) {
-        if (port == FirstPort) std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    for (int port = VORN_FIRST_PORT; waiting(); port = port == VORN_LAST_PORT ? VORN_FIRST_PORT : port + 1) {
+        if (port == VORN_FIRST_PORT) std::this_thread::sleep_for(std::chrono::milliseconds(20));
         if (!MarkSend(port, mark)) continue;
         RtnGet_SxGet();
         std::string log = Rtn_Get_Get();

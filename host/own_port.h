@@ -5,10 +5,6 @@
 #include <functional>
 #include <string>
 
-/// Ports that a service may stand on.
-inline constexpr int FirstPort = 33360;
-inline constexpr int LastPort = 33459;
-
 /// Asks the ports in rising order until one is found that this process serves, again and again while
 /// `waiting` gives true; 0 when it no longer does. Other servers may stand on lower ports: a port is this
 /// process's own when a request sent there turns up in this process's log of reads. What else that log holds

@@ -1,7 +1,7 @@
 #include "host/send_options.h"
 
 #include "host/command_line.h"
-#include "host/pipe_client.h"
+#include "include/vorn_contract.h"
 
 namespace {
 
@@ -40,7 +40,7 @@ std::optional<int> SendOptionsRead(int count, const char* const* arguments, Send
         ->excludes(port)
         ->check([&options](const std::string& row) {
             options.pipe = true;
-            return row == NoValue ? std::string() : NumberTaker(0, PipeRows - 1, options.row)(row);
+            return row == NoValue ? std::string() : NumberTaker(0, VORN_PIPE_NAMES - 1, options.row)(row);
         });
     AddValueOption(app, "--file", "FILE", "take MESSAGES from a file, '-' from standard input",
                    [&options](const std::string& name) {

@@ -15,12 +15,12 @@
 #include <string_view>
 #include <thread>
 
+#include "include/vorn_contract.h"
 #include "include/vorn_server.h"
 
 namespace {
 
 constexpr std::string_view LineEnd = "\r\n";
-constexpr std::size_t ReplyBytes = 192;
 
 struct BaudRow {
     unsigned baud;
@@ -130,7 +130,7 @@ LineAssembler::Event LineAssembler::Take(char byte, std::string& line) {
 std::string SerialReply(LineAssembler::Event event, const std::string& line) {
     std::string reply = "the line is too long";
     if (event == LineAssembler::Event::Line) {
-        char answer[ReplyBytes];
+        char answer[VORN_SERIAL_REPLY_BYTES];
         ChuanKouServerThread(line.c_str(), answer);
         reply = answer;
     }

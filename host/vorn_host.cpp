@@ -14,7 +14,8 @@
 #include "host/exchange_print.h"
 #include "host/options.h"
 #include "host/own_port.h"
-#include "host/pipe_client.h"
+#include "host/pipe_rows.h"
+#include "include/vorn_contract.h"
 #include "include/vorn_server.h"
 
 namespace {
@@ -102,7 +103,7 @@ int main(int count, char** arguments) {
         });
     if (endAsked) End(0);
     if (port == 0) {
-        std::fprintf(stderr, "vorn-host: no port of %d to %d is free\n", FirstPort, LastPort);
+        std::fprintf(stderr, "vorn-host: no port of %d to %d is free\n", VORN_FIRST_PORT, VORN_LAST_PORT);
         End(1);
     }
     std::printf("VornServer answers on http://127.0.0.1:%d/api\n", port);

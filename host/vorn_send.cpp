@@ -10,9 +10,9 @@
 #include <string>
 #include <utility>
 
-#include "host/own_port.h"
-#include "host/pipe_client.h"
+#include "host/pipe_rows.h"
 #include "host/send_options.h"
+#include "include/vorn_contract.h"
 #include "platform/file_text.h"
 
 namespace {
@@ -40,7 +40,7 @@ std::string EnvelopeOf(const SendOptions& options) {
 }
 
 int PortFind() {
-    for (int port = FirstPort; port <= LastPort; ++port) {
+    for (int port = VORN_FIRST_PORT; port <= VORN_LAST_PORT; ++port) {
         httplib::Client client("127.0.0.1", port);
         client.set_connection_timeout(1);
         client.set_read_timeout(1);
@@ -53,8 +53,8 @@ int PortFind() {
 bool HttpSend(const SendOptions& options, std::string& reply, std::string& fault) {
     const int port = options.port >= 0 ? options.port : PortFind();
     if (port < 0) {
-        fault = "no service answers on the ports " + std::to_string(FirstPort) + " to " +
-                std::to_string(LastPort) + "; is vorn-host running?";
+        fault = "no service answers on the ports " + std::to_string(VORN_FIRST_PORT) + " to " +
+                std::to_string(VORN_LAST_PORT) + "; is vorn-host running?";
         return false;
     }
     httplib::Client client("127.0.0.1", port);
@@ -79,7 +79,7 @@ bool PipeSend(const SendOptions& options, std::string& reply, std::string& fault
         return false;
     }
     // With both slashes also a short command has the five bytes below which nothing is split.
-    return PipeAsk(row, options.command + "/" + options.name + "/" + options.messages, reply, fault);
+    return PipeRowAsk(row, options.command + "/" + options.name + "/" + options.messages, reply, fault);
 }
 
 /// A text that the pipe cannot carry as it is.

@@ -73,6 +73,15 @@ const VerbRow* VerbFind(std::string_view word) {
     return row == std::end(VerbTable) ? nullptr : row;
 }
 
+void MishapTell(std::string& reply) {
+    std::string().swap(reply);  // what was made of the reply is given back first
+    try {
+        reply = MishapReply;
+    } catch (const std::exception&) {
+        // An empty reply then.
+    }
+}
+
 }  // namespace
 
 void ServerDispatch(const std::string& midHeader, const std::string& midData, const std::string& midValue,
@@ -91,7 +100,7 @@ void ServerDispatch(const std::string& midHeader, const std::string& midData, co
         }
     } catch (const std::exception&) {
         // Out of memory, most likely: this request fails, and the service goes on with the next.
-        reply = "出现莫名错误,请联系技术支持";
+        MishapTell(reply);
     }
     RtnLogResult(if_Set, midValue, reply);
 }

@@ -3,13 +3,17 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 namespace vorn {
 
+/// The reply to a request that there was no memory for.
+inline constexpr std::string_view MishapReply = "出现莫名错误,请联系技术支持";
+
 /// Serves one request and logs the exchange. `midHeader` is the command word, `midData` a name or address,
 /// `midValue` a value or JSON text; texts are taken byte for byte, and `reply` is overwritten. A word that
-/// the dispatcher does not serve itself goes to the project commands. Lets no exception out. The caller holds
-/// `DispatchLock`.
+/// the dispatcher does not serve itself goes to the project commands. Lets no exception out: a request that
+/// there is no memory for gets `MishapReply`, or an empty reply. The caller holds `DispatchLock`.
 void ServerDispatch(const std::string& midHeader, const std::string& midData, const std::string& midValue,
                     std::string& reply);
 

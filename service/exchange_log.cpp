@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstddef>
+#include <exception>
+#include <new>
 #include <string>
 
 #include "include/vorn_server.h"
@@ -21,10 +24,16 @@ struct LogSide {
     std::atomic<bool> news{false};
 };
 
-// Never destroyed: exchanges may be logged while the process ends.
+/// Both sides, made at the first use, without asking for memory, and never destroyed: exchanges may be logged
+/// while the process ends.
 LogSide& Side(bool if_Set) {
-    static LogSide& Rtn_Get = *new LogSide{.lock = RtnGetLock};
-    static LogSide& Rtn_Set = *new LogSide{.lock = RtnSetLock};
+    struct Room {
+        alignas(LogSide) std::byte bytes[sizeof(LogSide)];
+    };
+    static Room getRoom;
+    static Room setRoom;
+    static LogSide& Rtn_Get = *new (&getRoom) LogSide{.lock = RtnGetLock};
+    static LogSide& Rtn_Set = *new (&setRoom) LogSide{.lock = RtnSetLock};
     return if_Set ? Rtn_Set : Rtn_Get;
 }
 
@@ -51,6 +60,19 @@ void AppendTrimmed(std::string& text, std::string_view messages, std::string_vie
     text = std::move(kept);  // and with the old text goes the room that a large name took
 }
 
+/// Appends to the text; where there is no memory for it the text stays as it was, and false.
+template <typename Append>
+bool AppendOrLeave(std::string& text, Append append) {
+    const std::size_t before = text.size();
+    try {
+        append(text);
+        return true;
+    } catch (const std::exception&) {
+        text.resize(before);
+        return false;
+    }
+}
+
 const char* Drain(LogSide& side) {
     {
         const std::lock_guard guard(side.lock);
@@ -69,7 +91,10 @@ void RtnLogRequest(bool if_Set, std::string_view header, std::string_view name) 
     name = UpToZero(name);
     LogSide& side = Side(if_Set);
     const std::lock_guard guard(side.lock);
-    side.text.append(header).append(" ").append(name).append(" ");
+    AppendOrLeave(side.text, [&](std::string& text) {
+        text.reserve(text.size() + header.size() + name.size() + 2);
+        text.append(header).append(" ").append(name).append(" ");
+    });
 }
 
 void RtnLogResult(bool if_Set, std::string_view messages, std::string_view reply) {
@@ -77,7 +102,10 @@ void RtnLogResult(bool if_Set, std::string_view messages, std::string_view reply
     reply = UpToZero(reply);
     LogSide& side = Side(if_Set);
     const std::lock_guard guard(side.lock);
-    AppendTrimmed(side.text, messages, reply);
+    const bool appended =
+        AppendOrLeave(side.text, [&](std::string& text) { AppendTrimmed(text, messages, reply); });
+    // The first half ends in a blank, which can be made a line's end without asking for memory.
+    if (!appended && side.text.ends_with(' ')) side.text.back() = '\n';
     side.news = true;
 }
 

@@ -7,7 +7,8 @@
 
 namespace vorn {
 
-// Each of the four texts counts up to its first zero byte.
+// Each of the four texts counts up to its first zero byte. What there is no memory for is left out of the
+// log, without an exception.
 
 /// Adds the first half of an exchange, its header and name, to the side for writes (`if_Set`) or for reads.
 /// The dispatcher's lock is held; the side's lock is taken.

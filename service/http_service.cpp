@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <string>
 
+#include "include/vorn_contract.h"
 #include "include/vorn_server.h"
 #include "platform/listen_socket.h"
 #include "service/api_envelope.h"
@@ -13,8 +14,6 @@ namespace vorn {
 
 namespace {
 
-constexpr int FirstPort = 33360;
-constexpr int LastPort = 33459;
 constexpr std::size_t RequestsPerConnection = 100;
 
 /// Replies go out whole and with status 200: the library would cut them by a request's `Range`, and copy them
@@ -72,5 +71,5 @@ void HttpServerThread(const char* const /*unused*/) {
     svr.set_keep_alive_max_count(vorn::RequestsPerConnection);
     svr.Get("/hi", vorn::Hi);
     svr.Post("/api", vorn::Api);
-    for (int port = vorn::FirstPort; port <= vorn::LastPort; ++port) svr.listen("0.0.0.0", port, AI_PASSIVE);
+    for (int port = VORN_FIRST_PORT; port <= VORN_LAST_PORT; ++port) svr.listen("0.0.0.0", port, AI_PASSIVE);
 }

@@ -1,10 +1,14 @@
 #include "service/pipe_service.h"
 
 #include <array>
+#include <exception>
 #include <mutex>
 #include <string_view>
 
+#include "include/vorn_contract.h"
 #include "include/vorn_server.h"
+#include "platform/memory.h"
+#include "platform/pipe_client.h"
 #include "platform/sleep.h"
 #include "service/pipe_message.h"
 #include "service/server_root.h"
@@ -13,21 +17,10 @@ namespace vorn {
 
 namespace {
 
-constexpr std::size_t ChunkBytes = 256;
-constexpr int OpenAttempts = 500;
+constexpr std::size_t ChunkBytes = VORN_PIPE_CHUNK_BYTES;
 constexpr int WalkPauseMilliseconds = 2000;
 constexpr int ChunkPauseMilliseconds = 1;
 constexpr int ReplyChunkPauseMilliseconds = 2;
-/// Stands for the empty text on the pipe, in both directions.
-constexpr std::string_view EmptyMark = "none";
-
-void MarkEmpty(std::string& text) {
-    if (text.empty()) text = EmptyMark;
-}
-
-void UnmarkEmpty(std::string& text) {
-    if (text == EmptyMark) text.clear();
-}
 
 /// Room for a chunk and its terminator.
 using Chunk = std::array<char, ChunkBytes + 1>;
@@ -42,42 +35,62 @@ void AppendChunk(std::string& midRead, Chunk& bufferGet, std::size_t read) {
     midRead += bufferGet.data();
 }
 
-/// Reads until the pipe runs dry, which ends the request. False for a client that left without one.
+/// Reads until the pipe runs dry, which ends the request. False for a client that left without one, or sends
+/// more than a request may hold.
 bool PipeRequestRead(std::string& midRead) {
     Chunk bufferGet{};
     bool received = false;
     std::size_t waiting = 0;
-    while (PeekNamedPipe(PipeHandle, waiting)) {
+    while (midRead.size() <= PipeRequestBytesAtMost && PeekNamedPipe(PipeHandle, waiting)) {
         if (waiting == 0 && received) break;
         if (waiting == 0) continue;
-        const std::size_t read = ReadFile(PipeHandle, bufferGet.data(), ChunkBytes);
+        std::size_t read = 0;
+        if (!ReadFile(PipeHandle, bufferGet.data(), ChunkBytes, read)) break;
         AppendChunk(midRead, bufferGet, read);
         if (read >= ChunkBytes) SleepMilliseconds(ChunkPauseMilliseconds);
         received = true;
     }
-    return received;
+    return received && midRead.size() <= PipeRequestBytesAtMost;
 }
 
-/// Takes the first free name, and waits until there is one. False when a server of this directory runs, or
-/// this library holds a pipe already. Two threads at once take one name and not two.
-bool PipeTake() {
-    static std::mutex& oneTaker = *new std::mutex;
-    const std::lock_guard guard(oneTaker);
-    if (PipeServerProbe() || PipeSlot >= 0) return false;
-    for (;;) {
-        for (int row = 0; row < PipeNameCount; ++row) {
-            if (!PipeOpen(PipeName(row).c_str(), PipeHandle)) continue;
-            PipeSlot = row;
-            return true;
-        }
-        SleepMilliseconds(WalkPauseMilliseconds);
+/// Walks the names once and takes the first free one; false when there was none.
+bool PipeWalk() {
+    for (int row = 0; row < VORN_PIPE_NAMES; ++row) {
+        if (!PipeOpen(PipeName(row).c_str(), PipeHandle)) continue;
+        PipeSlot = row;
+        return true;
     }
+    return false;
+}
+
+/// Held by the thread that looks for a name: two at once take one name and not two.
+std::mutex TakeLock;
+
+/// Takes the first free name, and waits until there is one. False when a server of this directory runs, or
+/// this library holds a pipe already.
+bool PipeTake() {
+    const std::lock_guard guard(TakeLock);
+    if (PipeServerProbe() || PipeSlot >= 0) return false;
+    while (!PipeWalk()) SleepMilliseconds(WalkPauseMilliseconds);
+    return true;
+}
+
+/// One exchange with the client that is connected; gives about the memory that it took.
+std::size_t PipeServeRequest() {
+    std::string midRead;
+    if (!PipeRequestRead(midRead)) return midRead.capacity();
+    const std::size_t requestBytes = midRead.size();
+    std::string midReturn;
+    PipeMessageSplit(std::move(midRead), midReturn);
+    const std::size_t replyBytes = midReturn.size();
+    PipeReply(std::move(midReturn));
+    return requestBytes + replyBytes;
 }
 
 }  // namespace
 
 std::string PipeName(int row) {
-    return "VornServerPipe" + std::to_string(row);
+    return VORN_PIPE_NAME_PREFIX + std::to_string(row);
 }
 
 bool PipeOpen(const char* name, NamedPipe*& out) {
@@ -87,58 +100,46 @@ bool PipeOpen(const char* name, NamedPipe*& out) {
 
 bool PipeServerProbe() {
     const std::string question = "Fph/" + DirectoryText(ServerRootGet());
-    for (int row = 0; row < PipeNameCount; ++row) {
+    for (int row = 0; row < VORN_PIPE_NAMES; ++row) {
         if (PipeExchange(PipeName(row).c_str(), question) == "1") return true;
     }
     return false;
 }
 
 std::string PipeExchange(const char* name, std::string message) {
-    MarkEmpty(message);
-    WaitNamedPipeW(name);
-    NamedPipe* pipe = nullptr;
-    for (int attempt = 0; attempt < OpenAttempts && pipe == nullptr; ++attempt) pipe = CreateFileW(name);
-    if (pipe == nullptr) return "LinkNone";
-
     std::string reply;
-    if (WriteFile(pipe, message)) {
-        Chunk bufferGet{};
-        for (;;) {
-            const std::size_t read = ReadFile(pipe, bufferGet.data(), ChunkBytes);
-            bufferGet[read] = '\0';
-            reply += bufferGet.data();
-            if (read < ChunkBytes) break;
-            SleepMilliseconds(ReplyChunkPauseMilliseconds);
-        }
-    }
-    CloseHandle(pipe);
-    UnmarkEmpty(reply);
-    return reply;
+    const PipeAnswer answer = PipeAsk(name, std::move(message), ReplyChunkPauseMilliseconds, reply);
+    return answer == PipeAnswer::NoPipe ? "LinkNone" : reply;
 }
 
-int PipeReply(std::string text) {
-    MarkEmpty(text);
-    if (PipeHandle == nullptr) return 0;
-    const bool written = WriteFile(PipeHandle, text);
+void PipeReply(std::string text) {
+    if (text.empty()) text = PipeEmptyMark;
+    if (PipeHandle == nullptr) return;
+    WriteFile(PipeHandle, text);
     FlushFileBuffers(PipeHandle);
-    return written ? 1 : 0;
 }
 
 void PipeServeClient() {
-    if (!ConnectNamedPipe(PipeHandle)) return;
-    std::string midRead;
-    if (PipeRequestRead(midRead)) {
-        UnmarkEmpty(midRead);
-        std::string midReturn;
-        PipeMessageSplit(std::move(midRead), midReturn);
-        PipeReply(std::move(midReturn));
+    std::size_t usedBytes = PipeRequestBytesAtMost;  // when there was not memory enough
+    try {
+        usedBytes = ConnectNamedPipe(PipeHandle) ? PipeServeRequest() : 0;
+    } catch (const std::exception&) {
+        // This client is let go; the next one finds the service as it was.
     }
     DisconnectNamedPipe(PipeHandle);
+    MemoryGiveBack(usedBytes);
 }
 
 }  // namespace vorn
 
 void PipeServerThread(const char* const /*unused*/) {
-    if (!vorn::PipeTake()) return;
+    for (bool taken = false; !taken;) {
+        try {
+            if (!vorn::PipeTake()) return;
+            taken = true;
+        } catch (const std::exception&) {
+            vorn::SleepMilliseconds(vorn::WalkPauseMilliseconds);  // not even the memory for a name
+        }
+    }
     for (;;) vorn::PipeServeClient();
 }

@@ -8,9 +8,6 @@
 
 namespace vorn {
 
-/// Pipe names that servers of one machine share, VornServerPipe0 to VornServerPipe99.
-inline constexpr int PipeNameCount = 100;
-
 /// The pipe that this library serves and the row of its name; null and -1 while it holds none. Written by
 /// the thread that takes the pipe.
 inline NamedPipe* PipeHandle = nullptr;
@@ -29,10 +26,11 @@ bool PipeServerProbe();
 /// when the exchange breaks off.
 std::string PipeExchange(const char* name, std::string message);
 
-/// Writes a reply to the client of `PipeHandle`; 1 when that succeeded, else 0.
-int PipeReply(std::string text);
+/// Writes a reply to the client of `PipeHandle` and waits until it is read; a client that is gone loses it.
+void PipeReply(std::string text);
 
-/// Serves the next client of `PipeHandle`, one exchange; waits until there is one.
+/// Serves the next client of `PipeHandle`, one exchange; waits until there is one. One for which there is no
+/// memory is let go. Lets no exception out.
 void PipeServeClient();
 
 }  // namespace vorn

@@ -9,7 +9,7 @@
 #include <functional>
 #include <thread>
 
-#include "host/pipe_client.h"
+#include "host/pipe_rows.h"
 #include "tests/support/host_process.h"
 #include "tests/support/pseudo_terminal.h"
 #include "tests/support/service_test.h"
@@ -37,7 +37,7 @@ Asker OverPipe(int row) {
     return [row](const string& command, const string& name, const string& messages) {
         string reply;
         string fault;
-        return PipeAsk(row, command + "/" + name + "/" + messages, reply, fault) ? reply : fault;
+        return PipeRowAsk(row, command + "/" + name + "/" + messages, reply, fault) ? reply : fault;
     };
 }
 

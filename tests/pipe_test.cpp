@@ -7,6 +7,7 @@
 #include <chrono>
 #include <thread>
 
+#include "include/vorn_contract.h"
 #include "include/vorn_server.h"
 #include "service/pipe_message.h"
 #include "service/pipe_service.h"
@@ -140,7 +141,7 @@ TEST_F(PipeThreadsTest, CarriesRepliesWholeAndNoneForTheEmptyText) {
         std::thread server([bytes] {
             for (int client = 0; client < 2; ++client) {
                 EXPECT_TRUE(vorn::ConnectNamedPipe(vorn::PipeHandle));
-                EXPECT_EQ(vorn::PipeReply(Pattern(bytes)), 1);
+                vorn::PipeReply(Pattern(bytes));
                 vorn::DisconnectNamedPipe(vorn::PipeHandle);
             }
         });
@@ -172,7 +173,7 @@ TEST_F(PipeThreadsTest, LetsGoOfClientsThatHoldItUp) {
 
     std::thread server([] {
         EXPECT_TRUE(vorn::ConnectNamedPipe(vorn::PipeHandle));
-        EXPECT_EQ(vorn::PipeReply(Pattern(3 << 20)), 0);
+        vorn::PipeReply(Pattern(3 << 20));
         vorn::PipeServeClient();
     });
     const RawClient neverReads(name_);
@@ -224,8 +225,8 @@ TEST_F(PipeThreadsTest, DoesNotWaitForEverOnAPipeThatNobodyServes) {
 void WaitForAName() {
     alarm(60);
     vorn::PipeHoldSet(1);
-    std::vector<vorn::NamedPipe*> held(vorn::PipeNameCount);
-    for (int row = 0; row < vorn::PipeNameCount; ++row) {
+    std::vector<vorn::NamedPipe*> held(VORN_PIPE_NAMES);
+    for (int row = 0; row < VORN_PIPE_NAMES; ++row) {
         vorn::PipeOpen(vorn::PipeName(row).c_str(), held[static_cast<size_t>(row)]);
     }
     auto last = std::find_if(held.rbegin(), held.rend(), [](auto* pipe) { return pipe != nullptr; });

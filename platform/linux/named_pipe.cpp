@@ -1,3 +1,8 @@
+// A pipe NAME is the abstract Unix socket NAME: exclusive, machine-wide, and gone with its process. The
+// kernel may bring one write of a client in pieces, so that a socket that runs dry says nothing. A request is
+// therefore gathered here until it is whole, and the service then reads it as it would out of a pipe: it has
+// ended when its writer has ended the writing or was silent for a while.
+
 #include "platform/named_pipe.h"
 
 #include <linux/sockios.h>
@@ -12,30 +17,34 @@
 #include <cerrno>
 #include <chrono>
 #include <cstring>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 namespace vorn {
 
+using Clock = std::chrono::steady_clock;
+
 struct NamedPipe {
-    int listener = -1;      ///< a server's end only
-    int connection = -1;    ///< -1 between two clients
-    std::string request{};  ///< a server's end: the client's whole request
-    std::size_t taken = 0;  ///< bytes that were read of the request, or at a client's end of the reply
+    int listener = -1;          ///< a server's end only
+    int connection = -1;        ///< -1 between two clients
+    Clock::duration left{};     ///< what the exchange may still wait for the other side
+    std::string request{};      ///< a server's end: the client's whole request
+    std::size_t taken = 0;      ///< bytes that were read of the request
+    bool requestEnded = false;  ///< a client's end: the reply is being read
 };
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
 constexpr milliseconds Silence{20};
-/// A request of this size came in several pieces.
+/// A request of this size came in several pieces, and its writer may be waiting for a processor.
 constexpr std::size_t PiecewiseBytes = 32768;
 constexpr milliseconds SilenceBetweenPieces{250};
-/// A reply may have to wait for clients in front, each of which may hold the pipe up.
-constexpr int AnswerHolds = 5;
+constexpr int ClientHolds = 10;
+/// How long a client waits for a place in the queue.
 constexpr milliseconds QueueWait{100};
 /// Rests between two tries of what the system refuses for the moment.
 constexpr milliseconds RefusedRest{100};
@@ -46,16 +55,28 @@ milliseconds Hold() {
     return milliseconds(holdMilliseconds.load());
 }
 
-/// Waits until `descriptor` shows one of `events`, its connection is gone, or the time is up (false).
-bool Await(int descriptor, short events, milliseconds atMost) {
+/// Waits until the connection shows one of `events` (true), is gone (true), or the time is up (false).
+bool PollFor(int connection, short events, Clock::duration atMost) {
     const auto end = Clock::now() + atMost;
     for (;;) {
         const auto left = std::chrono::ceil<milliseconds>(end - Clock::now());
-        pollfd waited{.fd = descriptor, .events = events, .revents = 0};
+        pollfd waited{.fd = connection, .events = events, .revents = 0};
         const int ready = poll(&waited, 1, static_cast<int>(std::max<milliseconds::rep>(left.count(), 0)));
         if (ready > 0) return true;
         if (ready == 0 || errno != EINTR) return false;
     }
+}
+
+/// As `PollFor`, no longer than the exchange may still wait, and takes the time off it.
+bool Await(NamedPipe& pipe, short events, Clock::duration atMost) {
+    const auto start = Clock::now();
+    const bool shown = PollFor(pipe.connection, events, std::min(atMost, pipe.left));
+    pipe.left -= Clock::now() - start;
+    return shown;
+}
+
+bool TimeIsUp(const NamedPipe& pipe) {
+    return pipe.left <= Clock::duration::zero();
 }
 
 /// The address of an abstract name; none for a name that does not fit one.
@@ -73,12 +94,29 @@ std::optional<Address> AddressOf(std::string_view name) {
     return result;
 }
 
-/// True for a process of this user or of root at the other side.
-bool OtherSideTrusted(int connection) {
+/// A connection to the pipe of that address; negative when there is none, or no place in its queue.
+int Connected(const Address& address) {
+    const int connection = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    const timeval wait{.tv_sec = 0, .tv_usec = std::chrono::microseconds(QueueWait).count()};
+    setsockopt(connection, SOL_SOCKET, SO_SNDTIMEO, &wait, sizeof wait);
+    if (connect(connection, reinterpret_cast<const sockaddr*>(&address.address), address.length) == 0) {
+        return connection;
+    }
+    if (connection >= 0) close(connection);
+    return -1;
+}
+
+/// Who stands at the other side.
+PipeHolder OtherSide(int connection) {
     ucred other{};
     socklen_t length = sizeof other;
-    if (getsockopt(connection, SOL_SOCKET, SO_PEERCRED, &other, &length) != 0) return false;
-    return other.uid == geteuid() || other.uid == 0;
+    if (getsockopt(connection, SOL_SOCKET, SO_PEERCRED, &other, &length) != 0) return PipeHolder::AnotherUser;
+    if (other.pid == getpid()) return PipeHolder::ThisProcess;
+    return other.uid == geteuid() || other.uid == 0 ? PipeHolder::ThisUser : PipeHolder::AnotherUser;
+}
+
+bool OtherSideTrusted(int connection) {
+    return OtherSide(connection) != PipeHolder::AnotherUser;
 }
 
 /// Unread bytes at this side would show as an error at the other one, behind the reply: they are taken out.
@@ -91,33 +129,38 @@ void EndConnection(int& connection) {
     connection = -1;
 }
 
-/// Receives what is there, up to `size` bytes, and waits for it until `end`. 0 at the end of what comes,
-/// negative when nothing came in time.
-ssize_t Receive(int connection, char* bytes, std::size_t size, Clock::time_point end) {
+/// Receives what is there, up to `size` bytes, and waits for it. 0 at the end of what comes; negative on an
+/// error, which is `EAGAIN` when nothing came in time.
+ssize_t Receive(NamedPipe& pipe, char* bytes, std::size_t size, Clock::duration atMost) {
     for (;;) {
-        const ssize_t received = recv(connection, bytes, size, MSG_DONTWAIT);
-        if (received >= 0) return received;
-        if (errno == EINTR) continue;
-        if (errno != EAGAIN) return 0;
-        if (!Await(connection, POLLIN, std::chrono::ceil<milliseconds>(end - Clock::now()))) return -1;
+        const ssize_t received = recv(pipe.connection, bytes, size, MSG_DONTWAIT);
+        if (received >= 0 || (errno != EINTR && errno != EAGAIN)) return received;
+        if (errno == EAGAIN && !Await(pipe, POLLIN, atMost)) {
+            errno = EAGAIN;
+            return -1;
+        }
     }
 }
 
 /// Gathers a client's request until it is whole. False for a client that left without one, or that is to be
 /// let go.
-bool GatherRequest(int connection, std::string& request) {
-    request.clear();
-    const auto end = Clock::now() + Hold();
+bool GatherRequest(NamedPipe& pipe) {
     std::vector<char> bytes(65536);
-    for (;;) {
-        const milliseconds silence = request.size() < PiecewiseBytes ? Silence : SilenceBetweenPieces;
-        const auto quietEnd = request.empty() ? end : std::min(end, Clock::now() + silence);
-        const ssize_t received = Receive(connection, bytes.data(), bytes.size(), quietEnd);
-        const bool whole = received == 0 || (received < 0 && quietEnd < end);
-        if (received <= 0) return whole && !request.empty();
-        request.append(bytes.data(), static_cast<std::size_t>(received));
-        if (request.size() > PipeTextBytesAtMost || Clock::now() >= end) return false;
+    while (pipe.request.size() <= PipeRequestBytesAtMost && !TimeIsUp(pipe)) {
+        const milliseconds silence = pipe.request.size() < PiecewiseBytes ? Silence : SilenceBetweenPieces;
+        const auto atMost = pipe.request.empty() ? pipe.left : Clock::duration(silence);
+        const ssize_t received = Receive(pipe, bytes.data(), bytes.size(), atMost);
+        if (received < 0 && errno == EAGAIN && TimeIsUp(pipe)) return false;
+        if (received <= 0) return !pipe.request.empty();
+        pipe.request.append(bytes.data(), static_cast<std::size_t>(received));
     }
+    return false;
+}
+
+/// What a text of that size adds to the time of its exchange.
+Clock::duration ReplyTime(std::size_t bytes) {
+    const double holds = static_cast<double>(bytes) / PipeReplyBytesPerHold;
+    return std::chrono::duration_cast<Clock::duration>(holds * Hold());
 }
 
 /// What no longer is needed of a large request is given back.
@@ -135,14 +178,15 @@ void PipeHoldSet(int milliseconds) {
 NamedPipe* CreateNamedPipeW(std::string_view name) {
     const auto address = AddressOf(name);
     if (!address) return nullptr;
-    const int listener = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    if (listener < 0) return nullptr;
-    if (bind(listener, reinterpret_cast<const sockaddr*>(&address->address), address->length) != 0 ||
-        listen(listener, SOMAXCONN) != 0) {
-        close(listener);
+    auto pipe = std::make_unique<NamedPipe>();
+    pipe->listener = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    if (pipe->listener < 0) return nullptr;
+    if (bind(pipe->listener, reinterpret_cast<const sockaddr*>(&address->address), address->length) != 0 ||
+        listen(pipe->listener, SOMAXCONN) != 0) {
+        close(pipe->listener);
         return nullptr;
     }
-    return new NamedPipe{.listener = listener};
+    return pipe.release();
 }
 
 bool ConnectNamedPipe(NamedPipe* pipe) {
@@ -153,7 +197,8 @@ bool ConnectNamedPipe(NamedPipe* pipe) {
         if (errno != EINTR && errno != ECONNABORTED) poll(nullptr, 0, static_cast<int>(RefusedRest.count()));
         return false;
     }
-    if (OtherSideTrusted(pipe->connection) && GatherRequest(pipe->connection, pipe->request)) return true;
+    pipe->left = Hold();
+    if (OtherSideTrusted(pipe->connection) && GatherRequest(*pipe)) return true;
     DisconnectNamedPipe(pipe);
     return false;
 }
@@ -163,31 +208,30 @@ bool PeekNamedPipe(NamedPipe* pipe, std::size_t& waiting) {
     return waiting > 0;
 }
 
-std::size_t ReadFile(NamedPipe* pipe, char* bytes, std::size_t size) {
+bool ReadFile(NamedPipe* pipe, char* bytes, std::size_t size, std::size_t& read) {
     if (pipe->listener >= 0) {
-        const std::size_t read = pipe->request.copy(bytes, size, pipe->taken);
+        read = pipe->request.copy(bytes, size, pipe->taken);
         pipe->taken += read;
-        return read;
+        return true;
     }
-    if (pipe->taken == 0) shutdown(pipe->connection, SHUT_WR);
-    if (pipe->taken + size > PipeTextBytesAtMost) return 0;
-    const auto end = Clock::now() + AnswerHolds * Hold();
-    std::size_t read = 0;
-    while (read < size) {
-        const ssize_t received = Receive(pipe->connection, bytes + read, size - read, end);
-        if (received <= 0) break;
+    if (!pipe->requestEnded) shutdown(pipe->connection, SHUT_WR);
+    pipe->requestEnded = true;
+    for (read = 0; read < size;) {
+        const ssize_t received = Receive(*pipe, bytes + read, size - read, pipe->left);
+        if (received <= 0) return received == 0;
         read += static_cast<std::size_t>(received);
     }
-    pipe->taken += read;
-    return read;
+    pipe->left += ReplyTime(read);
+    return true;
 }
 
 bool WriteFile(NamedPipe* pipe, std::string_view text) {
+    if (pipe->listener >= 0) pipe->left += ReplyTime(text.size());
     while (!text.empty()) {
         const ssize_t sent = send(pipe->connection, text.data(), text.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
         if (sent >= 0) {
             text.remove_prefix(static_cast<std::size_t>(sent));
-        } else if (errno == EAGAIN ? !Await(pipe->connection, POLLOUT, Hold()) : errno != EINTR) {
+        } else if (errno == EAGAIN ? !Await(*pipe, POLLOUT, pipe->left) : errno != EINTR) {
             shutdown(pipe->connection, SHUT_RDWR);
             return false;
         }
@@ -196,14 +240,20 @@ bool WriteFile(NamedPipe* pipe, std::string_view text) {
 }
 
 void FlushFileBuffers(NamedPipe* pipe) {
-    // A client that has read its reply sees the end and closes, which ends the wait at once. For one that
-    // stays, the unread bytes are looked at from time to time.
+    // A client that has read its reply sees the end and closes, which ends the wait at once. One that stays,
+    // or had ended its writing before, shows no event: the unread bytes are looked at from time to time. They
+    // are gone, too, when the client is.
     shutdown(pipe->connection, SHUT_WR);
-    const auto end = Clock::now() + Hold();
-    for (milliseconds step{1}; Clock::now() < end; step = std::min(step * 2, Silence)) {
+    bool hungUp = false;
+    for (milliseconds step{1}; !TimeIsUp(*pipe); step = std::min(step * 2, Silence)) {
         int unread = 0;
         if (ioctl(pipe->connection, SIOCOUTQ, &unread) != 0 || unread == 0) return;
-        if (Await(pipe->connection, 0, step)) return;
+        if (!hungUp) {
+            hungUp = Await(*pipe, 0, step);
+        } else {
+            poll(nullptr, 0, static_cast<int>(step.count()));
+            pipe->left -= step;
+        }
     }
 }
 
@@ -217,17 +267,13 @@ void WaitNamedPipeW(std::string_view /*name*/) {}
 NamedPipe* CreateFileW(std::string_view name) {
     const auto address = AddressOf(name);
     if (!address) return nullptr;
-    const int connection = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    if (connection < 0) return nullptr;
-    const timeval wait{.tv_sec = 0, .tv_usec = std::chrono::microseconds(QueueWait).count()};
-    setsockopt(connection, SOL_SOCKET, SO_SNDTIMEO, &wait, sizeof wait);
-    if (connect(connection, reinterpret_cast<const sockaddr*>(&address->address), address->length) != 0) {
-        close(connection);
-        return nullptr;
-    }
+    auto pipe = std::make_unique<NamedPipe>();
+    pipe->left = ClientHolds * Hold();
+    pipe->connection = Connected(*address);
+    if (pipe->connection < 0) return nullptr;
     // Somebody else's pipe is not talked to, and trying again would not help: what is written fails.
-    if (!OtherSideTrusted(connection)) shutdown(connection, SHUT_RDWR);
-    return new NamedPipe{.connection = connection};
+    if (!OtherSideTrusted(pipe->connection)) shutdown(pipe->connection, SHUT_RDWR);
+    return pipe.release();
 }
 
 void CloseHandle(NamedPipe* pipe) {
@@ -235,6 +281,15 @@ void CloseHandle(NamedPipe* pipe) {
     EndConnection(pipe->connection);
     if (pipe->listener >= 0) close(pipe->listener);
     delete pipe;
+}
+
+PipeHolder PipeHolderOf(std::string_view name) {
+    const auto address = AddressOf(name);
+    const int connection = address ? Connected(*address) : -1;
+    if (connection < 0) return PipeHolder::Nobody;
+    const PipeHolder holder = OtherSide(connection);
+    close(connection);
+    return holder;
 }
 
 }  // namespace vorn

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <cstdint>
 #include <string>
 
 #include "platform/windows/wide_text.h"
@@ -16,14 +17,14 @@ struct NamedPipe {
     HANDLE handle = INVALID_HANDLE_VALUE;
     HANDLE done = nullptr;  ///< the event of the one operation under way
     bool server = false;
+    DWORD left = 0;       ///< milliseconds that the exchange may still wait for the other side
     std::string first{};  ///< what a client sent first and the read loop has not yet taken
 };
 
 namespace {
 
 constexpr DWORD BufferBytes = 256;
-/// A reply may have to wait for clients in front, each of which may hold the pipe up.
-constexpr int AnswerHolds = 5;
+constexpr DWORD ClientHolds = 10;
 constexpr DWORD QueueWaitMilliseconds = 100;
 /// Rests between two tries of what the system refuses for the moment.
 constexpr DWORD RefusedRestMilliseconds = 100;
@@ -41,8 +42,10 @@ std::wstring FullName(std::string_view name) {
 
 NamedPipe* Wrap(HANDLE handle, bool server) {
     if (handle == INVALID_HANDLE_VALUE) return nullptr;
-    return new NamedPipe{
-        .handle = handle, .done = CreateEventW(nullptr, TRUE, FALSE, nullptr), .server = server};
+    return new NamedPipe{.handle = handle,
+                         .done = CreateEventW(nullptr, TRUE, FALSE, nullptr),
+                         .server = server,
+                         .left = ClientHolds * Hold()};
 }
 
 /// Starts an operation by `start`, which is given its overlapped record, and waits for it. Gives the bytes
@@ -59,14 +62,30 @@ bool Run(NamedPipe* pipe, DWORD atMost, DWORD& bytes, Start start) {
     return GetOverlappedResult(pipe->handle, &operation, &bytes, TRUE) != FALSE;
 }
 
+/// As `Run`, no longer than the exchange may still wait, and takes the time off it.
+template <typename Start>
+bool RunInTime(NamedPipe* pipe, DWORD& bytes, Start start) {
+    const ULONGLONG begin = GetTickCount64();
+    const bool done = Run(pipe, pipe->left, bytes, start);
+    const DWORD error = GetLastError();
+    pipe->left -= static_cast<DWORD>(std::min<ULONGLONG>(GetTickCount64() - begin, pipe->left));
+    SetLastError(error);
+    return done;
+}
+
+/// What a text of that size adds to the time of its exchange.
+DWORD ReplyTime(std::size_t bytes) {
+    return static_cast<DWORD>(std::uint64_t{bytes} * Hold() / PipeReplyBytesPerHold);
+}
+
 /// Reads what is there, up to `size` bytes, and waits for it. 0 at the end of what comes and when nothing
 /// came in time.
-std::size_t Receive(NamedPipe* pipe, char* bytes, std::size_t size, DWORD atMost) {
+std::size_t Receive(NamedPipe* pipe, char* bytes, std::size_t size) {
     DWORD read = 0;
     const auto start = [&](OVERLAPPED* operation) {
         return ::ReadFile(pipe->handle, bytes, static_cast<DWORD>(size), nullptr, operation);
     };
-    return Run(pipe, atMost, read, start) ? read : 0;
+    return RunInTime(pipe, read, start) ? read : 0;
 }
 
 /// Waits for the next client. One that has come, and even gone, before the call is served as well.
@@ -103,8 +122,9 @@ bool ConnectNamedPipe(NamedPipe* pipe) {
         Sleep(RefusedRestMilliseconds);
         return false;
     }
+    pipe->left = Hold();
     std::array<char, BufferBytes> bytes{};
-    pipe->first.assign(bytes.data(), Receive(pipe, bytes.data(), bytes.size(), Hold()));
+    pipe->first.assign(bytes.data(), Receive(pipe, bytes.data(), bytes.size()));
     if (!pipe->first.empty()) return true;
     DisconnectNamedPipe(pipe);
     return false;
@@ -117,34 +137,37 @@ bool PeekNamedPipe(NamedPipe* pipe, std::size_t& waiting) {
     return connected || waiting > 0;
 }
 
-std::size_t ReadFile(NamedPipe* pipe, char* bytes, std::size_t size) {
-    std::size_t read = pipe->first.copy(bytes, size);
+bool ReadFile(NamedPipe* pipe, char* bytes, std::size_t size, std::size_t& read) {
+    read = pipe->first.copy(bytes, size);
     pipe->first.erase(0, read);
-    const DWORD atMost = pipe->server ? Hold() : AnswerHolds * Hold();
     std::size_t waiting = 1;
     while (read < size) {
         // A server takes what is there, a client waits for the end.
         if (pipe->server && (!PeekNamedPipe(pipe, waiting) || waiting == 0)) break;
-        const std::size_t received = Receive(pipe, bytes + read, size - read, atMost);
-        if (received == 0) break;
+        const std::size_t received = Receive(pipe, bytes + read, size - read);
+        const DWORD error = GetLastError();
+        if (received == 0)
+            return pipe->server || error == ERROR_BROKEN_PIPE || error == ERROR_PIPE_NOT_CONNECTED;
         read += received;
     }
-    return read;
+    if (!pipe->server) pipe->left += ReplyTime(read);
+    return true;
 }
 
 bool WriteFile(NamedPipe* pipe, std::string_view text) {
+    if (pipe->server) pipe->left += ReplyTime(text.size());
     DWORD written = 0;
     const auto start = [&](OVERLAPPED* operation) {
         return ::WriteFile(pipe->handle, text.data(), static_cast<DWORD>(text.size()), nullptr, operation);
     };
-    return Run(pipe, Hold(), written, start) && written == text.size();
+    return RunInTime(pipe, written, start) && written == text.size();
 }
 
 void FlushFileBuffers(NamedPipe* pipe) {
     // The one operation that cannot overlap: it is broken off from outside when its time is up.
     HANDLE timer = nullptr;
-    if (!CreateTimerQueueTimer(&timer, nullptr, FlushCancel, pipe->handle, Hold(), CancelAgainMilliseconds,
-                               0))
+    if (!CreateTimerQueueTimer(&timer, nullptr, FlushCancel, pipe->handle, pipe->left,
+                               CancelAgainMilliseconds, 0))
         return;
     ::FlushFileBuffers(pipe->handle);
     // Waits for a call of the timer that is under way.
@@ -178,6 +201,20 @@ void CloseHandle(NamedPipe* pipe) {
     ::CloseHandle(pipe->handle);
     ::CloseHandle(pipe->done);
     delete pipe;
+}
+
+PipeHolder PipeHolderOf(std::string_view name) {
+    const std::wstring full = FullName(name);
+    WaitNamedPipeW(name);
+    const HANDLE pipe = ::CreateFileW(full.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
+                                      SECURITY_SQOS_PRESENT | SECURITY_IDENTIFICATION, nullptr);
+    if (pipe == INVALID_HANDLE_VALUE) {
+        return GetLastError() == ERROR_ACCESS_DENIED ? PipeHolder::AnotherUser : PipeHolder::Nobody;
+    }
+    ULONG process = 0;
+    const bool told = GetNamedPipeServerProcessId(pipe, &process) != FALSE;
+    ::CloseHandle(pipe);
+    return told && process == GetCurrentProcessId() ? PipeHolder::ThisProcess : PipeHolder::ThisUser;
 }
 
 }  // namespace vorn
