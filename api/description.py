@@ -70,3 +70,20 @@ def form_matches(form: str, text: str) -> bool:
 
 def has_pieces(form: str) -> bool:
     return _PIECE.search(form) is not None
+
+
+@dataclass(frozen=True)
+class Meaning:
+    """What a reply of a command is: one of its replies, or the failure of this name."""
+
+    failure: str | None
+    entry: Json
+
+
+def meaning_of(description: Description, command: Json, reply: str) -> Meaning | None:
+    """Tells what a reply is, as `matching` in interface.json says; None for a text that the command does not have."""
+    replies = [Meaning(None, entry) for entry in command["replies"]]
+    failures = [Meaning(name, description.failures[name]) for name in description.failures_of(command)]
+    exact = [each for each in replies + failures if not has_pieces(each.entry["text"])]
+    with_pieces = [each for each in failures + replies if has_pieces(each.entry["text"])]
+    return next((each for each in exact + with_pieces if form_matches(each.entry["text"], reply)), None)

@@ -6,11 +6,9 @@ from api.description import Description, Json
 
 
 def _messages(command: Json) -> Json:
-    """The schema of a command's messages; a reference to a file becomes one to that schema's identity."""
+    """The schema of a command's messages; a reference to a file becomes one from the folder `schemas/`."""
     schema: Json = command["messages"]["schema"]
-    if "$ref" not in schema:
-        return schema
-    return {"$ref": "urn:vornserver:" + schema["$ref"].rsplit("/", 1)[1].removesuffix(".schema.json")}
+    return {"$ref": schema["$ref"].rsplit("/", 1)[1]} if "$ref" in schema else schema
 
 
 def _condition(command: Json) -> Json:
@@ -38,7 +36,7 @@ def envelope_schema(description: Description) -> Json:
     words = list(dict.fromkeys(command["word"] for command in description.commands))
     return {
         "$schema": "https://json-schema.org/draft/2020-12/schema",
-        "$id": "urn:vornserver:envelope",
+        "$id": "https://vornserver.example/api/schemas/envelope.schema.json",
         "title": "Request",
         "description": "The body of a POST to /api. Made from the files of commands/; do not edit.",
         "type": "object",
