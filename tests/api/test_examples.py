@@ -7,9 +7,10 @@ import json
 import time
 from concurrent.futures import Future, ThreadPoolExecutor
 from dataclasses import dataclass
+from pathlib import Path
 from typing import Any, Callable
 
-import jsonschema
+import jsonschema  # type: ignore[import]
 import pytest
 
 from api.description import API, REPOSITORY, Json, form_matches, load, meaning_of, schema_of
@@ -41,6 +42,10 @@ class Exchange:
         meaning = meaning_of(DESCRIPTION, self.command or {}, self.reply)
         assert meaning is not None, f"a reply that the command does not have: {self.reply}"
         return meaning.failure
+
+
+def file_name(path: Path) -> str:
+    return path.name
 
 
 def fits(schema: str, value: Any) -> str:
@@ -186,8 +191,8 @@ def test_members_of_a_wrong_type_get_the_described_failure(plays: Plays) -> None
     assert [(request, reply) for request, expected, reply in results if reply != expected] == []
 
 
-@pytest.mark.parametrize("path", PLANTS, ids=lambda path: path.name)
-def test_example_plants_are_documents(path: Any) -> None:
+@pytest.mark.parametrize("path", PLANTS, ids=file_name)
+def test_example_plants_are_documents(path: Path) -> None:
     assert fits("project_document", json.loads(path.read_text(encoding="utf-8"))) == ""
 
 
