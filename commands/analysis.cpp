@@ -4,12 +4,12 @@
 
 #include "commands/handlers.h"
 #include "include/vorn_server.h"
-#include "network/verdict.h"
+#include "network/net_access.h"
 
 namespace vorn {
 
 std::string NetAccess(const Request& request) {
-    return Net_Access(request.pjtnb) ? "OK" : ParseMessage;
+    return Net_Access(request.pjtnb) ? "OK" : ParseMessageGet();
 }
 
 std::string PjtInfoChk(const Request& request) {

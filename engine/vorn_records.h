@@ -11,11 +11,15 @@ inline constexpr int SlotCount = 8;
 /// Kinds of element, as they stand in link rows and cross in arguments.
 enum ElementKind { NoKind = 0, ModuleKind = 1, NodeKind = 2, JumpKind = 3, LinkKind = 4 };
 
+/// What a link carries.
+enum LinkType { PipeLink = 0, InformationLink = 1, WireLink = 2, MechanicalLink = 3 };
+
 /// Ports of each element, from 0. The lower ones of a node are its inlets, the others its outlets.
 inline constexpr int PortsPerElement = 16;
 inline constexpr int NodeInletCount = 8;
 
-/// Kinds of node, from 0.
+/// Kinds of node, by what flows through them.
+enum NodeFlow { FluidNode = 0, InfoNode = 1, PowerNode = 2, MechNode = 3 };
 inline constexpr int NodeKindCount = 4;
 
 /// Module types that the system has room for in its own tables, from 0.
@@ -28,7 +32,7 @@ inline constexpr int CacheSetCount = 3;
 /// `F_` is the upstream end, `S_` the downstream end. Element kinds: 1 module, 2 node, 3 jump, 4 link.
 struct LinkSxCache {
     bool InUse = false;       ///< true in each record that a caller writes; marks a row that exists
-    std::int32_t Type = 0;    ///< 0 pipe, 1 information, 2 wire, 3 mechanical
+    std::int32_t Type = 0;    ///< a `LinkType`
     std::int32_t PageNb = 0;  ///< page of the drawing
     std::int32_t F_Sx = 0;    ///< element kind of the upstream end
     std::int32_t F_Nb = 0;    ///< its element number
@@ -58,7 +62,7 @@ struct ModuleRow {
 /// A node's row in a snapshot; the row's index is the node number.
 struct NodeRow {
     bool InUse = false;
-    std::int32_t Kind = 0;  ///< 0 FLUID, 1 INFO, 2 POWER, 3 MECH
+    std::int32_t Kind = 0;  ///< a `NodeFlow`
     std::int32_t EngineOwn = 0;
     std::int32_t PositionX = 0;  ///< grid units
     std::int32_t PositionZ = 0;

@@ -1,13 +1,9 @@
 #include "network/branch_walk.h"
 
 #include <bit>
-#include <cstdint>
 #include <utility>
-#include <vector>
 
-#include "elements/instance_id.h"
 #include "engine/vorn_core.h"
-#include "network/project_check.h"
 
 namespace vorn {
 
@@ -15,97 +11,89 @@ namespace {
 
 constexpr int PortSelector = 5;
 constexpr int AisleSelector = 2;
-constexpr int FirstRow = 0;
-constexpr auto NoBranch = static_cast<std::size_t>(-1);
-
-/// A set of rows that can be gone through in order while others, which lie further on, join it.
-struct RowSet {
-    std::vector<std::uint64_t> words{};
-    bool any = false;  ///< some row joined
-};
-
+constexpr std::int32_t FirstPlace = 0;
 constexpr int WordBits = 64;
 
-void Join(RowSet& set, int row) {
-    set.words[static_cast<std::size_t>(row / WordBits)] |= std::uint64_t{1} << (row % WordBits);
+/// A set of places that can be gone through in order while others, which lie further on, join it.
+struct PlaceSet {
+    std::vector<std::uint64_t> words;
+    bool any = false;  ///< some place joined
+
+    explicit PlaceSet(std::size_t places) : words(places / WordBits + 1) {}
+};
+
+void PlaceJoin(PlaceSet& set, std::int32_t place) {
+    set.words[place / WordBits] |= std::uint64_t{1} << (place % WordBits);
     set.any = true;
 }
 
-/// Takes the rows out in order and runs `run` on each.
+/// Takes the places out in order and runs `run` on each.
 template <typename Run>
-void TakeAll(RowSet& set, Run run) {
+void PlacesTake(PlaceSet& set, Run run) {
     for (std::size_t word = 0; word < set.words.size(); ++word) {
         while (set.words[word] != 0) {
-            const int row = static_cast<int>(word) * WordBits + std::countr_zero(set.words[word]);
+            const auto place = static_cast<std::int32_t>(word) * WordBits + std::countr_zero(set.words[word]);
             set.words[word] &= set.words[word] - 1;
-            run(row);
+            run(place);
         }
     }
     set.any = false;
 }
 
-/// Only rows that find branches are visited, in the order of the passes. The branches at an outlet await its
-/// first row that is not consumed and lies behind the row that led them there; if there is none, its first
-/// such row of the next pass. Branches that come to others at an outlet find them awaiting that very row.
 struct Walk {
+    std::vector<BranchSx>& branches;
     int project;
-    RowMarks& consumed;
-    OutletRows outlets;
-    std::vector<std::size_t> standing;      ///< by outlet's group: the branch that came last to it
-    std::vector<std::size_t> nextStanding;  ///< by branch: the one that came to the outlet before it
-    RowSet visits;                          ///< of this pass
-    RowSet nextVisits;
+    OutletRows& outlets;
+    std::vector<BranchStep>& steps;
+    std::vector<std::int32_t> nextWaiting;  ///< by branch: the one that came before it to wait for its row
+    PlaceSet visits;                        ///< of this pass: the rows that branches wait for
+    PlaceSet nextVisits;
 };
 
-/// Plans the visit for the branches at an outlet that have been there since before row `from` had its turn.
-void Await(Walk& walk, std::size_t group, int from) {
-    const std::size_t place = OutletRowFrom(walk.outlets, group, from);
+/// The row that branches with this tail wait for, all rows before place `from` having had their turn in this
+/// pass: their outlet's first from there on, and if there is none its first of the next pass. Branches that
+/// came to the outlet before wait for that very row. `NoPlace` leaves the branches open for good.
+std::int32_t PlaceAwait(Walk& walk, const BranchElement& tail, std::int32_t from) {
+    const int port = ModuleAisleSx(walk.project, tail.Module, tail.Aisle, AisleSelector).OutPortNb;
+    std::int32_t place = OutletRowFind(walk.outlets, tail.Module, port, from);
     if (place != NoPlace) {
-        Join(walk.visits, walk.outlets.rows[place].row);
-        return;
+        PlaceJoin(walk.visits, place);
+    } else {
+        place = OutletRowFind(walk.outlets, tail.Module, port, FirstPlace);
+        if (place != NoPlace) PlaceJoin(walk.nextVisits, place);
     }
-    const std::size_t again = OutletRowFrom(walk.outlets, group, FirstRow);
-    if (again != NoPlace) Join(walk.nextVisits, walk.outlets.rows[again].row);
+    return place;
 }
 
-std::size_t OutletOf(const Walk& walk, const BranchElement& tail) {
-    const AisleSxCache aisle = ModuleAisleSx(walk.project, tail.Module, tail.Aisle, AisleSelector);
-    return OutletGroupFind(walk.outlets, tail.Module, aisle.OutPortNb);
+void BranchWait(Walk& walk, std::int32_t branch, std::int32_t place) {
+    if (place == NoPlace) return;
+    walk.nextWaiting[branch] = std::exchange(walk.outlets.rows[place].waiting, branch);
 }
 
-/// Lets a branch come to an outlet. Where no row leaves it, the branch stays open for good.
-void Stand(Walk& walk, std::size_t branch, std::size_t group, int from) {
-    if (group == NoPlace) return;
-    walk.nextStanding[branch] = std::exchange(walk.standing[group], branch);
-    if (walk.nextStanding[branch] == NoBranch) Await(walk, group, from);
-}
-
-void Close(BranchSx& branch, const LinkSxCache& link) {
+void BranchClose(BranchSx& branch, const LinkSxCache& link) {
     branch.Post_Sx = link.S_Sx == ModuleKind ? ModulePortEnd : NodeEnd;
     branch.Post_Nb = link.S_Nb;
     branch.PostPort = link.S_PortNb;
     branch.Closed = 1;
 }
 
-/// Leads all branches that stand at the row's outlet along the row, which then is consumed.
-void Visit(Walk& walk, int row) {
-    const std::size_t place = walk.outlets.placeOf[static_cast<std::size_t>(row)];
-    const LinkSxCache& link = walk.outlets.rows[place].link;
-    walk.consumed[static_cast<std::size_t>(row)] = true;
-    OutletRowConsume(walk.outlets, place);
-
-    std::size_t branch = std::exchange(walk.standing[walk.outlets.rows[place].group], NoBranch);
+/// Leads all branches that wait for the row at `place` along it, and consumes it.
+void RowVisit(Walk& walk, std::int32_t place) {
+    OutletRow& row = walk.outlets.rows[place];
+    const LinkSxCache& link = *row.link;
+    row.consumed = true;
+    std::int32_t branch = std::exchange(row.waiting, NoBranch);
     const bool goesOn = link.S_Sx == ModuleKind && link.S_Type2;
     const BranchElement element = goesOn ? ElementBehind(walk.project, link) : BranchElement();
-    const std::size_t outlet = goesOn ? OutletOf(walk, element) : NoPlace;
+    const std::int32_t awaited = goesOn ? PlaceAwait(walk, element, place + 1) : NoPlace;
     while (branch != NoBranch) {
-        const std::size_t next = walk.nextStanding[branch];
+        const std::int32_t next = walk.nextWaiting[branch];
         if (goesOn) {
-            BranchElements[branch].push_back(element);
-            ++BranchTable[branch].Size;
-            Stand(walk, branch, outlet, row + 1);
+            walk.steps.push_back({branch, element});
+            ++walk.branches[branch].Size;
+            BranchWait(walk, branch, awaited);
         } else {
-            Close(BranchTable[branch], link);
+            BranchClose(walk.branches[branch], link);
         }
         branch = next;
     }
@@ -117,20 +105,21 @@ BranchElement ElementBehind(int project, const LinkSxCache& link) {
     return {link.S_Nb, ModulePortInfo(project, link.S_Nb, link.S_PortNb, PortSelector).AisleNb};
 }
 
-void BranchesWalk(int project, RowMarks& consumed) {
-    Walk walk{.project = project,
-              .consumed = consumed,
-              .outlets = OutletRowsGather(consumed),
-              .standing = {},
-              .nextStanding = std::vector<std::size_t>(BranchTable.size(), NoBranch),
-              .visits = {std::vector<std::uint64_t>(consumed.size() / WordBits + 1)},
-              .nextVisits = {std::vector<std::uint64_t>(consumed.size() / WordBits + 1)}};
-    walk.standing.assign(walk.outlets.rows.size(), NoBranch);
-    for (std::size_t branch = 0; branch < BranchTable.size(); ++branch) {
-        Stand(walk, branch, OutletOf(walk, BranchElements[branch].back()), FirstRow);
+void BranchesWalk(std::vector<BranchSx>& branches, int project, OutletRows& outlets,
+                  std::vector<BranchStep>& steps) {
+    OutletRowsIndex(outlets);
+    Walk walk{.branches = branches,
+              .project = project,
+              .outlets = outlets,
+              .steps = steps,
+              .nextWaiting = std::vector<std::int32_t>(branches.size(), NoBranch),
+              .visits = PlaceSet(outlets.rows.size()),
+              .nextVisits = PlaceSet(outlets.rows.size())};
+    for (std::int32_t branch = 0; branch < static_cast<std::int32_t>(branches.size()); ++branch) {
+        BranchWait(walk, branch, PlaceAwait(walk, steps[branch].element, FirstPlace));
     }
     for (int pass = 0; pass < PassLimit && walk.visits.any; ++pass) {
-        TakeAll(walk.visits, [&walk](int row) { Visit(walk, row); });
+        PlacesTake(walk.visits, [&walk](std::int32_t place) { RowVisit(walk, place); });
         std::swap(walk.visits, walk.nextVisits);
     }
 }

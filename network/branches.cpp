@@ -2,91 +2,90 @@
 
 #include <algorithm>
 
-#include "elements/instance_id.h"
 #include "network/branch_walk.h"
-#include "network/project_check.h"
+#include "network/outlet_rows.h"
+#include "network/snapshot.h"
 #include "network/verdict.h"
 
 namespace vorn {
 
-std::int32_t BranchNb = 0;
-std::vector<BranchSx>& BranchTable = *new std::vector<BranchSx>;
-std::vector<std::vector<BranchElement>>& BranchElements = *new std::vector<std::vector<BranchElement>>;
-
 namespace {
 
-constexpr int InformationLink = 1;
-constexpr int MechanicalLink = 3;
-
-bool IsPageLink(int row) {
-    return row >= ProjectCheck.LinkNb;
-}
-
 /// True for a row that makes no branch: it carries neither fluid nor power, or a page link stands for it.
-bool Untraced(int row) {
-    const LinkSxCache& link = LinkRowAt(row);
+bool IsUntraced(const LinkSxCache& link, bool pageLink) {
     if (link.Type == InformationLink || link.Type == MechanicalLink) return true;
-    return !IsPageLink(row) && (link.F_Sx == JumpKind || link.S_Sx == JumpKind);
+    return !pageLink && (link.F_Sx == JumpKind || link.S_Sx == JumpKind);
 }
 
 /// True for a row that comes from a node or from an end port.
-bool Opens(const LinkSxCache& link) {
+bool IsOpening(const LinkSxCache& link) {
     return link.F_Sx == NodeKind || (link.F_Sx == ModuleKind && !link.F_Type2);
 }
 
-void OpenBranch(int project, const LinkSxCache& link) {
-    BranchTable.push_back({.Type = link.Type,
-                           .Size = 1,
-                           .Front_Sx = link.F_Sx == NodeKind ? NodeEnd : ModulePortEnd,
-                           .Front_Nb = link.F_Nb,
-                           .FrontPort = link.F_PortNb});
-    BranchElements.push_back({ElementBehind(project, link)});
-    ++BranchNb;
+/// Opens the branches, and gathers the rows that are left for the walk. A page link opens a branch whatever
+/// it carries.
+void RowsSort(Analysis& analysis, int project, OutletRows& outlets, std::vector<BranchStep>& steps) {
+    ForLinkRows(analysis.ProjectCheck, [&](int, const LinkSxCache& link, bool pageLink) {
+        const bool untraced = IsUntraced(link, pageLink);
+        if (IsOpening(link) && (pageLink || !untraced)) {
+            steps.push_back(
+                {static_cast<std::int32_t>(analysis.BranchTable.size()), ElementBehind(project, link)});
+            analysis.BranchTable.push_back({.Type = link.Type,
+                                            .Size = 1,
+                                            .Front_Sx = link.F_Sx == NodeKind ? NodeEnd : ModulePortEnd,
+                                            .Front_Nb = link.F_Nb,
+                                            .FrontPort = link.F_PortNb});
+        } else if (!untraced) {
+            OutletRowAdd(outlets, link);
+        }
+    });
 }
 
-/// A page link opens a branch whatever it carries.
-void OpenBranches(int project, RowMarks& consumed) {
-    for (int row = 0; row < LinkRowCount(); ++row) {
-        const LinkSxCache& link = LinkRowAt(row);
-        const auto mark = static_cast<std::size_t>(row);
-        if (!link.InUse || !Opens(link) || (consumed[mark] && !IsPageLink(row))) continue;
-        OpenBranch(project, link);
-        consumed[mark] = true;
+/// Puts the elements of each branch together; they keep their order.
+void ElementsLayOut(Analysis& analysis, const std::vector<BranchStep>& steps) {
+    std::vector<std::int32_t> next;
+    next.reserve(analysis.BranchTable.size());
+    std::int32_t end = 0;
+    for (const BranchSx& branch : analysis.BranchTable) {
+        next.push_back(end);
+        end += branch.Size;
     }
+    analysis.BranchElements.resize(steps.size());
+    for (const BranchStep& step : steps) analysis.BranchElements[next[step.branch]++] = step.element;
 }
 
-bool AllClosed() {
-    const auto open = std::find_if(BranchTable.begin(), BranchTable.end(),
-                                   [](const BranchSx& branch) { return branch.Closed == 0; });
-    if (open == BranchTable.end()) return true;
-    const auto branch = open - BranchTable.begin();
-    const BranchElement& tail = BranchElements[static_cast<std::size_t>(branch)].back();
-    Net_ParseMessageSet(BranchOpen, static_cast<int>(branch), tail.Module, tail.Aisle);
-    return false;
-}
-
-bool AllConsumed(const RowMarks& consumed) {
-    for (int row = 0; row < LinkRowCount(); ++row) {
-        const LinkSxCache& link = LinkRowAt(row);
-        if (!link.InUse || consumed[static_cast<std::size_t>(row)]) continue;
-        Net_ParseMessageSet(RowNotConsumed, -1, link.F_Nb, link.F_PortNb);
+bool AllClosed(Analysis& analysis) {
+    std::int32_t end = 0;
+    for (std::size_t number = 0; number < analysis.BranchTable.size(); ++number) {
+        const BranchSx& branch = analysis.BranchTable[number];
+        end += branch.Size;
+        if (branch.Closed == 1) continue;
+        const BranchElement& tail = analysis.BranchElements[end - 1];
+        Net_ParseMessageSet(analysis, BranchOpen, static_cast<int>(number), tail.Module, tail.Aisle);
         return false;
     }
     return true;
 }
 
+bool AllConsumed(Analysis& analysis, const OutletRows& outlets) {
+    const auto row = std::find_if(outlets.rows.begin(), outlets.rows.end(),
+                                  [](const OutletRow& each) { return !each.consumed; });
+    if (row == outlets.rows.end()) return true;
+    Net_ParseMessageSet(analysis, RowNotConsumed, -1, row->link->F_Nb, row->link->F_PortNb);
+    return false;
+}
+
 }  // namespace
 
-bool BranchesTrace(int project) {
-    BranchNb = 0;
-    BranchTable.clear();
-    BranchElements.clear();
-
-    RowMarks consumed(static_cast<std::size_t>(LinkRowCount()));
-    for (int row = 0; row < LinkRowCount(); ++row) consumed[static_cast<std::size_t>(row)] = Untraced(row);
-    OpenBranches(project, consumed);
-    BranchesWalk(project, consumed);
-    return AllClosed() && AllConsumed(consumed);
+bool BranchesTrace(Analysis& analysis, int project) {
+    analysis.BranchTable.clear();
+    analysis.BranchElements.clear();
+    OutletRows outlets{.moduleCount = analysis.ProjectCheck.ModuleNb};
+    std::vector<BranchStep> steps;
+    RowsSort(analysis, project, outlets, steps);
+    BranchesWalk(analysis.BranchTable, project, outlets, steps);
+    ElementsLayOut(analysis, steps);
+    return AllClosed(analysis) && AllConsumed(analysis, outlets);
 }
 
 }  // namespace vorn

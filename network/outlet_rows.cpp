@@ -2,109 +2,89 @@
 
 #include <algorithm>
 #include <numeric>
-#include <tuple>
 #include <utility>
-
-#include "elements/instance_id.h"
-#include "network/project_check.h"
 
 namespace vorn {
 
 namespace {
 
-/// The order of the rows.
-std::tuple<int, int, int> KeyOf(const OutletRow& row) {
-    return {row.link.F_Nb, row.link.F_PortNb, row.row};
+constexpr int NoPart = -1;
+constexpr int PortShift = 32;
+
+/// Orders the rows of one module by port, and those of one port by place.
+constexpr std::uint64_t KeyOf(int port, std::int32_t place) {
+    return std::uint64_t{static_cast<std::uint32_t>(port)} << PortShift | static_cast<std::uint32_t>(place);
 }
 
-bool SameOutlet(const OutletRow& left, const OutletRow& right) {
-    return left.link.F_Nb == right.link.F_Nb && left.link.F_PortNb == right.link.F_PortNb;
+constexpr bool SamePort(std::uint64_t key, std::uint64_t other) {
+    return key >> PortShift == other >> PortShift;
 }
 
-/// The part of the rows in which those of `module` lie; the numbers on either side of the table share one.
-std::size_t PartOf(int module) {
-    return static_cast<std::size_t>(std::clamp(module, -1, ProjectCheck.ModuleNb) + 1);
+constexpr std::int32_t PlaceOf(std::uint64_t key) {
+    return static_cast<std::int32_t>(key);
 }
 
-auto PlaceAt(auto& outlets, std::size_t place) {
-    return outlets.rows.begin() + static_cast<std::ptrdiff_t>(place);
+bool IsFromThroughPort(const LinkSxCache& link) {
+    return link.F_Sx == ModuleKind && link.F_Type2;
 }
 
-template <typename Run>
-void ForOutletRows(const RowMarks& consumed, Run run) {
-    for (int row = 0; row < LinkRowCount(); ++row) {
-        const LinkSxCache& link = LinkRowAt(row);
-        if (consumed[static_cast<std::size_t>(row)] || !link.InUse) continue;
-        if (link.F_Sx == ModuleKind && link.F_Type2) run(link, row);
+int PartFind(const OutletRows& outlets, int module) {
+    if (module >= 0 && module < outlets.moduleCount) return module;
+    const auto other = outlets.others.find(module);
+    return other == outlets.others.end() ? NoPart : other->second;
+}
+
+/// Sorts the keys of one module, and ties the rows of each of its ports together.
+void PartSort(OutletRows& outlets, std::int32_t begin, std::int32_t end) {
+    if (end - begin < 2) return;
+    std::sort(outlets.keys.begin() + begin, outlets.keys.begin() + end);
+    for (std::int32_t index = begin + 1; index < end; ++index) {
+        const std::uint64_t before = outlets.keys[index - 1];
+        const std::uint64_t key = outlets.keys[index];
+        if (SamePort(before, key)) outlets.rows[PlaceOf(before)].later = PlaceOf(key);
     }
-}
-
-/// Lays the rows out by part, each part in row order.
-void LayOut(OutletRows& outlets, const RowMarks& consumed) {
-    outlets.parts.resize(PartOf(ProjectCheck.ModuleNb) + 2);
-    ForOutletRows(consumed, [&](const LinkSxCache& link, int) { ++outlets.parts[PartOf(link.F_Nb) + 1]; });
-    std::partial_sum(outlets.parts.begin(), outlets.parts.end(), outlets.parts.begin());
-    outlets.rows.resize(outlets.parts.back());
-    std::vector<std::size_t> next = outlets.parts;
-    ForOutletRows(consumed, [&](const LinkSxCache& link, int row) {
-        outlets.rows[next[PartOf(link.F_Nb)]++] = {link, row, NoPlace};
-    });
-}
-
-/// The first place from `place` on whose row is not consumed.
-std::size_t FirstLeft(OutletRows& outlets, std::size_t place) {
-    std::vector<std::size_t>& left = outlets.left;
-    std::size_t first = place;
-    while (left[first] != first) first = left[first];
-    while (left[place] != first) place = std::exchange(left[place], first);
-    return first;
-}
-
-/// The first place of the module's rows whose key is not below `key`.
-std::size_t PlaceFrom(const OutletRows& outlets, const std::tuple<int, int, int>& key) {
-    const std::size_t part = PartOf(std::get<0>(key));
-    const auto place =
-        std::lower_bound(PlaceAt(outlets, outlets.parts[part]), PlaceAt(outlets, outlets.parts[part + 1]),
-                         key, [](const OutletRow& row, const auto& wanted) { return KeyOf(row) < wanted; });
-    return static_cast<std::size_t>(place - outlets.rows.begin());
 }
 
 }  // namespace
 
-OutletRows OutletRowsGather(const RowMarks& consumed) {
-    OutletRows outlets;
-    LayOut(outlets, consumed);
-    for (std::size_t part = 0; part + 1 < outlets.parts.size(); ++part) {
-        std::sort(PlaceAt(outlets, outlets.parts[part]), PlaceAt(outlets, outlets.parts[part + 1]),
-                  [](const OutletRow& left, const OutletRow& right) { return KeyOf(left) < KeyOf(right); });
+void OutletRowAdd(OutletRows& outlets, const LinkSxCache& link) {
+    if (IsFromThroughPort(link) && PartFind(outlets, link.F_Nb) == NoPart) {
+        outlets.others.emplace(link.F_Nb, outlets.moduleCount + static_cast<int>(outlets.others.size()));
     }
-    outlets.placeOf.resize(consumed.size());
-    for (std::size_t place = 0; place < outlets.rows.size(); ++place) {
-        OutletRow& row = outlets.rows[place];
-        const bool first = place == 0 || !SameOutlet(outlets.rows[place - 1], row);
-        row.group = first ? place : outlets.rows[place - 1].group;
-        outlets.placeOf[static_cast<std::size_t>(row.row)] = place;
+    outlets.rows.push_back({.link = &link});
+}
+
+void OutletRowsIndex(OutletRows& outlets) {
+    const int parts = outlets.moduleCount + static_cast<int>(outlets.others.size());
+    // Counted two parts ahead, so that a part's entry is the next one's begin once it has its keys.
+    outlets.begins.assign(static_cast<std::size_t>(parts) + 2, 0);
+    for (const OutletRow& row : outlets.rows) {
+        if (IsFromThroughPort(*row.link)) ++outlets.begins[PartFind(outlets, row.link->F_Nb) + 2];
     }
-    outlets.left.resize(outlets.rows.size() + 1);
-    std::iota(outlets.left.begin(), outlets.left.end(), std::size_t{0});
-    return outlets;
+    std::partial_sum(outlets.begins.begin(), outlets.begins.end(), outlets.begins.begin());
+    outlets.keys.resize(outlets.begins.back());
+    for (std::int32_t place = 0; place < static_cast<std::int32_t>(outlets.rows.size()); ++place) {
+        const LinkSxCache& link = *outlets.rows[place].link;
+        if (!IsFromThroughPort(link)) continue;
+        outlets.keys[outlets.begins[PartFind(outlets, link.F_Nb) + 1]++] = KeyOf(link.F_PortNb, place);
+    }
+    for (int part = 0; part < parts; ++part)
+        PartSort(outlets, outlets.begins[part], outlets.begins[part + 1]);
 }
 
-std::size_t OutletGroupFind(const OutletRows& outlets, int module, int port) {
-    const std::size_t place = PlaceFrom(outlets, {module, port, 0});
-    if (place == outlets.rows.size()) return NoPlace;
-    const LinkSxCache& link = outlets.rows[place].link;
-    return link.F_Nb == module && link.F_PortNb == port ? place : NoPlace;
-}
+std::int32_t OutletRowFind(OutletRows& outlets, int module, int port, std::int32_t from) {
+    const int part = PartFind(outlets, module);
+    if (part == NoPart) return NoPlace;
+    const std::uint64_t wanted = KeyOf(port, from);
+    const auto end = outlets.keys.begin() + outlets.begins[part + 1];
+    const auto key = std::lower_bound(outlets.keys.begin() + outlets.begins[part], end, wanted);
+    if (key == end || !SamePort(*key, wanted)) return NoPlace;
 
-std::size_t OutletRowFrom(OutletRows& outlets, std::size_t group, int row) {
-    const LinkSxCache& link = outlets.rows[group].link;
-    const std::size_t place = FirstLeft(outlets, PlaceFrom(outlets, {link.F_Nb, link.F_PortNb, row}));
-    return place < outlets.rows.size() && outlets.rows[place].group == group ? place : NoPlace;
-}
-
-void OutletRowConsume(OutletRows& outlets, std::size_t place) {
-    outlets.left[place] = place + 1;
+    std::int32_t place = PlaceOf(*key);
+    std::int32_t found = place;
+    while (found != NoPlace && outlets.rows[found].consumed) found = outlets.rows[found].later;
+    while (place != found) place = std::exchange(outlets.rows[place].later, found);  // shortens the next way
+    return found;
 }
 
 }  // namespace vorn

@@ -1,44 +1,43 @@
-// The rows of the snapshot that lead away from through ports, found by the outlet that they leave.
+// The rows that the walk has to consume, and the search for those that leave a module's outlet.
+//
+// A place is an index into `rows`; the rows stand in the order in which the passes take them.
 
 #pragma once
 
-#include <cstddef>
+#include <cstdint>
+#include <unordered_map>
 #include <vector>
 
 #include "engine/vorn_records.h"
 
 namespace vorn {
 
-/// A mark for each row of both link tables, set on a row that the walk need not look at any more.
-using RowMarks = std::vector<bool>;
-
-inline constexpr auto NoPlace = static_cast<std::size_t>(-1);
+inline constexpr std::int32_t NoPlace = -1;
+inline constexpr std::int32_t NoBranch = -1;
 
 struct OutletRow {
-    LinkSxCache link;   ///< a copy, which lies beside those that are read with it
-    int row;            ///< its number, counted through both tables
-    std::size_t group;  ///< the place of the first row of its outlet, which stands for the outlet
+    const LinkSxCache* link;
+    std::int32_t later = NoPlace;     ///< a row behind it of the same outlet; all between them are consumed
+    std::int32_t waiting = NoBranch;  ///< the branch that came last to wait for this row
+    bool consumed = false;
 };
 
-/// The rows by module, port and number; a place is an index into `rows`. Modules and ports are as the rows
-/// tell them and may name nothing.
+/// Modules and ports are as the rows tell them and may name nothing.
 struct OutletRows {
+    int moduleCount;  ///< of the snapshot
     std::vector<OutletRow> rows{};
-    std::vector<std::size_t> placeOf{};  ///< by number of the row; told only of rows that are here
-    std::vector<std::size_t> parts{};    ///< by module: where its rows begin
-    std::vector<std::size_t> left{};     ///< by place: from here to the place named all are consumed
+    std::unordered_map<int, int> others{};  ///< modules outside the table, and the parts that they are given
+    std::vector<std::int32_t> begins{};     ///< by part, which is a module: where its keys begin
+    std::vector<std::uint64_t> keys{};      ///< port and place of each row from a through port, ascending
 };
 
-/// Gathers the rows in use that are not marked.
-OutletRows OutletRowsGather(const RowMarks& consumed);
+/// Adds a row, in order. One that comes from no through port is never found, so that it is left over.
+void OutletRowAdd(OutletRows& outlets, const LinkSxCache& link);
 
-/// The group of an outlet, `NoPlace` when no row leaves it.
-std::size_t OutletGroupFind(const OutletRows& outlets, int module, int port);
+/// Makes the rows that were added ready for the search.
+void OutletRowsIndex(OutletRows& outlets);
 
-/// The first place of a group whose row is not consumed and has a number of at least `row`; or `NoPlace`.
-std::size_t OutletRowFrom(OutletRows& outlets, std::size_t group, int row);
-
-/// Takes a row out of the search.
-void OutletRowConsume(OutletRows& outlets, std::size_t place);
+/// The first place, from `from` on, of a row that leaves this port and is not consumed; or `NoPlace`.
+std::int32_t OutletRowFind(OutletRows& outlets, int module, int port, std::int32_t from);
 
 }  // namespace vorn

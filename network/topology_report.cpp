@@ -1,23 +1,20 @@
-// The topology of the project analysed last, as JSON.
+#include "network/topology_report.h"
 
-#include <rapidjson/document.h>
 #include <rapidjson/prettywriter.h>
-#include <rapidjson/stringbuffer.h>
 
+#include <algorithm>
 #include <array>
 #include <cstring>
+#include <optional>
+#include <span>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "elements/grid.h"
 #include "elements/instance_id.h"
 #include "elements/node_kind.h"
-#include "elements/slot.h"
 #include "engine/vorn_core.h"
-#include "include/vorn_server.h"
-#include "network/branches.h"
-#include "network/project_check.h"
+#include "network/snapshot.h"
 #include "text/ansi_to_utf8.h"
 #include "text/fixed_text.h"
 
@@ -27,49 +24,51 @@ namespace {
 
 constexpr int RoomID = 0;
 
-/// The text of the last report, which the host holds by its pointer.
-std::string& ReportText = *new std::string;
-
-/// A report under construction. The document refers to the names here and in `ProjectCheck`: none may move or
-/// change before the text is written.
-struct Report {
-    rapidjson::Document NewPjtJson{rapidjson::kObjectType};
-    std::array<std::string, ModuleTypeCount> midName{};
-    std::vector<std::string> ConnectionID{};
-    std::vector<std::string> F_InstanceID{};
-    std::vector<std::string> S_InstanceID{};
-    std::vector<std::string> Front_InstanceID{};
-    std::vector<std::string> Post_InstanceID{};
-    std::vector<std::vector<std::string>> BranchNbInfo{};
+/// What the writer puts its characters into.
+struct TextStream {
+    using Ch = char;
+    std::string& text;
+    void Put(char character) { text.push_back(character); }
+    void Flush() {}
 };
 
-rapidjson::Value NameByReference(std::string_view text) {
-    const char* start = text.empty() ? "" : text.data();  // an empty view need not point anywhere
-    return rapidjson::Value(rapidjson::StringRef(start, static_cast<rapidjson::SizeType>(text.size())));
+/// A report under construction. The text is written straight, as it may be larger than all else together.
+struct Report {
+    explicit Report(std::string& text) : stream{text}, writer(stream) {}
+
+    TextStream stream;
+    rapidjson::PrettyWriter<TextStream> writer;
+    std::array<std::optional<std::string>, ModuleTypeCount> midName{};  ///< by type, as far as asked for
+};
+
+void ValueWrite(Report& report, int value) {
+    report.writer.Int(value);
+}
+void ValueWrite(Report& report, std::int64_t value) {
+    report.writer.Int64(value);
+}
+void ValueWrite(Report& report, double value) {
+    report.writer.Double(value);
+}
+void ValueWrite(Report& report, std::string_view value) {
+    report.writer.String(value.empty() ? "" : value.data(), static_cast<rapidjson::SizeType>(value.size()));
 }
 
-rapidjson::Value NewObject() {
-    return rapidjson::Value(rapidjson::kObjectType);
-}
-
-rapidjson::Value NewArray() {
-    return rapidjson::Value(rapidjson::kArrayType);
-}
-
-/// Adds a member to an object; its name lives as long as the document.
 template <typename Value>
-void Add(Report& report, rapidjson::Value& object, std::string_view name, Value value) {
-    rapidjson::Value member(std::move(value));
-    object.AddMember(NameByReference(name), member, report.NewPjtJson.GetAllocator());
+void MemberWrite(Report& report, std::string_view name, const Value& value) {
+    report.writer.Key(name.data(), static_cast<rapidjson::SizeType>(name.size()));
+    ValueWrite(report, value);
 }
 
-void Append(Report& report, rapidjson::Value& array, rapidjson::Value& entry) {
-    array.PushBack(entry, report.NewPjtJson.GetAllocator());
-}
-
-void AddTable(Report& report, std::string_view countName, std::string_view name, rapidjson::Value& table) {
-    Add(report, report.NewPjtJson, countName, static_cast<int>(table.Size()));
-    Add(report, report.NewPjtJson, name, std::move(table));
+/// Writes a table of `count` entries behind its count. `entries` starts and ends each of them by itself.
+template <typename Entries>
+void TableWrite(Report& report, std::string_view countName, std::string_view name, std::ptrdiff_t count,
+                Entries entries) {
+    MemberWrite(report, countName, static_cast<int>(count));
+    report.writer.Key(name.data(), static_cast<rapidjson::SizeType>(name.size()));
+    report.writer.StartArray();
+    entries();
+    report.writer.EndArray();
 }
 
 /// The identity in a row of the snapshot, where an element without one gets its default.
@@ -78,88 +77,87 @@ std::string_view IdentityOf(char (&field)[IdentityBytes], ElementKind kind, int 
     return {field, strnlen(field, IdentityBytes)};
 }
 
-/// The name of a module type, converted once and kept; empty for a number outside the table.
+/// The name of a module type, asked for once; empty for a number outside the table.
 std::string_view DeviceNameOf(Report& report, int type) {
     if (type < 0 || type >= ModuleTypeCount) return {};
-    std::string& name = report.midName[static_cast<std::size_t>(type)];
-    if (name.empty()) name = AnsiToUtf8(ModuleNameGet(type));
-    return name;
+    std::optional<std::string>& name = report.midName[type];
+    if (!name) name = AnsiToUtf8(ModuleNameGet(type));
+    return *name;
 }
 
 template <typename Row>
-void AddPlace(Report& report, rapidjson::Value& entry, const Row& row) {
-    Add(report, entry, "PositionX", row.PositionX / PositionScale);
-    Add(report, entry, "PositionZ", row.PositionZ / PositionScale);
-    Add(report, entry, "RoomID", RoomID);
+void PlaceWrite(Report& report, const Row& row) {
+    MemberWrite(report, "PositionX", row.PositionX / PositionScale);
+    MemberWrite(report, "PositionZ", row.PositionZ / PositionScale);
+    MemberWrite(report, "RoomID", RoomID);
 }
 
-void ReportDevices(Report& report) {
-    rapidjson::Value table = NewArray();
-    for (int number = 0; number < ProjectCheck.ModuleNb; ++number) {
-        ModuleRow& row = ProjectCheck.ModuleSx[number];
-        if (!row.InUse) continue;
-        rapidjson::Value entry = NewObject();
-        Add(report, entry, "InstanceID", NameByReference(IdentityOf(row.InstanceID, ModuleKind, number)));
-        Add(report, entry, "DeviceName", NameByReference(DeviceNameOf(report, row.TypeNb)));
-        Add(report, entry, "VornModuleID", ModuleOneID_Get(row.TypeNb));
-        AddPlace(report, entry, row);
-        Add(report, entry, "ModelID", NameByReference({row.ModelID, strnlen(row.ModelID, IdentityBytes)}));
-        Append(report, table, entry);
-    }
-    AddTable(report, "DeviceNb", "DeviceInfo", table);
+/// Writes the table of the rows in use; `entry` writes the members of one.
+template <typename Row, typename Entry>
+void RowsWrite(Report& report, std::string_view countName, std::string_view name, std::span<Row> rows,
+               Entry entry) {
+    const auto inUse = std::count_if(rows.begin(), rows.end(), [](const Row& row) { return row.InUse; });
+    TableWrite(report, countName, name, inUse, [&] {
+        for (std::size_t number = 0; number < rows.size(); ++number) {
+            if (!rows[number].InUse) continue;
+            report.writer.StartObject();
+            entry(rows[number], static_cast<int>(number));
+            report.writer.EndObject();
+        }
+    });
 }
 
-void ReportNodes(Report& report) {
-    rapidjson::Value table = NewArray();
-    for (int number = 0; number < ProjectCheck.NodeNb; ++number) {
-        NodeRow& row = ProjectCheck.NodeSx[number];
-        if (!row.InUse) continue;
-        rapidjson::Value entry = NewObject();
-        Add(report, entry, "InstanceID", NameByReference(IdentityOf(row.InstanceID, NodeKind, number)));
-        Add(report, entry, "NodeName", NameByReference(NodeTypeName(row.Kind)));
-        Add(report, entry, "VornModuleID", row.Kind + NodeIdBase);
-        AddPlace(report, entry, row);
-        Add(report, entry, "ModelID", NameByReference(""));
-        Append(report, table, entry);
-    }
-    AddTable(report, "NodeNb", "NodeInfo", table);
+void DevicesWrite(Report& report, ProjectCheckCache& check) {
+    const std::span rows(check.ModuleSx, static_cast<std::size_t>(check.ModuleNb));
+    RowsWrite(report, "DeviceNb", "DeviceInfo", rows, [&report](ModuleRow& row, int number) {
+        MemberWrite(report, "InstanceID", IdentityOf(row.InstanceID, ModuleKind, number));
+        MemberWrite(report, "DeviceName", DeviceNameOf(report, row.TypeNb));
+        MemberWrite(report, "VornModuleID", ModuleOneID_Get(row.TypeNb));
+        PlaceWrite(report, row);
+        MemberWrite(report, "ModelID", std::string_view(row.ModelID, strnlen(row.ModelID, IdentityBytes)));
+    });
 }
 
-/// A row with a jump end is left out: page links stand for it.
-bool Reported(int row) {
-    const LinkSxCache& link = LinkRowAt(row);
-    const bool pageLink = row >= ProjectCheck.LinkNb;
-    return link.InUse && (pageLink || (link.F_Sx < JumpKind && link.S_Sx < JumpKind));
+void NodesWrite(Report& report, ProjectCheckCache& check) {
+    const std::span rows(check.NodeSx, static_cast<std::size_t>(check.NodeNb));
+    RowsWrite(report, "NodeNb", "NodeInfo", rows, [&report](NodeRow& row, int number) {
+        MemberWrite(report, "InstanceID", IdentityOf(row.InstanceID, NodeKind, number));
+        MemberWrite(report, "NodeName", NodeTypeName(row.Kind));
+        MemberWrite(report, "VornModuleID", row.Kind + NodeIdBase);
+        PlaceWrite(report, row);
+        MemberWrite(report, "ModelID", std::string_view());
+    });
+}
+
+/// Runs `run` on the number and row of each connection. A link row with a jump end is none: page links stand
+/// for it.
+template <typename Run>
+void ForConnections(const ProjectCheckCache& check, Run run) {
+    ForLinkRows(check, [&run](int number, const LinkSxCache& row, bool pageLink) {
+        if (pageLink || (row.F_Sx < JumpKind && row.S_Sx < JumpKind)) run(number, row);
+    });
 }
 
 std::string ConnectionEndName(int kind, int number) {
     return InstanceIdText(kind == ModuleKind ? ModuleKind : NodeKind, number);
 }
 
-void ReportConnections(Report& report) {
-    const auto rows = static_cast<std::size_t>(LinkRowCount());
-    report.ConnectionID.resize(rows);
-    report.F_InstanceID.resize(rows);
-    report.S_InstanceID.resize(rows);
-    rapidjson::Value table = NewArray();
-    for (std::size_t slot = 0; slot < rows; ++slot) {
-        const int number = static_cast<int>(slot);
-        if (!Reported(number)) continue;
-        const LinkSxCache& row = LinkRowAt(number);
-        report.ConnectionID[slot] = InstanceIdText(LinkKind, number);
-        report.F_InstanceID[slot] = ConnectionEndName(row.F_Sx, row.F_Nb);
-        report.S_InstanceID[slot] = ConnectionEndName(row.S_Sx, row.S_Nb);
-        rapidjson::Value entry = NewObject();
-        Add(report, entry, "InstanceID", NameByReference(report.ConnectionID[slot]));
-        Add(report, entry, "Type", row.Type);
-        Add(report, entry, "PageNb", row.PageNb);
-        Add(report, entry, "F_InstanceID", NameByReference(report.F_InstanceID[slot]));
-        Add(report, entry, "F_PortNb", row.F_PortNb);
-        Add(report, entry, "S_InstanceID", NameByReference(report.S_InstanceID[slot]));
-        Add(report, entry, "S_PortNb", row.S_PortNb);
-        Append(report, table, entry);
-    }
-    AddTable(report, "ConnectionNb", "ConnectionInfo", table);
+void ConnectionsWrite(Report& report, const ProjectCheckCache& check) {
+    int count = 0;
+    ForConnections(check, [&count](int, const LinkSxCache&) { ++count; });
+    TableWrite(report, "ConnectionNb", "ConnectionInfo", count, [&] {
+        ForConnections(check, [&report](int number, const LinkSxCache& row) {
+            report.writer.StartObject();
+            MemberWrite(report, "InstanceID", InstanceIdText(LinkKind, number));
+            MemberWrite(report, "Type", row.Type);
+            MemberWrite(report, "PageNb", row.PageNb);
+            MemberWrite(report, "F_InstanceID", ConnectionEndName(row.F_Sx, row.F_Nb));
+            MemberWrite(report, "F_PortNb", row.F_PortNb);
+            MemberWrite(report, "S_InstanceID", ConnectionEndName(row.S_Sx, row.S_Nb));
+            MemberWrite(report, "S_PortNb", row.S_PortNb);
+            report.writer.EndObject();
+        });
+    });
 }
 
 std::string BranchEndName(BranchEndKind kind, int number) {
@@ -168,66 +166,51 @@ std::string BranchEndName(BranchEndKind kind, int number) {
 }
 
 /// The modules of a branch: an object for each, with the aisle under the module's name.
-rapidjson::Value AislesOf(Report& report, std::size_t branch) {
-    const std::vector<BranchElement>& elements = BranchElements[branch];
-    std::vector<std::string>& moduleNames = report.BranchNbInfo[branch];
-    moduleNames.reserve(elements.size());
-    rapidjson::Value aisles = NewArray();
+void ElementsWrite(Report& report, std::span<const BranchElement> elements) {
+    report.writer.Key("InstanceID_AisleNb");
+    report.writer.StartArray();
     for (const BranchElement& element : elements) {
-        rapidjson::Value entry = NewObject();
-        Add(report, entry, moduleNames.emplace_back(InstanceIdText(ModuleKind, element.Module)),
-            element.Aisle);
-        Append(report, aisles, entry);
+        report.writer.StartObject();
+        MemberWrite(report, InstanceIdText(ModuleKind, element.Module), element.Aisle);
+        report.writer.EndObject();
     }
-    return aisles;
+    report.writer.EndArray();
 }
 
-void ReportBranches(Report& report) {
-    const auto branches = static_cast<std::size_t>(BranchNb);
-    report.Front_InstanceID.resize(branches);
-    report.Post_InstanceID.resize(branches);
-    report.BranchNbInfo.resize(branches);
-    rapidjson::Value table = NewArray();
-    for (std::size_t number = 0; number < branches; ++number) {
-        const BranchSx& branch = BranchTable[number];
-        report.Front_InstanceID[number] = BranchEndName(branch.Front_Sx, branch.Front_Nb);
-        report.Post_InstanceID[number] = BranchEndName(branch.Post_Sx, branch.Post_Nb);
-        rapidjson::Value entry = NewObject();
-        Add(report, entry, "Branch", static_cast<int>(number));
-        Add(report, entry, "Type", branch.Type);
-        Add(report, entry, "Size", branch.Size);
-        Add(report, entry, "Front_InstanceID", NameByReference(report.Front_InstanceID[number]));
-        Add(report, entry, "FrontPort", branch.FrontPort);
-        Add(report, entry, "InstanceID_AisleNb", AislesOf(report, number));
-        Add(report, entry, "Post_InstanceID", NameByReference(report.Post_InstanceID[number]));
-        Add(report, entry, "PostPort", branch.PostPort);
-        Append(report, table, entry);
-    }
-    AddTable(report, "BranchNb", "BranchInfo", table);
+void BranchesWrite(Report& report, const Analysis& analysis) {
+    const auto count = static_cast<std::ptrdiff_t>(analysis.BranchTable.size());
+    TableWrite(report, "BranchNb", "BranchInfo", count, [&] {
+        int number = 0;
+        std::span<const BranchElement> left = analysis.BranchElements;
+        for (const BranchSx& branch : analysis.BranchTable) {
+            report.writer.StartObject();
+            MemberWrite(report, "Branch", number++);
+            MemberWrite(report, "Type", branch.Type);
+            MemberWrite(report, "Size", branch.Size);
+            MemberWrite(report, "Front_InstanceID", BranchEndName(branch.Front_Sx, branch.Front_Nb));
+            MemberWrite(report, "FrontPort", branch.FrontPort);
+            ElementsWrite(report, left.first(branch.Size));
+            MemberWrite(report, "Post_InstanceID", BranchEndName(branch.Post_Sx, branch.Post_Nb));
+            MemberWrite(report, "PostPort", branch.PostPort);
+            report.writer.EndObject();
+            left = left.subspan(branch.Size);
+        }
+    });
 }
 
 }  // namespace
 
-}  // namespace vorn
-
-const char* Net_InfoToAI(int project) {
-    using namespace vorn;
-    if (!IsSlot(project)) return nullptr;
-    if (BranchNb < 1) Net_Access(project);
-
-    Report report;
-    ReportDevices(report);
-    ReportNodes(report);
-    ReportConnections(report);
-    ReportBranches(report);
-
-    rapidjson::StringBuffer buffer;
-    rapidjson::PrettyWriter<rapidjson::StringBuffer> writer(buffer);
-    report.NewPjtJson.Accept(writer);
-    ReportText.assign(buffer.GetString(), buffer.GetSize());
-
-    // The report uses the analysis up: the next one analyses afresh.
-    BranchNb = 0;
-    BranchElements.clear();
-    return ReportText.c_str();
+void TopologyReport(Analysis& analysis) {
+    analysis.ReportText = std::string();  // gives the memory of a large one back
+    Report report(analysis.ReportText);
+    report.writer.StartObject();
+    DevicesWrite(report, analysis.ProjectCheck);
+    NodesWrite(report, analysis.ProjectCheck);
+    ConnectionsWrite(report, analysis.ProjectCheck);
+    BranchesWrite(report, analysis);
+    report.writer.EndObject();
+    analysis.BranchTable = {};
+    analysis.BranchElements = {};
 }
+
+}  // namespace vorn

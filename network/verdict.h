@@ -2,19 +2,17 @@
 
 #pragma once
 
-#include <string>
+#include "network/analysis.h"
 
 namespace vorn {
-
-/// The verdict of the last analysis, UTF-8 with a line feed at its end; empty before the first one.
-extern std::string& ParseMessage;
 
 /// What an analysis can end with, the first thing found wrong.
 enum Verdict { Complete = 0, BranchOpen = 1, NetWithoutPressure = 2, RowNotConsumed = 3 };
 
-/// Makes the text of verdict `kind`. `BranchOpen` takes the branch, its tail module and the tail's aisle;
-/// `NetWithoutPressure` takes the node as `element`; `RowNotConsumed` takes the row's upstream element and
-/// port. What a verdict does not take is -1. An element outside the snapshot counts as one of identity 0.
-void Net_ParseMessageSet(int kind, int branch, int element, int number);
+/// Makes the text of verdict `kind` in `ParseMessage`. `BranchOpen` takes the branch, its tail module and the
+/// tail's aisle; `NetWithoutPressure` takes the node as `element`; `RowNotConsumed` takes the row's upstream
+/// element and port. What a verdict does not take is -1. An element outside the snapshot counts as one of
+/// identity 0.
+void Net_ParseMessageSet(Analysis& analysis, Verdict kind, int branch, int element, int number);
 
 }  // namespace vorn

@@ -4,7 +4,8 @@
 
 #include "engine/vorn_core.h"
 #include "include/vorn_server.h"
-#include "network/project_check.h"
+#include "network/net_access.h"
+#include "network/topology_report.h"
 #include "tests/support/service_test.h"
 
 namespace {
@@ -43,6 +44,9 @@ std::string Packed(std::string_view text) {
     }
     return packed;
 }
+
+/// An analysis beside the library's own, for what no request shows.
+vorn::Analysis Own;
 
 using NetworkReportTest = ServiceTest;
 
@@ -97,11 +101,12 @@ TEST_F(NetworkReportTest, TellsThePlantAndUsesTheAnalysisUp) {
 
 TEST_F(NetworkReportTest, NamesOutsideTheTablesAreEmpty) {
     PlantMake();
-    Send("NetAccess", "PLANT");
-    vorn::ProjectCheck.ModuleSx[0].TypeNb = 600;
-    vorn::ProjectCheck.ModuleSx[2].TypeNb = -1;
-    vorn::ProjectCheck.NodeSx[0].Kind = 4;
-    const std::string report = Packed(Net_InfoToAI(0));
+    vorn::SnapshotLoad(Own, 0);
+    Own.ProjectCheck.ModuleSx[0].TypeNb = 600;
+    Own.ProjectCheck.ModuleSx[2].TypeNb = -1;
+    Own.ProjectCheck.NodeSx[0].Kind = 4;
+    vorn::TopologyReport(Own);
+    const std::string report = Packed(Own.ReportText);
     EXPECT_NE(report.find(R"("MOD0","DeviceName": "","VornModuleID": 0,)"), std::string::npos) << report;
     EXPECT_NE(report.find(R"(\"A\"","DeviceName": "","VornModuleID": 0,)"), std::string::npos) << report;
     EXPECT_NE(report.find(R"("NodeName": "","VornModuleID": 3004,)"), std::string::npos) << report;
@@ -113,10 +118,10 @@ TEST_F(NetworkReportTest, PageLinksJoinAllThatMeetsAtAJump) {
     Link("JUMPS",
          "2 1 1 1 1 3 5 0 0; 0 3 5 1 0 1 2 0 1; 0 2 3 8 0 3 5 1 0; 0 3 5 2 0 3 6 0 0;"
          "0 3 6 1 0 2 4 0 0; 0 3 6 2 0 3 5 0 0; 0 1 7 1 1 3 8 0 0");
-    Send("NetAccess", "JUMPS");
+    vorn::SnapshotLoad(Own, 0);
     std::string links;
-    for (int row = 0; row < vorn::ProjectCheck.PageLinkNb; ++row) {
-        const LinkSxCache& link = vorn::ProjectCheck.PageLinkSx[row];
+    for (int row = 0; row < Own.ProjectCheck.PageLinkNb; ++row) {
+        const LinkSxCache& link = Own.ProjectCheck.PageLinkSx[row];
         for (int number : {link.Type, link.F_Sx, link.F_Nb, link.F_PortNb, int{link.F_Type2}, link.S_Sx,
                            link.S_Nb, link.S_PortNb, int{link.S_Type2}}) {
             links += std::to_string(number) + " ";
@@ -131,8 +136,9 @@ TEST_F(NetworkReportTest, PageLinksJoinAllThatMeetsAtAJump) {
         const std::string number = std::to_string(row);
         Link("FULL", "1 1 " + number + " 1 1 3 1 0 0; 1 3 1 0 0 1 " + number + " 0 1");
     }
-    EXPECT_EQ(Send("NetAccess", "FULL"), "OK");
-    EXPECT_EQ(vorn::ProjectCheck.PageLinkNb, PageLinkCapacity);
+    vorn::SnapshotLoad(Own, 1);
+    EXPECT_EQ(Own.ProjectCheck.PageLinkNb, PageLinkCapacity);
+    EXPECT_TRUE(vorn::SnapshotAnalyse(Own, 1));
 }
 
 }  // namespace

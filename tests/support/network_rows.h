@@ -9,12 +9,14 @@
 #include <vector>
 
 #include "engine/vorn_core.h"
-#include "network/branches.h"
-#include "network/project_check.h"
+#include "network/net_access.h"
+#include "network/snapshot.h"
 #include "network/verdict.h"
 #include "standin/levers/levers.h"
 
 namespace vorn {
+
+inline Analysis Net;  ///< what the tests analyse
 
 inline constexpr int Exchangers = 4;  // modules 0 to 3; aisle 0 is port 0 to 1, aisle 1 port 2 to 3
 inline constexpr int Modules = 700;   // the others are pipes, with aisle 0 only
@@ -27,7 +29,7 @@ class NetworkTest : public testing::Test {
         for (int module = 0; module < Modules; ++module) {
             ProjectAddModule("NET", module, module < Exchangers ? 13 : 0, 0, 0, 0);
         }
-        ProjectInfoGet("NET", ProjectCheck);
+        SnapshotLoad(Net, 0);
     }
     ~NetworkTest() override { standin::EngineReset(); }
 };
@@ -38,11 +40,12 @@ inline bool ReadEnd(std::istream& line, std::int32_t& kind, std::int32_t& number
     line >> letter >> number >> dot >> port;
     const bool node = letter == 'n' || letter == 'i';
     kind = node ? 2 : letter == 'j' ? 3 : 1;
-    for (; node && number < NodeCapacity && ProjectCheck.NodeNb <= number; ++ProjectCheck.NodeNb) {
-        ProjectCheck.NodeSx[ProjectCheck.NodeNb] = NodeRow();
+    ProjectCheckCache& check = Net.ProjectCheck;
+    for (; node && number < NodeCapacity && check.NodeNb <= number; ++check.NodeNb) {
+        check.NodeSx[check.NodeNb] = NodeRow();
     }
-    if (node && NodeRowFind(number) != nullptr)
-        ProjectCheck.NodeSx[number] = {.InUse = true, .Kind = letter == 'i'};
+    if (node && NodeRowFind(check, number) != nullptr)
+        check.NodeSx[number] = {.InUse = true, .Kind = letter == 'i' ? InfoNode : FluidNode};
     return letter == 'm';
 }
 
@@ -50,14 +53,14 @@ inline bool ReadEnd(std::istream& line, std::int32_t& kind, std::int32_t& number
 /// and two ends: `n2.8` a node's port, of kind INFO with `i`, `m4.0` a through port, `e4.0` an end port,
 /// `j1.0`.
 inline void Rows(const std::string& lines) {
-    ProjectCheck.NodeNb = ProjectCheck.LinkNb = ProjectCheck.PageLinkNb = 0;
+    ProjectCheckCache& check = Net.ProjectCheck;
+    check.NodeNb = check.LinkNb = check.PageLinkNb = 0;
     std::istringstream text(lines);
     for (char table = 0, type = 0; text >> table >> type;) {
         LinkSxCache link{.InUse = type != '-', .Type = type - '0'};
         link.F_Type2 = ReadEnd(text, link.F_Sx, link.F_Nb, link.F_PortNb);
         link.S_Type2 = ReadEnd(text, link.S_Sx, link.S_Nb, link.S_PortNb);
-        (table == 'p' ? ProjectCheck.PageLinkSx[ProjectCheck.PageLinkNb++]
-                      : ProjectCheck.LinkSx[ProjectCheck.LinkNb++]) = link;
+        (table == 'p' ? check.PageLinkSx[check.PageLinkNb++] : check.LinkSx[check.LinkNb++]) = link;
     }
 }
 
@@ -67,37 +70,41 @@ inline std::string BranchesText() {
     const auto end = [&](int kind, int number, int port) {
         text << (kind == 1 ? " n" : " e") << number << '.' << port;
     };
-    for (std::size_t number = 0; number < BranchTable.size(); ++number) {
-        const BranchSx& branch = BranchTable[number];
-        EXPECT_EQ(branch.Size, static_cast<int>(BranchElements[number].size()));
+    auto element = Net.BranchElements.begin();
+    for (const BranchSx& branch : Net.BranchTable) {
         text << branch.Type;
         end(branch.Front_Sx, branch.Front_Nb, branch.FrontPort);
-        for (const auto& [module, aisle] : BranchElements[number]) text << ' ' << module << '/' << aisle;
+        for (int left = branch.Size; left > 0; --left, ++element)
+            text << ' ' << element->Module << '/' << element->Aisle;
         if (branch.Closed == 1) end(branch.Post_Sx, branch.Post_Nb, branch.PostPort);
         text << (branch.Closed == 1 ? "\n" : " open\n");
     }
+    EXPECT_EQ(element, Net.BranchElements.end());
     return text.str();
 }
 
-inline std::string NetsText(const std::vector<std::vector<int>>& nets) {
+/// The nets, the nodes of one a line.
+inline std::string NetsText() {
     std::string text;
-    for (const auto& nodes : nets) {
-        for (int node : nodes) text += std::to_string(node) + " ";
+    auto node = Net.MatrixNodes.begin();
+    for (int size : Net.MatrixSize) {
+        for (; size > 0; --size) text += std::to_string(*node++) + " ";
         text += "\n";
     }
+    EXPECT_EQ(node, Net.MatrixNodes.end());
     return text;
 }
 
 struct Said {
-    int kind = Complete;
+    Verdict kind = Complete;
     int branch = -1;
     int element = -1;
     int number = -1;
 };
 
 inline std::string TextOf(const Said& said) {
-    Net_ParseMessageSet(said.kind, said.branch, said.element, said.number);
-    return ParseMessage;
+    Net_ParseMessageSet(Net, said.kind, said.branch, said.element, said.number);
+    return Net.ParseMessage;
 }
 
 /// A chain in flow order: a row that opens it and `rows` more, the last to an end port.
