@@ -72,11 +72,7 @@ std::string ExchangeLines::Take(std::string_view log) {
     return lines;
 }
 
-void ExchangePrinter::Reads(std::string_view log) {
-    Print(reads_.Take(log));
-}
-
 void ExchangePrinter::Poll() {
     if (RtnSet_SxGet()) Print(writes_.Take(Rtn_Set_Get()));
-    if (RtnGet_SxGet()) Reads(Rtn_Get_Get());
+    if (RtnGet_SxGet()) Print(reads_.Take(Rtn_Get_Get()));
 }

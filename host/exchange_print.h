@@ -27,8 +27,6 @@ class ExchangeLines {
 /// Both sides of the log. To be used by one thread.
 class ExchangePrinter {
   public:
-    /// Prints a text that was fetched from the log of reads.
-    void Reads(std::string_view log);
     /// Prints what was logged since the last call, if there is news.
     void Poll();
 

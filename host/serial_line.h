@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <string>
 
+#include "host/serial_port.h"
+
 /// Longer lines are refused.
 inline constexpr std::size_t SerialLineBytesAtMost = 65536;
 
@@ -26,12 +28,6 @@ class LineAssembler {
 
 /// What goes back for one line, its own end included.
 std::string SerialReply(LineAssembler::Event event, const std::string& line);
-
-/// A terminal device and its speed.
-struct SerialPort {
-    std::string device;
-    unsigned baud = 115200;
-};
 
 /// Reads `DEVICE[:BAUD]`. False, with `fault` saying why, for an unknown speed.
 bool SerialPortRead(const std::string& text, SerialPort& port, std::string& fault);

@@ -1,8 +1,6 @@
 // vorn-host: runs VornServer as a program of its own, in the place of the platform's host.
 
-#include <pthread.h>
-#include <signal.h>
-
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cstdio>
@@ -10,32 +8,21 @@
 #include <optional>
 #include <string>
 #include <thread>
+#include <vector>
 
+#include "host/end_signals.h"
 #include "host/exchange_print.h"
+#include "host/listening_ports.h"
 #include "host/options.h"
-#include "host/own_port.h"
 #include "host/pipe_rows.h"
 #include "include/vorn_contract.h"
 #include "include/vorn_server.h"
 
 namespace {
 
+using namespace std::chrono_literals;
+
 std::atomic<bool> httpEnded{false};
-
-/// The signals that end the program. They are blocked in all threads and fetched by the main thread.
-sigset_t EndSignals() {
-    sigset_t signals;
-    sigemptyset(&signals);
-    sigaddset(&signals, SIGINT);
-    sigaddset(&signals, SIGTERM);
-    return signals;
-}
-
-/// True when an end signal has come, which this call may wait for.
-bool EndAsked(const sigset_t& signals, long waitMilliseconds) {
-    const timespec wait{.tv_sec = waitMilliseconds / 1000, .tv_nsec = waitMilliseconds % 1000 * 1000000};
-    return sigtimedwait(&signals, nullptr, &wait) > 0;
-}
 
 /// The service threads never return, so the process ends around them.
 [[noreturn]] void End(int status) {
@@ -74,6 +61,14 @@ void StartPipe() {
     std::thread([] { TellPipe(ended); }).detach();
 }
 
+/// The service's port, 0 while it has none. What was listened on before it started is not the service's.
+int OwnPort(const std::vector<int>& before) {
+    for (const int port : ListeningPorts(VORN_FIRST_PORT, VORN_LAST_PORT)) {
+        if (std::find(before.begin(), before.end(), port) == before.end()) return port;
+    }
+    return 0;
+}
+
 }  // namespace
 
 int main(int count, char** arguments) {
@@ -81,27 +76,21 @@ int main(int count, char** arguments) {
     const std::optional<int> ended = OptionsRead(count, arguments, options);
     if (ended) return *ended;
     if (options.trace) setenv("VORN_ENGINE_TRACE", "1", 1);
-    const sigset_t endSignals = EndSignals();
-    pthread_sigmask(SIG_BLOCK, &endSignals, nullptr);
+    EndSignalsHold();
 
     std::string fault;
     if (options.serial && !SerialStart(*options.serial, fault)) {
         std::fprintf(stderr, "vorn-host: %s\n", fault.c_str());
         return 1;
     }
+    const std::vector<int> before = ListeningPorts(VORN_FIRST_PORT, VORN_LAST_PORT);
     StartHttp();
     StartPipe();
     ExchangePrinter printer;
-    bool endAsked = false;
-    const int port = OwnPortFind(
-        [&] {
-            endAsked = EndAsked(endSignals, 0);
-            return !endAsked && !httpEnded;
-        },
-        [&](const std::string& log) {
-            if (!options.quiet) printer.Reads(log);
-        });
-    if (endAsked) End(0);
+    int port = 0;
+    while ((port = OwnPort(before)) == 0 && !httpEnded) {
+        if (EndAsked(20ms)) End(0);
+    }
     if (port == 0) {
         std::fprintf(stderr, "vorn-host: no port of %d to %d is free\n", VORN_FIRST_PORT, VORN_LAST_PORT);
         End(1);
@@ -111,7 +100,7 @@ int main(int count, char** arguments) {
 
     do {
         if (!options.quiet) printer.Poll();
-    } while (!EndAsked(endSignals, 100));
+    } while (!EndAsked(100ms));
     if (!options.quiet) printer.Poll();
     std::puts("VornServer has ended.");
     End(0);
