@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds, and runs all tests. With --full also the sanitizer runs, the format check and
-# the lint check.
+# Installs what is missing, builds, and runs all tests. With --full also the sanitizer runs, the format check, the
+# lint check and a while of fuzzing.
 set -euo pipefail
 . "$(dirname "$0")/lib.sh"
 
@@ -39,5 +39,6 @@ if [ "$full" = yes ]; then
     run_preset asan
     # Under ThreadSanitizer only the tests with threads are worth their time.
     run_preset tsan -R Threads
+    scripts/fuzz.sh || exit 1
 fi
 say "test: all passed"
