@@ -26,7 +26,8 @@ std::string DrawnText(int pjtnb, const char* ending) {
     std::string path = ProjectFolderPath(ProjectNameGet(pjtnb));
     path = path + ProjectNameGet(pjtnb) + ending;
     std::string content;
-    if (!FileRead(path, FileLimit, content)) return {};
+    std::error_code fault;
+    if (!FileRead(path, FileLimit, content, fault)) return {};
     content.resize(std::min(content.find('\0'), content.size()));
     return content;
 }

@@ -20,8 +20,8 @@ namespace {
 constexpr int AnswerSeconds = 600;
 
 /// The whole of a file, or of standard input for "-".
-bool MessagesRead(const std::string& file, std::string& messages) {
-    if (file != "-") return vorn::FileRead(file, messages.max_size(), messages);
+bool MessagesRead(const std::string& file, std::string& messages, std::error_code& fault) {
+    if (file != "-") return vorn::FileRead(file, messages.max_size(), messages, fault);
     messages.assign(std::istreambuf_iterator<char>(std::cin), {});
     return true;
 }
@@ -104,8 +104,9 @@ int main(int count, char** arguments) {
     SendOptions options;
     const std::optional<int> ended = SendOptionsRead(count, arguments, options);
     if (ended) return *ended;
-    if (!options.file.empty() && !MessagesRead(options.file, options.messages)) {
-        return Fail(2, "cannot read the file '" + options.file + "'");
+    std::error_code unread;
+    if (!options.file.empty() && !MessagesRead(options.file, options.messages, unread)) {
+        return Fail(2, "cannot read the file '" + options.file + "': " + unread.message());
     }
     std::string fault;
     if (options.pipe && !PipeCarries(options, fault)) return Fail(2, fault);

@@ -21,8 +21,9 @@ namespace {
 void WriteDrawing(const std::string& name, std::string_view ending, const std::string& svg) {
     const std::string path = ProjectFile(name, ending);
     if (path.empty()) return;
-    if (!vorn::FolderMake(ProjectFolder(name)) || !vorn::FileReplace(path, svg)) {
-        std::fprintf(stderr, "cannot write %s\n", path.c_str());
+    std::error_code fault;
+    if (!vorn::FolderMake(ProjectFolder(name), fault) || !vorn::FileReplace(path, svg, fault)) {
+        std::fprintf(stderr, "drawing: %s: %s\n", path.c_str(), fault.message().c_str());
     }
 }
 

@@ -6,8 +6,11 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
+#include <filesystem>
 #include <functional>
 #include <mutex>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -131,6 +134,13 @@ struct TextHash : std::hash<std::string_view> {
 };
 using VariableRows = std::unordered_map<std::string, int, TextHash, std::equal_to<>>;
 
+/// A stored file that is known to be whole, as far as its facts are still these.
+struct StoredFile {
+    std::uintmax_t bytes = 0;
+    std::filesystem::file_time_type written;
+    bool operator==(const StoredFile&) const = default;
+};
+
 struct Project {
     char name[ProjectNameBytes] = {};  ///< upper case; empty marks a free slot. Its address never changes
     Table<Module> modules;
@@ -141,6 +151,7 @@ struct Project {
     std::vector<ProjectVariable> variables;  ///< a row's index is the variable's number
     VariableRows variableRows;
     std::string script;
+    std::optional<StoredFile> stored;  ///< the file that this content was read from or last written to
     bool started = false;
     bool starting = false;  ///< started, and the controller has not looked at it yet
     bool paused = false;

@@ -4,7 +4,9 @@
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
+#include <optional>
 #include <string>
+#include <system_error>
 
 #include "engine/vorn_core.h"
 #include "platform/file_text.h"
@@ -29,8 +31,14 @@ constexpr std::size_t SumDigits = 16;
 /// Bytes of a stored project at most. A project at full capacity with all values set takes about 150 MB.
 constexpr std::size_t StoredBytesLimit = std::size_t{512} << 20;
 
-void Report(string_view name, const char* what) {
-    std::fprintf(stderr, "project store: %.*s: %s\n", static_cast<int>(name.size()), name.data(), what);
+void Report(string_view name, const std::string& what) {
+    const std::string line = "project store: " + std::string(name) + ": " + what + "\n";
+    std::fputs(line.c_str(), stderr);
+}
+
+/// The reason in the system's own words, and the file that it is about.
+std::string Reason(const std::error_code& fault, const std::string& path) {
+    return ": " + fault.message() + (path.empty() ? "" : ": " + path);
 }
 
 /// FNV-1a of 64 bits: it finds each single changed byte.
@@ -74,6 +82,17 @@ bool Exists(const std::string& path) {
     return fs::symlink_status(path, error).type() != fs::file_type::not_found;
 }
 
+/// What tells a file that was read or written from one that somebody put there since; none where there is no
+/// file.
+std::optional<StoredFile> FactsOf(const std::string& path) {
+    std::error_code error;
+    StoredFile facts;
+    facts.bytes = fs::file_size(path, error);
+    if (error) return std::nullopt;
+    facts.written = fs::last_write_time(path, error);
+    return error ? std::nullopt : std::optional(facts);
+}
+
 enum class Stored {
     None,
     Whole,
@@ -81,76 +100,79 @@ enum class Stored {
     Unreadable  ///< what it holds cannot be told, perhaps only for the moment
 };
 
-/// Reads the stored project into `loaded`, which is empty but for its name and capacities.
-Stored Load(string_view name, Project& loaded) {
+/// Reads the stored project into `loaded`, which is empty but for its name and capacities. `fault` tells why
+/// it is unreadable.
+Stored Load(string_view name, Project& loaded, std::error_code& fault) {
     const std::string path = PathOf(name);
     if (path.empty() || !Exists(path)) return Stored::None;
+    loaded.stored = FactsOf(path);
     std::string text;
-    if (!vorn::FileRead(path, StoredBytesLimit, text)) return Stored::Unreadable;
+    if (!vorn::FileRead(path, StoredBytesLimit, text, fault)) return Stored::Unreadable;
     return FileContent(text) && ProjectFromJson(text, loaded) ? Stored::Whole : Stored::Damaged;
-}
-
-/// As `Load`, with a line where a file is there that cannot be taken.
-bool LoadWhole(string_view name, Project& loaded) {
-    const Stored stored = Load(name, loaded);
-    if (stored == Stored::Damaged) Report(name, "the stored file is damaged or foreign, and left as it is");
-    if (stored == Stored::Unreadable) Report(name, "the stored file cannot be read");
-    return stored == Stored::Whole;
-}
-
-/// Enough of a project to load into.
-Project Scratch() {
-    Project project;
-    project.modules.capacity = ModuleCapacity;
-    project.nodes.capacity = NodeCapacity;
-    project.links.capacity = LinkCapacity;
-    return project;
 }
 
 /// Gives the stored file a second name, under which it outlives the one that takes its place. Empty when that
 /// fails.
-std::string KeepAside(string_view name) {
+std::string KeepAside(string_view name, std::error_code& fault) {
     int number = 1;
     std::string aside;
     do {
         aside = ProjectFile(name, ".damaged." + std::to_string(number++));
     } while (Exists(aside));
-    std::error_code error;
-    fs::create_hard_link(PathOf(name), aside, error);
-    return error ? std::string() : aside;
+    fs::create_hard_link(PathOf(name), aside, fault);
+    return fault ? std::string() : aside;
+}
+
+/// Sees to it that no damaged file is lost when `path` gets a new one: gives the name under which it is kept,
+/// empty where there is none. False when that fails. The file that this project came from is known to be
+/// whole.
+bool ReadyToReplace(const Project& project, const std::string& path, std::string& aside,
+                    std::error_code& fault) {
+    if (project.stored && FactsOf(path) == project.stored) return true;
+    Project loaded;
+    loaded.modules.capacity = ModuleCapacity;
+    loaded.nodes.capacity = NodeCapacity;
+    loaded.links.capacity = LinkCapacity;
+    if (Load(project.name, loaded, fault) == Stored::Damaged) aside = KeepAside(project.name, fault);
+    return !fault;
 }
 
 /// Puts a new file in the place of the stored one. A damaged one is kept under another name.
-bool Replace(string_view name, const std::string& text) {
-    const std::string path = PathOf(name);
-    if (path.empty() || text.size() > StoredBytesLimit || !vorn::FolderMake(ProjectFolder(name)))
-        return false;
-    Project scratch = Scratch();
-    const Stored stored = Load(name, scratch);
-    if (stored == Stored::Unreadable) return false;
+bool Replace(const Project& project, const std::string& path, const std::string& text,
+             std::error_code& fault) {
     std::string aside;
-    if (stored == Stored::Damaged) {
-        aside = KeepAside(name);
-        if (aside.empty()) return false;
-        Report(name, ("the damaged file is kept as " + aside).c_str());
-    }
-    if (vorn::FileReplace(path, text)) return true;
+    if (!ReadyToReplace(project, path, aside, fault)) return false;
+    const bool replaced = vorn::FileReplace(path, text, fault);
     std::error_code error;
-    if (!aside.empty()) fs::remove(aside, error);
-    return false;
+    // A name that the file still bears beside its own is not needed.
+    if (!aside.empty() && fs::equivalent(aside, path, error)) {
+        fs::remove(aside, error);
+    } else if (!aside.empty()) {
+        Report(project.name, "the damaged file is kept as " + aside);
+    }
+    return replaced;
+}
+
+/// Writes the stored file. Where that fails, `path` is what the fault is about.
+bool Write(const Project& project, std::string& path, std::error_code& fault) {
+    path = ProjectFolder(project.name);
+    const std::string text = FileText(project);
+    if (path.empty()) fault = std::make_error_code(std::errc::invalid_argument);
+    if (text.size() > StoredBytesLimit) fault = std::make_error_code(std::errc::file_too_large);
+    if (fault || !vorn::FolderMake(path, fault)) return false;
+    path = PathOf(project.name);
+    return Replace(project, path, text, fault);
 }
 
 }  // namespace
 
-bool StoreWrite(const Project& project) {
-    if (Replace(project.name, FileText(project))) return true;
-    Report(project.name, "the project cannot be stored; what was stored before stays");
-    return false;
-}
-
-bool StoreHas(string_view name) {
-    Project scratch = Scratch();
-    return LoadWhole(name, scratch);
+bool StoreWrite(Project& project) {
+    std::string path;
+    std::error_code fault;
+    const bool stored = Write(project, path, fault);
+    project.stored = stored ? FactsOf(path) : std::nullopt;
+    if (!stored) Report(project.name, "the project cannot be stored" + Reason(fault, path));
+    return stored;
 }
 
 bool StoreRead(Project& project) {
@@ -158,7 +180,15 @@ bool StoreRead(Project& project) {
     loaded.modules.capacity = project.modules.capacity;
     loaded.nodes.capacity = project.nodes.capacity;
     loaded.links.capacity = project.links.capacity;
-    if (!LoadWhole(project.name, loaded)) return false;
+    std::error_code fault;
+    const Stored stored = Load(project.name, loaded, fault);
+    const std::string path = PathOf(project.name);
+    if (stored == Stored::Unreadable) {
+        Report(project.name, "the stored file cannot be read" + Reason(fault, path));
+    } else if (stored == Stored::Damaged) {
+        Report(project.name, "the stored file is damaged or foreign, and left as it is: " + path);
+    }
+    if (stored != Stored::Whole) return false;
     project.modules = std::move(loaded.modules);
     project.nodes = std::move(loaded.nodes);
     project.links = std::move(loaded.links);
@@ -166,6 +196,7 @@ bool StoreRead(Project& project) {
     project.nodeIdentities = std::move(loaded.nodeIdentities);
     project.variables = std::move(loaded.variables);
     project.script = std::move(loaded.script);
+    project.stored = loaded.stored;
     return true;
 }
 
@@ -173,20 +204,22 @@ bool StoreRead(Project& project) {
 
 using namespace standin;
 
+// Information and content of a project are one file, so that no crash can leave one without the other. It is
+// read with the information and written with the content.
 int ProjectInfoRead(const char* name) {
     Trace("ProjectInfoRead", name);
     const std::lock_guard guard(EngineLock());
-    return StoreHas(name) && ProjectMake(name) != nullptr ? 1 : 0;
+    Project* project = ProjectMake(name);
+    if (project == nullptr) return 0;
+    if (StoreRead(*project)) return 1;
+    ProjectFree(*project);
+    return 0;
 }
 
 void ProjectDBRead(const char* name) {
     Trace("ProjectDBRead", name);
-    const std::lock_guard guard(EngineLock());
-    if (Project* project = ProjectFind(name)) StoreRead(*project);
 }
 
-// Information and content of a project are one file, so that no crash can leave one without the other. It is
-// written with the content.
 void ProjectInfoWrite(const char* name) {
     Trace("ProjectInfoWrite", name);
 }
@@ -194,5 +227,5 @@ void ProjectInfoWrite(const char* name) {
 void ProjectDBWrite(const char* name) {
     Trace("ProjectDBWrite", name);
     const std::lock_guard guard(EngineLock());
-    if (const Project* project = ProjectFind(name)) StoreWrite(*project);
+    if (Project* project = ProjectFind(name)) StoreWrite(*project);
 }

@@ -138,7 +138,7 @@ bool ProjectRunFabuGet(const char* name) {
     Trace("ProjectRunFabuGet", name);
     const std::lock_guard guard(EngineLock());
     Project* project = ProjectFind(name);
-    if (project == nullptr || !StoreRead(*project) || !HasModules(*project)) return false;
+    if (project == nullptr || !project->stored || !HasModules(*project)) return false;
     LayersCopy(*project, CacheLayer0, RunLayer);
     SimulationBegin(*project);
     SimulationWake();

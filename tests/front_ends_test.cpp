@@ -186,7 +186,7 @@ TEST(CommandLineTest, TellsWhatIsWrong) {
         {send, "--pipe=100 Fdp", "vorn-send: --pipe: '100' is no number from 0 to 99\n", 2},
         {send, "--pipe --port 9 Fdp", "vorn-send: --port excludes --pipe\n", 2},
         {send, "--file F A B C", "vorn-send: MESSAGES excludes --file\n", 2},
-        {send, "--file /none A", "vorn-send: cannot read the file '/none'\n", 2},
+        {send, "--file /none A", "vorn-send: cannot read the file '/none': No such file or directory\n", 2},
     };
     for (const auto& each : cases) {
         const auto [output, status] = RunProgram(each.program, each.arguments);

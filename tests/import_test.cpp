@@ -39,7 +39,8 @@ std::string OneDevice(const std::string& fields) {
 
 std::string Example(const std::string& name) {
     std::string text;
-    EXPECT_TRUE(vorn::FileRead(VORN_SOURCE_DIR "/examples/" + name + ".json", 1 << 20, text));
+    std::error_code fault;
+    EXPECT_TRUE(vorn::FileRead(VORN_SOURCE_DIR "/examples/" + name + ".json", 1 << 20, text, fault));
     return text;
 }
 

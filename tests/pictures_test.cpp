@@ -79,14 +79,16 @@ TEST_F(PicturesTest, RepliesAreTheFileUpToItsFirstZeroByte) {
 
 TEST_F(PicturesTest, FilesAreReplacedWholeAndReadUpToALimit) {
     const std::string path = (folder_.Projects() / "F").string();
-    EXPECT_FALSE(vorn::FileReplace(path, "no folder"));
+    std::error_code fault;
+    EXPECT_FALSE(vorn::FileReplace(path, "no folder", fault));
     std::filesystem::create_directories(folder_.Projects() / "G" / "full");
-    EXPECT_TRUE(vorn::FileReplace(path, "old, and longer") && vorn::FileReplace(path, "new\0"s));
+    EXPECT_TRUE(vorn::FileReplace(path, "old, and longer", fault) &&
+                vorn::FileReplace(path, "new\0"s, fault));
     std::string content;
-    EXPECT_TRUE(vorn::FileRead(path, 4, content));
+    EXPECT_TRUE(vorn::FileRead(path, 4, content, fault));
     EXPECT_EQ(content, "new\0"s);
-    EXPECT_FALSE(vorn::FileRead(path, 3, content));
-    EXPECT_FALSE(vorn::FileReplace((folder_.Projects() / "G").string(), "a folder is in the way"));
+    EXPECT_FALSE(vorn::FileRead(path, 3, content, fault));
+    EXPECT_FALSE(vorn::FileReplace((folder_.Projects() / "G").string(), "a folder is in the way", fault));
     for (const auto& entry : std::filesystem::directory_iterator(folder_.Projects())) {
         EXPECT_EQ(entry.path().string().find(".new"), std::string::npos);
     }

@@ -8,6 +8,7 @@
 #include <fstream>
 #include <limits>
 #include <random>
+#include <set>
 #include <tuple>
 
 #include "engine/vorn_core.h"
@@ -15,6 +16,7 @@
 #include "standin/project.h"
 #include "standin/project_json.h"
 #include "standin/project_store.h"
+#include "tests/support/file_faults.h"
 #include "tests/support/service_test.h"
 #include "tests/support/working_folder.h"
 
@@ -29,11 +31,24 @@ class StoreTest : public ServiceTest {
     fs::path Folder(const std::string& name) { return folder_.Projects() / name; }
     std::string Read(const std::string& path) {
         std::string text;
-        return vorn::FileRead(path, 1 << 20, text) ? text : "not read";
+        std::error_code fault;
+        return vorn::FileRead(path, 1 << 20, text, fault) ? text : "not read";
     }
     void Write(const std::string& path, const std::string& text) {
         fs::create_directories(fs::path(path).parent_path());
         std::ofstream(path, std::ios::binary) << text;
+    }
+
+    /// The names in a project's folder, each with a space behind it.
+    std::string FilesOf(const std::string& name) {
+        std::set<std::string> names;
+        std::error_code error;
+        for (const auto& entry : fs::directory_iterator(Folder(name), error)) {
+            names.insert(entry.path().filename().string());
+        }
+        std::string text;
+        for (const std::string& each : names) text += each + ' ';
+        return text;
     }
 
   private:
@@ -44,6 +59,10 @@ std::string Json(int slot) {
     std::string text;
     ProjectToJson(*ProjectFind(slot), text);
     return text;
+}
+
+bool Holds(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
 }
 
 /// A document of that many nodes.
@@ -144,7 +163,6 @@ TEST_F(StoreTest, KeepsADamagedFileAndTheProjectThatReplacesIt) {
     Send("Create", "P");
     Send("PjtSent", "P", Nodes(3));
     const std::string whole = Read(FileOf("P"));
-    ASSERT_TRUE(StoreHas("p"));
     testing::internal::CaptureStderr();
     std::vector<std::string> damaged{
         "", "{}", whole + " ", whole.substr(0, whole.size() / 2), "\n" + whole, std::string(100000, '[')};
@@ -155,7 +173,6 @@ TEST_F(StoreTest, KeepsADamagedFileAndTheProjectThatReplacesIt) {
     }
     for (const std::string& text : damaged) {
         Write(FileOf("P"), text);
-        EXPECT_FALSE(StoreHas("P"));
         EXPECT_FALSE(StoreRead(*ProjectFind(0)));
         EXPECT_EQ(Read(FileOf("P")), text);
     }
@@ -173,13 +190,17 @@ TEST_F(StoreTest, KeepsADamagedFileAndTheProjectThatReplacesIt) {
     }
     const std::string lines = testing::internal::GetCapturedStderr();
     EXPECT_TRUE(
-        lines.starts_with("project store: P: the stored file is damaged or foreign, and left as it is\n"));
+        lines.starts_with("project store: P: the stored file is damaged or foreign, and left as it is: "
+                          "../AlgProject/P/P.json\n"));
+    EXPECT_TRUE(Holds(lines, "P: the damaged file is kept as ../AlgProject/P/P.damaged.2\n"));
     standin::EngineReset();
     Send("Open", "P");
     EXPECT_EQ(ProjectFind(0)->nodes.rows.size(), 2U);
 }
 
-TEST_F(StoreTest, KeepsAWholeFileThatCannotBeReadForTheMoment) {
+TEST_F(StoreTest, TellsWhyItCannotReadOrWrite) {
+    const std::string cannotStore = "project store: P: the project cannot be stored: ";
+    const std::string file = ": ../AlgProject/P/P.json\n";
     Send("Create", "P");
     Send("PjtSent", "P", Nodes(3));
     const std::string whole = Read(FileOf("P"));
@@ -188,12 +209,25 @@ TEST_F(StoreTest, KeepsAWholeFileThatCannotBeReadForTheMoment) {
     getrlimit(RLIMIT_NOFILE, &before);
     const rlimit none{.rlim_cur = 0, .rlim_max = before.rlim_max};
     setrlimit(RLIMIT_NOFILE, &none);
-    EXPECT_FALSE(StoreHas("P") || StoreWrite(*ProjectFind(0)));
+    EXPECT_FALSE(StoreRead(*ProjectFind(0)) || StoreWrite(*ProjectFind(0)));
     setrlimit(RLIMIT_NOFILE, &before);
-    EXPECT_TRUE(testing::internal::GetCapturedStderr().starts_with(
-        "project store: P: the stored file cannot be read"));
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "project store: P: the stored file cannot be read: Too many open files" + file + cannotStore +
+                  "Too many open files" + file);
     EXPECT_EQ(Read(FileOf("P")), whole);
-    EXPECT_EQ(std::distance(fs::directory_iterator(Folder("P")), fs::directory_iterator()), 1);
+    EXPECT_EQ(FilesOf("P"), "P.json ");
+
+    fs::remove(FileOf("P"));
+    fs::create_directory(FileOf("P"));
+    testing::internal::CaptureStderr();
+    EXPECT_FALSE(StoreWrite(*ProjectFind(0)));
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), cannotStore + "Is a directory" + file);
+    // Nor can a project be stored where a file stands in the place of its folder.
+    fs::remove_all(Folder("P"));
+    Write(Folder("").string() + "P", "a file");
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(Send("PjtSent", "P", Nodes(1)), "OK");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), cannotStore + "Not a directory: ../AlgProject/P/\n");
 }
 
 TEST_F(StoreTest, RefusesContentThatDoesNotFit) {
@@ -229,29 +263,78 @@ TEST_F(StoreTest, BuildsNoPathFromABadName) {
     testing::internal::CaptureStderr();
     for (const std::string name : {"..", "../run", "A/B", "A.B", "A_B", "Ä", "A B"}) {
         ASSERT_TRUE(ProjectJsonAdd(name.c_str()));
-        EXPECT_FALSE(StoreHas(name) || StoreWrite(*ProjectFind(0)) || StoreRead(*ProjectFind(0))) << name;
+        EXPECT_FALSE(StoreWrite(*ProjectFind(0)) || StoreRead(*ProjectFind(0))) << name;
         Pipe_PjtPngSave(0);
         ProjectInfoRemove(name.c_str());
     }
-    EXPECT_FALSE(StoreHas("") || StoreHas(std::string(65, 'A')) || fs::exists(Folder("")));
+    EXPECT_FALSE(fs::exists(Folder("")));
+    EXPECT_TRUE(Holds(testing::internal::GetCapturedStderr(),
+                      "project store: A B: the project cannot be stored: Invalid argument\n"));
     ASSERT_TRUE(ProjectJsonAdd(std::string(64, 'A').c_str()));
     EXPECT_TRUE(StoreWrite(*ProjectFind(0)));
-    // Nor can a project be stored where a file stands in the place of its folder.
-    Write(Folder("").string() + "P", "a file");
-    Send("Create", "P");
-    EXPECT_EQ(Send("PjtSent", "P", Nodes(1)), "OK");
-    EXPECT_TRUE(testing::internal::GetCapturedStderr().ends_with(
-        "project store: P: the project cannot be stored; what was stored before stays\n"));
 }
 
-TEST_F(StoreTest, IsWholeWheneverTheProcessIsKilled) {
-    const std::string documents[] = {Nodes(40), Nodes(900)};
-    Send("Create", "A");
-    Send("PjtSent", "A", documents[0]);
-    std::mt19937 random(17);
-    int changes = 0;
-    std::size_t last = 40;
-    for (int round = 0; round < 200; ++round) {
+/// What stands in the place of the stored file before a store.
+enum class Before { Nothing, AProject, Damage };
+
+TEST_F(StoreTest, IsTheOldOrTheNewProjectWhicheverStepFails) {
+    const std::string damage = "damaged";
+    Send("Create", "P");
+    const std::string first = Json(0);
+    for (const auto& [fault, reason] : {std::pair(StepFault::IoError, "Input/output error"),
+                                        {StepFault::DiskFull, "No space left on device"},
+                                        {StepFault::ShortWrite, ""}}) {
+        for (const Before before : {Before::Nothing, Before::AProject, Before::Damage}) {
+            int step = 0;
+            for (bool met = true; met; ++step) {
+                SCOPED_TRACE(std::string(reason) + " at step " + std::to_string(step));
+                Project& project = *ProjectFind(0);
+                fs::remove_all(Folder(""));
+                ProjectEmpty(project);
+                EXPECT_TRUE(before != Before::AProject || StoreWrite(project));
+                if (before == Before::Damage) Write(FileOf("P"), damage);
+                NodeAdd(project, 0, 0, 0, 0, 0);
+                const std::string second = Json(0);
+
+                testing::internal::CaptureStderr();
+                FileFaultSet(step, fault);
+                const bool stored = StoreWrite(project);
+                met = FileFaultClear() > step;
+                const std::string lines = testing::internal::GetCapturedStderr();
+                EXPECT_EQ(stored, !met || fault == StepFault::ShortWrite);
+                EXPECT_EQ(stored, !Holds(lines, "project store: P: the project cannot be stored: " +
+                                                    std::string(reason) + ": ../AlgProject/P/"));
+                EXPECT_FALSE(Holds(FilesOf("P"), ".new"));
+                const bool damageKept = Read(FileOf("P")) == damage || Holds(FilesOf("P"), "P.damaged.1 ");
+                EXPECT_EQ(damageKept, before == Before::Damage);
+                EXPECT_FALSE(Read(FileOf("P")) == damage && Holds(FilesOf("P"), "P.damaged"));
+
+                if (fs::exists(FileOf("P")) && Read(FileOf("P")) != damage) {
+                    ASSERT_TRUE(StoreRead(project));
+                    EXPECT_TRUE(Json(0) == second || (before == Before::AProject && Json(0) == first));
+                    EXPECT_TRUE(!stored || Json(0) == second);
+                } else {
+                    EXPECT_FALSE(stored || before == Before::AProject);
+                }
+                ASSERT_TRUE(StoreWrite(project) && StoreRead(project));
+            }
+            EXPECT_GE(step, before == Before::Nothing ? 11 : 7);
+        }
+    }
+}
+
+TEST_F(StoreTest, IsTheOldOrTheNewProjectWhereverTheProcessIsKilled) {
+    Send("Create", "P");
+    ASSERT_TRUE(StoreWrite(*ProjectFind(0)));
+    const std::string first = Json(0);
+    NodeAdd(*ProjectFind(0), 0, 0, 0, 0, 0);
+    const std::string second = Json(0);
+    int leftovers = 0;
+    char told = 'k';
+    for (int step = 0; told == 'k'; ++step) {
+        SCOPED_TRACE(step);
+        int ends[2] = {};
+        ASSERT_EQ(pipe(ends), 0);
         pid_t child = -1;
         {
             // No other thread of this process may hold the lock in the moment of the fork.
@@ -260,22 +343,28 @@ TEST_F(StoreTest, IsWholeWheneverTheProcessIsKilled) {
         }
         ASSERT_GE(child, 0);
         if (child == 0) {
-            for (int turn = round;; ++turn) Send("PjtSent", "A", documents[turn % 2]);
+            const auto tell = [&](char what) {
+                if (write(ends[1], &what, 1) == 1) pause();
+                _exit(1);
+            };
+            FileFaultSet(step, StepFault::Stop, [&] { tell('k'); });
+            StoreWrite(*ProjectFind(0));
+            tell('d');
         }
-        usleep(static_cast<useconds_t>(random() % 12000));
+        close(ends[1]);
+        ASSERT_EQ(read(ends[0], &told, 1), 1);
         kill(child, SIGKILL);
         ASSERT_EQ(waitpid(child, nullptr, 0), child);
-        standin::EngineReset();
-        ASSERT_EQ(ProjectInfoRead("A"), 1) << round;
-        ProjectDBRead("A");
-        const auto& nodes = ProjectFind(0)->nodes.rows;
-        ASSERT_TRUE(nodes.size() == 40 || nodes.size() == 900) << round << " " << nodes.size();
-        ASSERT_EQ(nodes.back().x, 75 + 120);
-        if (nodes.size() != last) ++changes;
-        last = nodes.size();
+        close(ends[0]);
+
+        leftovers += Holds(FilesOf("P"), ".new");
+        ASSERT_TRUE(StoreRead(*ProjectFind(0)));
+        // The file is renamed by the step before the last.
+        EXPECT_EQ(Json(0), step < 5 ? first : second);
+        ProjectEmpty(*ProjectFind(0));
+        ASSERT_TRUE(StoreWrite(*ProjectFind(0)));
+        EXPECT_EQ(FilesOf("P"), "P.json ");
+        NodeAdd(*ProjectFind(0), 0, 0, 0, 0, 0);
     }
-    // The kills met both documents.
-    EXPECT_GT(changes, 10);
-    Send("PjtSent", "A", documents[0]);
-    EXPECT_EQ(std::distance(fs::directory_iterator(Folder("A")), fs::directory_iterator()), 1);
+    EXPECT_EQ(leftovers, 3);
 }
