@@ -4,25 +4,15 @@
 #include <cstdio>
 
 #include "include/vorn_server.h"
+#include "platform/utf8.h"
 
 namespace {
 
 /// Bytes of the UTF-8 character that `text` begins with; 0 when it begins with none that may be shown.
 std::size_t ShownBytes(std::string_view text) {
-    const auto byte = [text](std::size_t at) { return static_cast<unsigned char>(text[at]); };
-    const unsigned char first = byte(0);
-    if (first < 0x80) return first >= 0x20 && first != 0x7F ? 1 : 0;
-    std::size_t length = 0;
-    if (first >= 0xC2 && first <= 0xDF) length = 2;
-    if (first >= 0xE0 && first <= 0xEF) length = 3;
-    if (first >= 0xF0 && first <= 0xF4) length = 4;
-    if (length == 0 || text.size() < length) return 0;
-    for (std::size_t at = 1; at < length; ++at) {
-        if ((byte(at) & 0xC0U) != 0x80U) return 0;
-    }
-    const bool furtherControl = first == 0xC2 && byte(1) < 0xA0;
-    const bool tooLong = (first == 0xE0 && byte(1) < 0xA0) || (first == 0xF0 && byte(1) < 0x90);
-    return furtherControl || tooLong ? 0 : length;
+    const vorn::Utf8Character character = vorn::Utf8First(text);
+    const bool control = character.code < 0x20 || (character.code >= 0x7F && character.code < 0xA0);
+    return control ? 0 : character.bytes;
 }
 
 /// The first half of an exchange has a blank behind its header and one behind its name; a whole one has more.

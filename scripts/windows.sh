@@ -30,7 +30,7 @@ fetch() {
 # What the project needs of other people's libraries, from their Debian source packages.
 libraries_make() {
     local stamp
-    stamp="$(dpkg-query -W libcpp-httplib-dev liblua5.4-dev libgtest-dev rapidjson-dev libcli11-dev g++-mingw-w64-x86-64-posix)
+    stamp="$(dpkg-query -W libcpp-httplib-dev liblua5.4-dev libgtest-dev rapidjson-dev libcli11-dev libutfcpp-dev g++-mingw-w64-x86-64-posix)
 $(cat cmake/windows_libraries/CMakeLists.txt cmake/mingw-w64.cmake)"
     [ "$(cat "$libraries/stamp" 2>/dev/null)" = "$stamp" ] && return
     say "libraries for Windows"

@@ -2,7 +2,8 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cstdint>
+
+#include "platform/utf8.h"
 
 namespace standin {
 
@@ -18,27 +19,17 @@ struct Character {
     bool wide = false;   ///< fills two half-width places
 };
 
-bool InXml(std::uint32_t code) {
+bool InXml(char32_t code) {
     if (code < 0x20) return code == '\t' || code == '\n' || code == '\r';
-    return (code < 0xd800 || code > 0xdfff) && code != 0xfffe && code != 0xffff && code <= 0x10ffff;
+    return code != 0xfffe && code != 0xffff;
 }
 
 /// The character at the start of a text that is not empty. A faulty byte stands alone.
 Character CharacterAt(std::string_view text) {
-    constexpr std::uint32_t LeastOfLength[] = {0, 0, 0x80, 0x800, 0x10000};
-    constexpr std::uint32_t WideFrom = 0x1100;
-    const auto first = static_cast<unsigned char>(text[0]);
-    if (first < 0x80) return {.valid = InXml(first)};
-    const std::size_t bytes = first >= 0xf0 ? 4 : first >= 0xe0 ? 3 : 2;
-    if (first < 0xc0 || first >= 0xf8 || text.size() < bytes) return {};
-    std::uint32_t code = first & (0xffU >> (bytes + 1));
-    for (const char next : text.substr(1, bytes - 1)) {
-        const auto bits = static_cast<unsigned char>(next);
-        if ((bits & 0xc0U) != 0x80) return {};
-        code = code << 6 | (bits & 0x3fU);
-    }
-    if (code < LeastOfLength[bytes]) return {};
-    return {.bytes = bytes, .valid = InXml(code), .wide = code >= WideFrom};
+    constexpr char32_t WideFrom = 0x1100;
+    const vorn::Utf8Character read = vorn::Utf8First(text);
+    if (read.bytes == 0) return {};
+    return {.bytes = read.bytes, .valid = InXml(read.code), .wide = read.code >= WideFrom};
 }
 
 std::string_view Escaped(char character) {

@@ -79,6 +79,7 @@ TEST(ExchangePrintTest, ShowsWhatATerminalWouldActOn) {
     EXPECT_EQ(Visible("\xC2\x9B"), "\\xC2\\x9B");
     EXPECT_EQ(Visible("\xE6\x88"), "\\xE6\\x88");
     EXPECT_EQ(Visible("\x88房"), "\\x88房");
+    EXPECT_EQ(Visible("\xED\xA0\x80\xF4\x90\x80\x80"), R"(\xED\xA0\x80\xF4\x90\x80\x80)");
     EXPECT_EQ(Visible("\xC0\x8A\xE0\x80\x8A\xFF"), "\\xC0\\x8A\\xE0\\x80\\x8A\\xFF");
 }
 

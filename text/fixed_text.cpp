@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "platform/utf8.h"
+
 namespace vorn {
 
 bool EqualWithoutCase(std::string_view left, std::string_view right) {
@@ -12,11 +14,11 @@ bool EqualWithoutCase(std::string_view left, std::string_view right) {
 
 std::string_view TextCut(std::string_view text, std::size_t bytes) {
     if (text.size() <= bytes) return text;
-    const auto continues = [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; };
-    // A character has at most three bytes behind its first; a longer run is no UTF-8 and is cut where it is.
-    std::size_t end = bytes;
-    while (end > 0 && bytes - end < 3 && continues(text[end])) --end;
-    return text.substr(0, continues(text[end]) ? bytes : end);
+    constexpr std::size_t BehindFirstAtMost = 3;  // bytes of a character behind its first
+    for (std::size_t back = 1; back <= std::min(BehindFirstAtMost, bytes); ++back) {
+        if (Utf8First(text.substr(bytes - back)).bytes > back) return text.substr(0, bytes - back);
+    }
+    return text.substr(0, bytes);
 }
 
 void TextCopy(char* field, std::size_t fieldBytes, std::string_view text) {

@@ -3,7 +3,10 @@
 #include <iconv.h>
 #include <langinfo.h>
 
+#include <algorithm>
 #include <array>
+
+#include "platform/utf8.h"
 
 namespace vorn {
 
@@ -37,21 +40,17 @@ class Converter {
             const bool stuck = inputLeft == before;  // the buffer has room for any one character
             if (stuck) {
                 result += replacement;
-                Skip(input, inputLeft, utf8Input);
+                // One byte, and in UTF-8 a whole character.
+                const std::size_t character = utf8Input ? Utf8First({input, inputLeft}).bytes : 1;
+                const std::size_t skipped = std::max<std::size_t>(character, 1);
+                input += skipped;
+                inputLeft -= skipped;
             }
         }
         return result;
     }
 
   private:
-    /// Passes over one byte, and in UTF-8 over the bytes that continue its character.
-    static void Skip(char*& input, std::size_t& inputLeft, bool utf8Input) {
-        do {
-            ++input;
-            --inputLeft;
-        } while (utf8Input && inputLeft > 0 && (static_cast<unsigned char>(*input) & 0xC0U) == 0x80U);
-    }
-
     iconv_t handle_;
 };
 
