@@ -31,6 +31,7 @@ class Family:
 class Description:
     interface: Json
     failures: dict[str, Json]
+    catalogue: Json
     families: list[Family]
 
     @property
@@ -51,7 +52,7 @@ def _read(path: Path) -> Json:
 def load() -> Description:
     interface = _read(API / "interface.json")
     families = [Family(name=name, **_read(API / "commands" / f"{name}.json")) for name in interface["families"]]
-    return Description(interface, _read(API / "failures.json"), families)
+    return Description(interface, _read(API / "failures.json"), _read(API / "catalogue.json"), families)
 
 
 def schema_of(command: Json) -> Json | None:

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Writes what is made from the description: `schemas/envelope.schema.json`.
+"""Writes what is made from the description: `schemas/envelope.schema.json` and the pages of `docs/reference/`.
 
 usage: generate.py [--check]
 
@@ -14,14 +14,18 @@ from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).resolve().parents[1]))
 
-from api.description import API, Description, load  # noqa: E402
+from api.description import API, REPOSITORY, Description, load  # noqa: E402
 from api.envelope import envelope_schema  # noqa: E402
+from api.reference import reference_pages  # noqa: E402
 
 
 def made_from(description: Description) -> dict[Path, str]:
     """The files and what they must hold."""
     envelope = json.dumps(envelope_schema(description), ensure_ascii=False, indent=1)
-    return {API / "schemas/envelope.schema.json": envelope + "\n"}
+    files = {API / "schemas/envelope.schema.json": envelope + "\n"}
+    for name, page in reference_pages(description).items():
+        files[REPOSITORY / "docs/reference" / name] = page.rstrip("\n") + "\n"
+    return files
 
 
 def stale(description: Description) -> list[Path]:
@@ -43,7 +47,7 @@ def main(arguments: list[str]) -> int:
     for path in old:
         path.parent.mkdir(parents=True, exist_ok=True)
         path.write_text(content[path], encoding="utf-8")
-        print(f"written: {path.relative_to(API.parent)}")
+        print(f"written: {path.relative_to(REPOSITORY)}")
     return 0
 
 
