@@ -157,7 +157,7 @@ TEST(SendThreadsTest, SendsOneCommandOverEitherTransport) {
         {port + "Fdp P >/dev/full", "vorn-send: the reply cannot be written\n", 1},
     };
     for (const auto& each : cases) {
-        const auto [output, status] = RunProgram(VORN_SEND_PROGRAM, each.arguments);
+        const auto [output, status] = RunProgram(ProgramBeside("vorn-send").string(), each.arguments);
         EXPECT_TRUE(output.starts_with(each.output)) << each.arguments << ": " << output;
         EXPECT_EQ(status, each.status) << each.arguments;
     }
@@ -166,8 +166,8 @@ TEST(SendThreadsTest, SendsOneCommandOverEitherTransport) {
 }
 
 TEST(CommandLineTest, TellsWhatIsWrong) {
-    const string host = VORN_HOST_PROGRAM;
-    const string send = VORN_SEND_PROGRAM;
+    const string host = ProgramBeside("vorn-host").string();
+    const string send = ProgramBeside("vorn-send").string();
     const struct {
         string program, arguments, output;
         int status;

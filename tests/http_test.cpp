@@ -5,35 +5,15 @@
 #include <memory>
 #include <thread>
 
-#include "platform/listen_socket.h"
 #include "tests/support/host_process.h"
-#include "tests/support/raw_client.h"
 #include "tests/support/service_test.h"
+#include "tests/support/system.h"
 
 namespace {
 
 using std::string;
 
 constexpr const char* BadEnvelope = "API调用格式错误";
-
-/// A port that is held while the object lives, as another program's server would hold it.
-class HeldPort {
-  public:
-    explicit HeldPort(int port) : socket_(socket(AF_INET, SOCK_STREAM, 0)) {
-        vorn::ListenSocketOptions(socket_);
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_port = htons(static_cast<std::uint16_t>(port));
-        bind(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof address);
-        listen(socket_, 1);
-    }
-    ~HeldPort() { close(socket_); }
-    HeldPort(const HeldPort&) = delete;
-    HeldPort& operator=(const HeldPort&) = delete;
-
-  private:
-    int socket_;
-};
 
 string Post(httplib::Client& client, const string& body, const char* type = "application/json") {
     const auto result = client.Post("/api", body, type);

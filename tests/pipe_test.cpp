@@ -13,8 +13,8 @@
 #include "service/pipe_service.h"
 #include "service/server_root.h"
 #include "tests/support/host_process.h"
-#include "tests/support/raw_client.h"
 #include "tests/support/service_test.h"
+#include "tests/support/system.h"
 
 namespace {
 

@@ -3,10 +3,13 @@
 #pragma once
 
 #include <httplib.h>
-#include <sys/types.h>
 
+#include <memory>
 #include <string>
 #include <vector>
+
+#include "tests/support/system.h"
+#include "tests/support/working_folder.h"
 
 /// Starts a copy of the program in a fresh folder, so that it is a server of its own directory, and waits
 /// until it has said its port or has ended; ends it at the latest when the object goes. Exchanges are not
@@ -14,10 +17,8 @@
 class HostProcess {
   public:
     /// `program` runs another host's program in the place of a copy.
-    explicit HostProcess(std::vector<std::string> arguments = {"--quiet"}, const std::string& program = "");
-    ~HostProcess();
-    HostProcess(const HostProcess&) = delete;
-    HostProcess& operator=(const HostProcess&) = delete;
+    explicit HostProcess(const std::vector<std::string>& arguments = {"--quiet"},
+                         const std::string& program = "");
 
     /// The port that it told, 0 when it ended without one.
     int Port() const { return port_; }
@@ -32,10 +33,9 @@ class HostProcess {
     int End();
 
   private:
-    pid_t pid_ = 0;
-    int output_fd_ = -1;
+    TemporaryFolder folder_;
     std::string output_;
-    std::string folder_;
     std::string program_;
+    std::unique_ptr<ChildProcess> process_;
     int port_ = 0;
 };

@@ -2,12 +2,12 @@
 
 #pragma once
 
-#include <unistd.h>
-
 #include <clocale>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
+
+#include "tests/support/system.h"
 
 /// Sets a category of the process's locale while the object lives, such as all of `de_DE` in `UTF-8`.
 class TestLocale {
@@ -15,7 +15,8 @@ class TestLocale {
     TestLocale(int category, const std::string& language, const std::string& codeset) {
         namespace fs = std::filesystem;
         // Its files are needed only while it is set.
-        const fs::path folder = fs::temp_directory_path() / ("vorn_locale_" + std::to_string(getpid()));
+        const fs::path folder =
+            fs::temp_directory_path() / ("vorn_locale_" + std::to_string(ProcessNumber()));
         const std::string name = language + "." + codeset;
         fs::create_directories(folder);
         const std::string build =
