@@ -2,12 +2,10 @@
 
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
-
-/// `text` with everything that a terminal would act on or cannot show (control characters, bytes that are no
-/// UTF-8) written as `\x1B`.
-std::string Visible(std::string_view text);
+#include <utility>
 
 /// Lines out of one side of the log, as it is fetched piece by piece.
 class ExchangeLines {
@@ -27,10 +25,14 @@ class ExchangeLines {
 /// Both sides of the log. To be used by one thread.
 class ExchangePrinter {
   public:
-    /// Prints what was logged since the last call, if there is news.
+    /// `show` is given the lines of each fetch.
+    explicit ExchangePrinter(std::function<void(const std::string&)> show) : show_(std::move(show)) {}
+
+    /// Shows what was logged since the last call, if there is news.
     void Poll();
 
   private:
+    std::function<void(const std::string&)> show_;
     ExchangeLines reads_{"read   "};
     ExchangeLines writes_{"write  "};
 };

@@ -4,10 +4,10 @@
 #include <array>
 #include <charconv>
 #include <chrono>
-#include <cstdio>
 #include <string_view>
 #include <thread>
 
+#include "host/tell.h"
 #include "include/vorn_contract.h"
 #include "include/vorn_server.h"
 
@@ -33,13 +33,13 @@ void DeviceServe(std::intptr_t device) {
     for (;;) {
         DeviceServe(device);
         SerialClose(device);
-        std::fprintf(stderr, "vorn-host: the serial port %s has gone\n", port.device.c_str());
+        TellFault("the serial port " + port.device + " has gone");
         std::string fault;
         do {
             std::this_thread::sleep_for(std::chrono::seconds(1));
             device = SerialOpen(port, fault);
         } while (device < 0);
-        std::fprintf(stderr, "vorn-host: the serial port %s is back\n", port.device.c_str());
+        TellFault("the serial port " + port.device + " is back");
     }
 }
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
-#include <cstdio>
+#include <clocale>
 #include <cstdlib>
 #include <optional>
 #include <string>
@@ -15,6 +15,7 @@
 #include "host/listening_ports.h"
 #include "host/options.h"
 #include "host/pipe_rows.h"
+#include "host/tell.h"
 #include "include/vorn_contract.h"
 #include "include/vorn_server.h"
 
@@ -26,7 +27,8 @@ std::atomic<bool> httpEnded{false};
 
 /// The service threads never return, so the process ends around them.
 [[noreturn]] void End(int status) {
-    std::fflush(nullptr);
+    const auto latest = std::chrono::steady_clock::now() + 500ms;
+    while (!TellRest() && std::chrono::steady_clock::now() < latest) std::this_thread::sleep_for(10ms);
     std::_Exit(status);
 }
 
@@ -42,13 +44,12 @@ void TellPipe(const std::atomic<bool>& ended) {
         const bool last = ended;
         const int row = PipeRowFind(false);
         if (row >= 0) {
-            std::printf("VornServer holds the pipe %s\n", PipeNameOf(row).c_str());
+            Tell("VornServer holds the pipe " + PipeNameOf(row) + "\n");
         } else if (last) {
-            std::puts("VornServer holds no pipe: a server of this directory has one already");
+            Tell("VornServer holds no pipe: a server of this directory has one already\n");
         }
-        std::fflush(stdout);
         if (row >= 0 || last) return;
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        std::this_thread::sleep_for(50ms);
     }
 }
 
@@ -76,32 +77,37 @@ int main(int count, char** arguments) {
     const std::optional<int> ended = OptionsRead(count, arguments, options);
     if (ended) return *ended;
     if (options.trace) setenv("VORN_ENGINE_TRACE", "1", 1);
+    // The system's code page is the one of the user's language; numbers keep their decimal point.
+    std::setlocale(LC_CTYPE, "");
     EndSignalsHold();
 
     std::string fault;
     if (options.serial && !SerialStart(*options.serial, fault)) {
-        std::fprintf(stderr, "vorn-host: %s\n", fault.c_str());
+        TellFault(fault);
         return 1;
     }
     const std::vector<int> before = ListeningPorts(VORN_FIRST_PORT, VORN_LAST_PORT);
     StartHttp();
     StartPipe();
-    ExchangePrinter printer;
     int port = 0;
     while ((port = OwnPort(before)) == 0 && !httpEnded) {
         if (EndAsked(20ms)) End(0);
     }
     if (port == 0) {
-        std::fprintf(stderr, "vorn-host: no port of %d to %d is free\n", VORN_FIRST_PORT, VORN_LAST_PORT);
+        TellFault("no port of " + std::to_string(VORN_FIRST_PORT) + " to " + std::to_string(VORN_LAST_PORT) +
+                  " is free");
         End(1);
     }
-    std::printf("VornServer answers on http://127.0.0.1:%d/api\n", port);
-    std::fflush(stdout);
+    Tell("VornServer answers on http://127.0.0.1:" + std::to_string(port) + "/api\n");
 
+    ExchangePrinter printer([&options](const std::string& lines) {
+        if (!options.quiet) Tell(lines);
+    });
     do {
-        if (!options.quiet) printer.Poll();
+        printer.Poll();
+        TellRest();
     } while (!EndAsked(100ms));
-    if (!options.quiet) printer.Poll();
-    std::puts("VornServer has ended.");
+    printer.Poll();
+    Tell("VornServer has ended.\n");
     End(0);
 }

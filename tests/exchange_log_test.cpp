@@ -6,6 +6,7 @@
 
 #include "host/exchange_print.h"
 #include "include/vorn_server.h"
+#include "platform/visible.h"
 
 namespace {
 
@@ -74,13 +75,13 @@ TEST(ExchangeLogTest, KeepsTheLast2000BytesOfMoreThan20000) {
 }
 
 TEST(ExchangePrintTest, ShowsWhatATerminalWouldActOn) {
-    for (const string text : {"Get 房间_X é😀", ""}) EXPECT_EQ(Visible(text), text);
-    EXPECT_EQ(Visible("\x1B[2J\t\r\x7F"), "\\x1B[2J\\x09\\x0D\\x7F");
-    EXPECT_EQ(Visible("\xC2\x9B"), "\\xC2\\x9B");
-    EXPECT_EQ(Visible("\xE6\x88"), "\\xE6\\x88");
-    EXPECT_EQ(Visible("\x88房"), "\\x88房");
-    EXPECT_EQ(Visible("\xED\xA0\x80\xF4\x90\x80\x80"), R"(\xED\xA0\x80\xF4\x90\x80\x80)");
-    EXPECT_EQ(Visible("\xC0\x8A\xE0\x80\x8A\xFF"), "\\xC0\\x8A\\xE0\\x80\\x8A\\xFF");
+    for (const string text : {"Get 房间_X é😀", ""}) EXPECT_EQ(vorn::Visible(text), text);
+    EXPECT_EQ(vorn::Visible("\x1B[2J\t\r\x7F"), "\\x1B[2J\\x09\\x0D\\x7F");
+    EXPECT_EQ(vorn::Visible("\xC2\x9B"), "\\xC2\\x9B");
+    EXPECT_EQ(vorn::Visible("\xE6\x88"), "\\xE6\\x88");
+    EXPECT_EQ(vorn::Visible("\x88房"), "\\x88房");
+    EXPECT_EQ(vorn::Visible("\xED\xA0\x80\xF4\x90\x80\x80"), R"(\xED\xA0\x80\xF4\x90\x80\x80)");
+    EXPECT_EQ(vorn::Visible("\xC0\x8A\xE0\x80\x8A\xFF"), "\\xC0\\x8A\\xE0\\x80\\x8A\\xFF");
 }
 
 TEST(ExchangePrintTest, JoinsAnExchangeThatWasFetchedInHalves) {

@@ -28,6 +28,7 @@ class HostProcess {
     /// Reads on until a line with `mark` is whole, and gives what stands behind the mark; the empty text when
     /// none came in 20 seconds.
     std::string WaitFor(const std::string& mark);
+    unsigned Number() const { return process_->Number(); }
     httplib::Client Client() const { return httplib::Client("127.0.0.1", port_); }
     /// Asks it to end and gives its exit status, -1 when it did not end by itself.
     int End();

@@ -33,6 +33,8 @@ class ChildProcess {
     /// Waits for more of its output and appends it. False when the output has ended, and when nothing came in
     /// 20 seconds.
     bool Read(std::string& output);
+    /// Its number while it runs.
+    unsigned Number() const;
     /// Asks it to end, as the system does when it shuts down, or Ctrl-C.
     void AskToEnd();
     /// Ends it in the middle of whatever it does.

@@ -78,6 +78,10 @@ bool ChildProcess::Read(std::string& output) {
     return count > 0;
 }
 
+unsigned ChildProcess::Number() const {
+    return static_cast<unsigned>(process_);
+}
+
 void ChildProcess::AskToEnd() {
     if (process_ > 0) kill(static_cast<pid_t>(process_), SIGTERM);
 }

@@ -131,6 +131,10 @@ bool ChildProcess::Read(std::string& output) {
     return read > 0;
 }
 
+unsigned ChildProcess::Number() const {
+    return GetProcessId(HandleOf(process_));
+}
+
 void ChildProcess::AskToEnd() {
     if (process_ == 0) return;
     FreeConsole();

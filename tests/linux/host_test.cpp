@@ -1,0 +1,193 @@
+// The host program around the library: what it tells, how it ends, what holds it up.
+
+#include <fcntl.h>
+#include <netinet/in.h>
+#include <poll.h>
+#include <signal.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <array>
+#include <filesystem>
+#include <thread>
+
+#include "include/vorn_contract.h"
+#include "platform/line_queue.h"
+#include "tests/support/host_process.h"
+#include "tests/support/service_test.h"
+#include "tests/support/test_locale.h"
+
+namespace {
+
+using std::string;
+
+/// A socket on the first port from `port` on that is free for it, and nobody behind it. A host that is
+/// started meanwhile has it among its descriptors too.
+class IdleSocket {
+  public:
+    IdleSocket(int family, in_addr_t address, int port, bool listens)
+        : socket_(socket(family, SOCK_STREAM, 0)) {
+        sockaddr_in6 wide{};
+        wide.sin6_family = AF_INET6;
+        sockaddr_in narrow{};
+        narrow.sin_family = AF_INET;
+        narrow.sin_addr.s_addr = htonl(address);
+        for (bool bound = false; !bound; ++port) {
+            narrow.sin_port = wide.sin6_port = htons(static_cast<in_port_t>(port));
+            const bool six = family == AF_INET6;
+            const auto* const at =
+                six ? reinterpret_cast<const sockaddr*>(&wide) : reinterpret_cast<const sockaddr*>(&narrow);
+            bound = bind(socket_, at, six ? sizeof wide : sizeof narrow) == 0 &&
+                    (!listens || listen(socket_, 1) == 0);
+        }
+    }
+    ~IdleSocket() { close(socket_); }
+    IdleSocket(const IdleSocket&) = delete;
+    IdleSocket& operator=(const IdleSocket&) = delete;
+
+    bool Asked() const {
+        pollfd readable{.fd = socket_, .events = POLLIN, .revents = 0};
+        return poll(&readable, 1, 0) > 0 && (readable.revents & POLLIN) != 0;
+    }
+
+  private:
+    int socket_;
+};
+
+TEST(HostThreadsTest, TellsItsOwnPortAndAsksNoNeighbour) {
+    const IdleSocket local(AF_INET, INADDR_LOOPBACK, VORN_FIRST_PORT, true);
+    const IdleSocket wide(AF_INET6, 0, VORN_FIRST_PORT, true);
+    const IdleSocket silent(AF_INET, INADDR_ANY, VORN_FIRST_PORT, false);
+    const IdleSocket alike(AF_INET, INADDR_ANY, VORN_FIRST_PORT, true);
+    const IdleSocket beyond(AF_INET, INADDR_ANY, VORN_LAST_PORT + 1, true);
+    HostProcess host;
+    const auto hi = host.Client().Get("/hi");
+    EXPECT_TRUE(hi && hi->body == "Hello Quelmo!\n") << host.Output();
+    for (const IdleSocket* each : {&local, &wide, &alike, &beyond}) EXPECT_FALSE(each->Asked());
+}
+
+string Ask(const HostProcess& host, const string& command, const string& name, const string& messages = "") {
+    httplib::Client client = host.Client();
+    client.set_read_timeout(60);
+    const auto reply = client.Post(
+        "/api", R"({"command":")" + command + R"(","name":")" + name + R"(","messages":")" + messages + "\"}",
+        "application/json");
+    return reply ? reply->body : "no reply";
+}
+
+TEST(HostThreadsTest, AnswersAndEndsThoughNobodyReadsWhatItPrints) {
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
+        HostProcess host({"--trace"});
+        Ask(host, "Create", "P");
+        const string name = "P_" + string(20000, 'x');
+        for (int request = 0; request < 100; ++request) ASSERT_EQ(Ask(host, "Get", name), NoVariable);
+        kill(static_cast<pid_t>(host.Number()), signal);
+        EXPECT_EQ(host.End(), 0) << signal;
+    }
+}
+
+TEST(HostThreadsTest, PrintsTheLastExchangesAtItsEnd) {
+    for (const int signal : {SIGINT, SIGHUP}) {
+        HostProcess host(std::vector<string>{});
+        ASSERT_NE(host.WaitFor("VornServer holds "), "");
+        Ask(host, "Create", "P");
+        Ask(host, "Fdp", "P");
+        kill(static_cast<pid_t>(host.Number()), signal);
+        EXPECT_EQ(host.End(), 0);
+        EXPECT_EQ(host.WaitFor("write  Create P "), " OK");
+        EXPECT_EQ(host.WaitFor("read   Fdp P "), " 1");
+        EXPECT_TRUE(host.WaitFor("VornServer has ended.").empty());
+        EXPECT_TRUE(host.Output().ends_with("\nVornServer has ended.\n")) << host.Output();
+    }
+}
+
+TEST(HostThreadsTest, TracesTextsOfClientsOnOneLineAndHarmless) {
+    HostProcess host({"--quiet", "--trace"});
+    Ask(host, "Get", R"(A\nengine: forged\u001B[2J\u009B\u007F房)");
+    EXPECT_EQ(host.WaitFor("engine: NameParsing("), R"("A\x0Aengine: forged\x1B[2J\xC2\x9B\x7F房"))");
+}
+
+TEST(HostThreadsTest, TakesTheCodePageOfTheUsersLanguage) {
+    const LocaleFiles chinese("zh_CN", "GBK");
+    if (!chinese.Made()) GTEST_SKIP() << "no Chinese locale: localedef or its sources are missing";
+    const std::filesystem::path folder = std::filesystem::temp_directory_path() / "vorn_\xB7\xBF";
+    std::filesystem::create_directories(folder);
+    setenv("TMPDIR", folder.c_str(), 1);
+    setenv("LC_ALL", chinese.Name().c_str(), 1);
+    {
+        HostProcess host;
+        string root = host.Program().substr(0, host.Program().find("bin/"));
+        root.replace(root.find("\xB7\xBF"), 2, "房");
+        std::replace(root.begin(), root.end(), '/', '_');
+        EXPECT_EQ(Ask(host, "Fph", root), "1") << root;
+        Ask(host, "Create", "P");
+        const auto valve = host.Client().Post(
+            "/api",
+            R"({"command":"AddModule","name":"P","messages":{"VornModuleID":26010100000000012,"DeviceName":")"
+            "\xB7\xA7\xC3\xC5\"}}",
+            "application/json");
+        EXPECT_TRUE(valve && valve->body == "MOD0") << valve->body;
+    }
+    unsetenv("LC_ALL");
+    unsetenv("TMPDIR");
+    std::filesystem::remove_all(folder);
+}
+
+/// Standard error as a pipe of 4096 bytes while the object lives.
+class ErrorPipe {
+  public:
+    ErrorPipe() : before_(dup(STDERR_FILENO)) {
+        [[maybe_unused]] const int made = pipe(ends_.data());
+        fcntl(ends_[0], F_SETFL, O_NONBLOCK);
+        fcntl(ends_[1], F_SETPIPE_SZ, 4096);
+        dup2(ends_[1], STDERR_FILENO);
+    }
+    ~ErrorPipe() {
+        dup2(before_, STDERR_FILENO);
+        for (const int each : {before_, ends_[0], ends_[1]}) close(each);
+    }
+    ErrorPipe(const ErrorPipe&) = delete;
+    ErrorPipe& operator=(const ErrorPipe&) = delete;
+
+    /// What waits in it.
+    string Take() const {
+        string text(8192, '\0');
+        const ssize_t count = read(ends_[0], text.data(), text.size());
+        text.resize(count > 0 ? static_cast<size_t>(count) : 0);
+        return text;
+    }
+
+  private:
+    int before_;
+    std::array<int, 2> ends_{-1, -1};
+};
+
+/// What a reader gets that reads on until nothing is left; the long lines of 'f' as "F".
+string Drain(const ErrorPipe& error, vorn::LineQueue& queue, const string& full) {
+    string all;
+    do {
+        all += error.Take();
+    } while (!queue.Send());
+    all += error.Take();
+    for (size_t at = 0; (at = all.find(full)) != string::npos;) all.replace(at, full.size(), "F");
+    return all;
+}
+
+TEST(LineQueueTest, KeepsWhatNobodyReadsInBoundsAndSaysWhatItDropped) {
+    const string full = string(4095, 'f') + "\n";
+    const string dropped = string(100, 'd') + "\nd\n";
+    const string notice = "(4 lines were dropped here: nobody read them)\n";
+    const ErrorPipe error;
+    vorn::LineQueue queue(vorn::StandardStream::Error, 100);
+    queue.Put(full + full + "a\n");  // nothing waits: taken whole
+    EXPECT_FALSE(queue.Send());
+    for (const string& lines : {dropped, dropped}) queue.Put(lines);
+    EXPECT_EQ(Drain(error, queue, full), "FFa\n" + notice);
+
+    // Room again before the queue is empty: the notice stands where the lines would.
+    queue.Put(full + "a\n");
+    for (const string& lines : {dropped, dropped, string("b\n")}) queue.Put(lines);
+    EXPECT_EQ(Drain(error, queue, full), "Fa\n" + notice + "b\n");
+}
+
+}  // namespace
