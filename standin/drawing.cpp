@@ -1,62 +1,91 @@
-// The operations that write a project's picture and chart into its folder. Both are written whole before the
-// call returns.
+// The operations that write a project's picture and chart into its folder. They come back at once; it is
+// drawn while the caller waits.
+
+#include "standin/drawing.h"
 
 #include <cstdio>
+#include <functional>
+#include <future>
 #include <string>
-#include <string_view>
+#include <system_error>
 
 #include "engine/vorn_chart_cache.h"
 #include "engine/vorn_core.h"
 #include "platform/file_text.h"
-#include "standin/chart.h"
-#include "standin/plant_picture.h"
 #include "standin/project_folder.h"
 #include "standin/trace.h"
 
-using namespace standin;
+namespace standin {
 
 namespace {
 
-/// Writes a drawing of the project `name`. A failure is told of on standard error; the old file then stays.
-void WriteDrawing(const std::string& name, std::string_view ending, const std::string& svg) {
-    const std::string path = ProjectFile(name, ending);
-    if (path.empty()) return;
-    std::error_code fault;
-    if (!vorn::FolderMake(ProjectFolder(name), fault) || !vorn::FileReplace(path, svg, fault)) {
-        std::fprintf(stderr, "drawing: %s: %s\n", path.c_str(), fault.message().c_str());
-    }
+using Draw = std::string(const Project& project);
+
+struct LastDrawing {
+    std::mutex lock;
+    std::future<void> done;
+};
+
+// Never destroyed: it may be drawn while the process ends.
+LastDrawing& TheLastDrawing() {
+    static LastDrawing& last = *new LastDrawing;
+    return last;
 }
 
-}  // namespace
-
-void Pipe_PjtPngSave(int slot) {
-    Trace("Pipe_PjtPngSave", slot);
-    std::string name;
-    std::vector<PlantPage> pages;
-    {
-        const std::lock_guard guard(EngineLock());
-        Project* project = ProjectFind(slot);
-        if (project == nullptr) return;
-        name = project->name;
-        pages = PlantPages(*project);
-    }
-    // Arranged and written without the lock: a large plant need not hold the simulation up.
-    for (PlantPage& page : pages) PlantArrange(page);
-    WriteDrawing(name, ".txt", PlantSvg(name, pages));
-}
-
-void Chart_PngSave(const char* name) {
-    Trace("Chart_PngSave", name);
-    std::string projectName;
-    std::vector<double> temperatures;
-    int stepsEach = 1;
+/// Draws a project and writes the drawing. A fault is told on standard error; the old file then stays.
+void DrawFile(const std::string& name, const char* ending, Draw* draw) {
+    std::string svg;
     {
         const std::lock_guard guard(EngineLock());
         const Project* project = ProjectFind(name);
         if (project == nullptr) return;
-        projectName = project->name;
-        temperatures = project->temperatures;
-        stepsEach = project->temperatureSteps;
+        svg = draw(*project);
     }
-    WriteDrawing(projectName, "_chart.txt", ChartSvg(projectName, temperatures, stepsEach));
+    const std::string path = ProjectFile(name, ending);
+    std::error_code fault;
+    if (path.empty()) return;
+    if (vorn::FolderMake(ProjectFolder(name), fault) && vorn::FileReplace(path, svg, fault)) return;
+    std::fprintf(stderr, "drawing: %s: %s\n", path.c_str(), fault.message().c_str());
+}
+
+/// Draws on a thread of its own, behind the drawing before; where no thread can be made, here.
+void DrawInBackground(const std::string& name, const char* ending, Draw* draw) {
+    LastDrawing& last = TheLastDrawing();
+    const std::lock_guard guard(last.lock);
+    if (last.done.valid()) last.done.wait();
+    try {
+        last.done = std::async(std::launch::async, DrawFile, name, ending, draw);
+    } catch (const std::system_error&) {
+        DrawFile(name, ending, draw);
+    }
+}
+
+std::string Chart(const Project& project) {
+    return ChartSvg(project.name, project.temperatures, project.temperatureSteps);
+}
+
+}  // namespace
+
+void DrawingFinish() {
+    LastDrawing& last = TheLastDrawing();
+    const std::lock_guard guard(last.lock);
+    if (last.done.valid()) last.done.wait();
+}
+
+}  // namespace standin
+
+using namespace standin;
+
+void Pipe_PjtPngSave(int slot) {
+    Trace("Pipe_PjtPngSave", slot);
+    std::unique_lock guard(EngineLock());
+    const Project* project = ProjectFind(slot);
+    const std::string name = project == nullptr ? "" : project->name;
+    guard.unlock();
+    DrawInBackground(name, ".txt", PlantSvg);
+}
+
+void Chart_PngSave(const char* name) {
+    Trace("Chart_PngSave", name);
+    DrawInBackground(name, "_chart.txt", Chart);
 }

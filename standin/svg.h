@@ -1,4 +1,4 @@
-// Writing SVG: a text that grows element by element. Lengths are pixels.
+// Writing SVG: a text that grows piece by piece. Lengths are pixels, y runs downwards.
 
 #pragma once
 
@@ -12,27 +12,22 @@ struct Point {
     double y = 0.0;
 };
 
-/// Appends a length with at most one decimal; of 1e6 and beyond, and of NaN, the limit.
-void AppendLength(std::string& svg, double length);
+inline void SvgPiece(std::string& svg, std::string_view text) {
+    svg += text;
+}
+/// A length with at most one decimal.
+void SvgPiece(std::string& svg, double length);
 
-/// `text` as it may stand in an XML text or attribute: escaped, and with U+FFFD in the place of bytes that
-/// are no UTF-8 and of characters that XML does not have.
-std::string XmlText(std::string_view text);
+/// Appends texts, as they stand, and lengths.
+template <typename... Pieces>
+void SvgPut(std::string& svg, const Pieces&... pieces) {
+    (SvgPiece(svg, pieces), ...);
+}
 
-/// `text` cut behind so many half-width places that it fills at most `places`, with an ellipsis where it was
-/// cut. A character beyond Latin takes two places.
-std::string TextFitted(std::string_view text, int places);
-/// Half-width places that `text` takes.
-int TextPlaces(std::string_view text);
+/// A text of the class `style`, escaped. What is no UTF-8 and what XML does not have becomes U+FFFD.
+void SvgText(std::string& svg, Point at, std::string_view style, std::string_view text);
 
-/// Begin and end a picture of that size, white, with the styles that `css` gives beside the text's own.
-void SvgBegin(std::string& svg, double width, double height, std::string_view css);
-void SvgEnd(std::string& svg);
-
-/// One element each, of the class `style`. `text` is escaped here.
-void SvgLine(std::string& svg, Point from, Point to, std::string_view style);
-void SvgBox(std::string& svg, Point middle, Point size, double corner, std::string_view style);
-void SvgCircle(std::string& svg, Point middle, double radius, std::string_view style);
-void SvgText(std::string& svg, Point at, std::string_view text, std::string_view style);
+/// A white picture of that size, with the styles of `css` and the elements of `content`.
+std::string SvgWhole(Point size, std::string_view css, std::string_view content);
 
 }  // namespace standin

@@ -3,9 +3,12 @@
 #include <mutex>
 
 #include "platform/sleep.h"
+#include "standin/drawing.h"
 #include "standin/trace.h"
 
 namespace {
+
+constexpr int DrawingMilliseconds = 2500;
 
 std::mutex scriptLock;
 std::function<void(int)> script;
@@ -21,6 +24,8 @@ namespace vorn {
 
 void SleepMilliseconds(int milliseconds) {
     standin::TraceLine("sleep " + std::to_string(milliseconds));
+    // The engine draws meanwhile.
+    if (milliseconds >= DrawingMilliseconds) standin::DrawingFinish();
     std::function<void(int)> run;
     {
         const std::lock_guard guard(scriptLock);
