@@ -13,6 +13,7 @@ _MADE = "<!-- Made from api/ by api/generate.py; do not edit. -->"
 
 # A number of 64 bits or a text of this length tells nothing that a reader needs whole.
 _LONGEST_TEXT = 60
+_LONGEST_LINE = 110
 
 
 def _table(head: list[str], rows: list[list[str]]) -> list[str]:
@@ -23,6 +24,10 @@ def _table(head: list[str], rows: list[list[str]]) -> list[str]:
 def _code(text: str) -> str:
     shown = text.replace("\n", "⏎")
     return f"`{shown}`" if shown else "the empty text"
+
+
+def _lowered(title: str) -> str:
+    return title[0].lower() + title[1:]
 
 
 def _anchor(command: Json) -> str:
@@ -114,12 +119,23 @@ def _shortened(value: Any) -> Any:
     return value
 
 
+def _request(example: Json) -> list[str]:
+    """The request's text, its messages on a line of their own where it is long."""
+    if "body" in example:
+        return [example["body"]]
+    text = json.dumps(_shortened(example["request"]), ensure_ascii=False)
+    at = text.find('"messages"')
+    if len(text) <= _LONGEST_LINE or at < 0:
+        return [text]
+    return [text[:at].rstrip(), " " + text[at:]]
+
+
 def _exchange(example: Json) -> list[str]:
-    request = example["body"] if "body" in example else json.dumps(
-        _shortened(example["request"]), ensure_ascii=False)
+    request = _request(example)
     reply = example.get("reply", example.get("replyForm"))
     lines = reply if isinstance(reply, list) else reply.rstrip("\n").split("\n")
-    return [f"> {request}", f"< {lines[0]}", *(f"  {line}" for line in lines[1:])]
+    return [f"> {request[0]}", *(f"  {line}" for line in request[1:]),
+            f"< {lines[0]}", *(f"  {line}" for line in lines[1:])]
 
 
 def _examples(examples: list[Json]) -> list[str]:
@@ -144,11 +160,11 @@ def _waits(command: Json) -> str:
 
 def _command(command: Json, description: Description) -> list[str]:
     target: Json = description.interface["targets"][command["target"]]
-    lines = [f'<a id="{_anchor(command)}"></a>', "", f"## {command['title']}: `{command['word']}`", "",
+    lines = [f'<a id="{_anchor(command)}"></a>', "", f"## {command['word']}: {_lowered(command['title'])}", "",
              command["text"], "", f"`name`: {target['text']}", "", *_messages(command, description)]
-    lines += _table(["waits", "log", "effect"], [[
-        _waits(command), command["log"],
-        description.interface["effects"][command["effect"]] + ("; twice is as once" if command["idempotent"] else "")]])
+    effect = description.interface["effects"][command["effect"]]
+    lines += [f"- Waits: {_waits(command)}.", f"- Effect: {effect}" + (
+        "; doing it twice is doing it once." if command["idempotent"] else "."), f"- Log: {command['log']}.", ""]
     lines += _table(["reply", "meaning"], [[_code(reply["text"]), reply["meaning"]] for reply in command["replies"]])
     if "schema" in command:
         file = command["schema"]["$ref"].rsplit("/", 1)[1]
