@@ -7,7 +7,7 @@ set -euo pipefail
 packages=(g++ cmake ninja-build pkg-config curl python3 socat locales
           rapidjson-dev libcpp-httplib-dev libcli11-dev libutfcpp-dev liblua5.4-dev libgtest-dev libbenchmark-dev
           python3-jsonschema python3-pytest)
-[ "${1:-}" = --full ] && packages+=(clang-format clang-tidy clang libclang-rt-14-dev libutfcpp-dev)
+[ "${1:-}" = --full ] && packages+=(clang-format clang-tidy mypy clang libclang-rt-14-dev libutfcpp-dev)
 [ "${1:-}" = --windows ] && packages+=(g++-mingw-w64-x86-64-posix wine wine64 dpkg-dev zip)
 
 if ! command -v apt-get >/dev/null; then

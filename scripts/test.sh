@@ -36,6 +36,7 @@ if [ "$full" = yes ]; then
     say "lint"
     git ls-files '*.cpp' ':!tests' ':!bench' ':!*/windows/*' | xargs -P "$(nproc)" -n 4 clang-tidy -p build/release --quiet 2>/dev/null \
         || fail "the lint check"
+    mypy || fail "the types of the Python code"
     run_preset asan
     # Under ThreadSanitizer only the tests with threads are worth their time.
     run_preset tsan -R Threads
