@@ -4,6 +4,7 @@ find_package(Threads REQUIRED)
 find_path(RAPIDJSON_INCLUDE rapidjson/document.h REQUIRED)
 find_path(CLI11_INCLUDE CLI/CLI.hpp REQUIRED)
 find_path(UTFCPP_INCLUDE utf8.h REQUIRED)
+find_path(EIGEN_INCLUDE Eigen/SparseCholesky PATH_SUFFIXES eigen3 REQUIRED)
 
 if(WIN32)
   # Headers and static libraries, so that what is built needs no other file beside it.

@@ -5,8 +5,8 @@ set -euo pipefail
 . "$(dirname "$0")/lib.sh"
 
 packages=(g++ cmake ninja-build pkg-config curl python3 socat locales
-          rapidjson-dev libcpp-httplib-dev libcli11-dev libutfcpp-dev liblua5.4-dev libgtest-dev libbenchmark-dev
-          python3-jsonschema python3-pytest)
+          rapidjson-dev libcpp-httplib-dev libcli11-dev libeigen3-dev libutfcpp-dev liblua5.4-dev libgtest-dev
+          libbenchmark-dev python3-jsonschema python3-pytest)
 [ "${1:-}" = --full ] && packages+=(clang-format clang-tidy mypy clang libclang-rt-14-dev libutfcpp-dev)
 [ "${1:-}" = --windows ] && packages+=(g++-mingw-w64-x86-64-posix wine wine64 dpkg-dev zip)
 

@@ -77,7 +77,10 @@ void TieToRoom(int slot, int module, int room) {
     const std::lock_guard guard(EngineLock());
     Project* project = ProjectFind(slot);
     if (project == nullptr || project->modules.Find(room) == nullptr) return;
-    if (Module* found = project->modules.Find(module)) found->room = room;
+    Module* found = project->modules.Find(module);
+    if (found == nullptr) return;
+    found->room = room;
+    project->structure = NextRevision();
 }
 
 }  // namespace

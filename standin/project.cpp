@@ -1,6 +1,7 @@
 #include "standin/project.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstring>
 
 #include "standin/control.h"
@@ -37,12 +38,26 @@ void RemoveLinksAt(Project& project, int kind, int number) {
     }
 }
 
-void Place(Element& element, int page, int x, int z, std::size_t itemCount) {
+/// What an item is in the cache sets of a new module; 0 where it is not told here.
+struct ItemStart {
+    std::string_view item;
+    double value;
+};
+constexpr ItemStart ItemStarts[] = {{"Opening", 1.0}, {"Head", 20.0}, {"Power", 1.0}};
+
+void Place(Element& element, int page, int x, int z, std::span<const std::string_view> items) {
     element.inUse = true;
     element.page = page;
     element.x = x;
     element.z = z;
-    for (ElementValues& layer : element.layers) layer.items.assign(itemCount, 0.0);
+    for (ElementValues& layer : element.layers) layer.items.assign(items.size(), 0.0);
+    for (const ItemStart& start : ItemStarts) {
+        const int row = ItemRow(items, start.item);
+        for (int layer = CacheLayer0; row >= 0 && layer < LayerCount; ++layer) {
+            element.layers[static_cast<std::size_t>(layer)].items[static_cast<std::size_t>(row)] =
+                start.value;
+        }
+    }
 }
 
 void Identify(Element* element, IdentityIndex& index, int number, std::string_view text) {
@@ -124,6 +139,12 @@ void ProjectEmpty(Project& project) {
     project.modules.lowestVacant = project.nodes.lowestVacant = project.links.lowestVacant = 0;
     project.moduleIdentities.Clear();
     project.nodeIdentities.Clear();
+    project.structure = NextRevision();
+}
+
+std::uint64_t NextRevision() {
+    static std::atomic<std::uint64_t> last{0};
+    return ++last;
 }
 
 Module* ModuleAdd(Project& project, int number, int type, int page, int x, int z) {
@@ -131,8 +152,9 @@ Module* ModuleAdd(Project& project, int number, int type, int page, int x, int z
     if (moduleType == nullptr) return nullptr;
     Module* module = project.modules.Add(number);
     if (module == nullptr) return nullptr;
-    Place(*module, page, x, z, moduleType->items.size());
+    Place(*module, page, x, z, moduleType->items);
     module->type = type;
+    project.structure = NextRevision();
     return module;
 }
 
@@ -140,8 +162,9 @@ Node* NodeAdd(Project& project, int number, int kind, int page, int x, int z) {
     if (kind < 0 || kind >= NodeKindCount) return nullptr;
     Node* node = project.nodes.Add(number);
     if (node == nullptr) return nullptr;
-    Place(*node, page, x, z, NodeItems().size());
+    Place(*node, page, x, z, NodeItems());
     node->kind = kind;
+    project.structure = NextRevision();
     return node;
 }
 
@@ -151,6 +174,7 @@ bool LinkAdd(Project& project, int number, const LinkSxCache& link) {
     *row = link;
     row->InUse = true;
     CountLink(project, *row, 1);
+    project.structure = NextRevision();
     return true;
 }
 
@@ -160,6 +184,7 @@ void ModuleRemove(Project& project, int number) {
     RemoveLinksAt(project, ModuleKind, number);
     project.moduleIdentities.Remove(module->instanceId, number);
     project.modules.Remove(number);
+    project.structure = NextRevision();
     for (Module& other : project.modules.rows) {
         if (other.room == number) other.room = -1;
     }
@@ -171,6 +196,7 @@ void NodeRemove(Project& project, int number) {
     RemoveLinksAt(project, NodeKind, number);
     project.nodeIdentities.Remove(node->instanceId, number);
     project.nodes.Remove(number);
+    project.structure = NextRevision();
 }
 
 void LinkRemove(Project& project, int number) {
@@ -178,6 +204,7 @@ void LinkRemove(Project& project, int number) {
     if (link == nullptr) return;
     CountLink(project, *link, -1);
     project.links.Remove(number);
+    project.structure = NextRevision();
 }
 
 void ModuleIdentify(Project& project, int number, std::string_view text) {

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <set>
@@ -141,6 +142,8 @@ struct StoredFile {
     bool operator==(const StoredFile&) const = default;
 };
 
+struct PlantKept;
+
 struct Project {
     char name[ProjectNameBytes] = {};  ///< upper case; empty marks a free slot. Its address never changes
     Table<Module> modules;
@@ -158,8 +161,12 @@ struct Project {
     int stepRequests = 0;
     std::string access;                ///< why the last start was refused; empty when it was not
     int steps = 0;                     ///< steps since the last start
+    int stepsUnsolved = 0;             ///< those of them that found no solution for a net or for the heat
     std::vector<double> temperatures;  ///< GTemp at every `temperatureSteps`-th of them, from the first on
     int temperatureSteps = 1;
+    std::uint64_t structure = 0;  ///< another number after each change of modules, nodes, links or rooms
+    std::uint64_t run = 0;        ///< another number after each start
+    std::shared_ptr<PlantKept> plant;
 };
 
 /// The one lock of the engine.
@@ -180,6 +187,8 @@ std::vector<ProjectVariable> StandardVariables();
 void ProjectFree(Project& project);
 /// Removes all modules, nodes and links.
 void ProjectEmpty(Project& project);
+/// A number that no earlier call gave.
+std::uint64_t NextRevision();
 
 /// Adds an element and readies its values. Null when the number is taken, or the type or kind is unknown.
 Module* ModuleAdd(Project& project, int number, int type, int page, int x, int z);

@@ -187,6 +187,7 @@ bool ReadPort(const JsonValue& array, ElementValues& values) {
 
 bool ReadLayer(const JsonValue& object, ElementValues& values) {
     if (!object.IsObject()) return false;
+    values.items.assign(values.items.size(), 0.0);
     if (object.MemberCount() == 0) return true;
     const JsonValue* items = FindArray(object, "items");
     return items != nullptr && ReadReals(*items, values.items) &&
@@ -194,7 +195,10 @@ bool ReadLayer(const JsonValue& object, ElementValues& values) {
 }
 
 bool ReadLayers(const JsonValue& object, Element& element) {
-    if (!object.HasMember("layers")) return true;
+    if (!object.HasMember("layers")) {
+        for (ElementValues& blank : element.layers) blank.items.assign(blank.items.size(), 0.0);
+        return true;
+    }
     const JsonValue* layers = FindArray(object, "layers");
     if (layers == nullptr || layers->Size() != LayerCount) return false;
     auto* values = element.layers.data();

@@ -1,0 +1,80 @@
+// What each module type does in the plant, and the items that it is told by.
+
+#pragma once
+
+#include <array>
+#include <span>
+
+#include "standin/catalogue.h"
+
+namespace standin {
+
+enum class Role {
+    None,  ///< carries what flows through it and does nothing else
+    CastIronPipe,
+    CopperPipe,
+    Duct,
+    Pump,
+    Valve,
+    ExpansionValve,
+    Exchanger,
+    Condenser,
+    Evaporator,
+    Terminal,  ///< fan coil, radiator
+    AirCooler,
+    Compressor,
+    Tank,
+    Tower,
+    Receiver,
+    Room,
+    ColdStore
+};
+
+enum class Item {
+    Length,    ///< m
+    Elbows,    ///< number of them
+    Diameter,  ///< mm
+    Width,     ///< mm
+    Height,    ///< mm
+    Head,      ///< m
+    Power,     ///< kW
+    Opening,   ///< 0 to 1
+    Area,      ///< m2
+    Volume,    ///< m3
+    Inside,    ///< degrees Celsius
+    Outside,   ///< degrees Celsius
+    Store,     ///< degrees Celsius
+    Count
+};
+
+/// One type of the catalogue as the plant sees it.
+struct DeviceType {
+    Role role = Role::None;
+    bool reducer = false;
+    std::array<int, static_cast<std::size_t>(Item::Count)> rows{};  ///< of each item, -1 where it has none
+    std::span<const PortType> ports;
+    std::span<const AisleType> aisles;
+
+    int Row(Item item) const { return rows[static_cast<std::size_t>(item)]; }
+};
+
+/// By type number, which is one of the catalogue's.
+const DeviceType& DeviceTypeOf(int type);
+
+/// A vessel's ports hold a pressure; what stands in it is one content.
+constexpr bool IsVessel(Role role) {
+    return role == Role::Tank || role == Role::Tower || role == Role::Receiver;
+}
+
+constexpr bool IsRoom(Role role) {
+    return role == Role::Room || role == Role::ColdStore;
+}
+
+/// A value as it can be reckoned with, whatever a client wrote: between `low` and `high`, and `fallback` for
+/// what is no number.
+double Within(double value, double low, double high, double fallback);
+
+/// A value above 0 and not above `high`; `fallback` for all others.
+double Positive(double value, double high, double fallback);
+
+}  // namespace standin

@@ -1,0 +1,181 @@
+#include "standin/plant/heat.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "standin/plant/layout.h"
+
+namespace standin {
+
+namespace {
+
+constexpr int MostSteps = 40;
+constexpr int DampedFrom = 20;
+constexpr double LongestStep = 50.0;  // K that a correction goes at most
+
+/// What holds a place that nothing else holds to its temperature: part of what streams bring it, and W/K. So
+/// small that it does not count in any balance.
+constexpr double HoldShare = 1e-9;
+constexpr double Hold = 1e-6;
+
+// How far from its balance a place may stay: part of what is exchanged there and of what streams bring it at
+// a difference of 1 K; and how far rounding alone may bring it.
+constexpr double BalanceShare = 1e-9;
+constexpr double RoundingShare = 1e-12;
+
+double HoldOf(double turnover) {
+    return HoldShare * turnover + Hold;
+}
+
+}  // namespace
+
+/// Fills the lacks at those temperatures. Gives the largest, 1 at the border of what counts as met.
+double HeatSolver::Measure(const HeatTask& task, const std::vector<double>& temperatures) {
+    const std::size_t count = task.places.size();
+    lack_.assign(count, 0.0);
+    turnover_.assign(count, 0.0);
+    traffic_.assign(count, 0.0);
+    for (const Stream& stream : task.streams) {
+        At(lack_, stream.to) += stream.rate * (At(temperatures, stream.from) - At(temperatures, stream.to));
+        At(turnover_, stream.to) += stream.rate;
+    }
+    for (const Exchange& exchange : task.exchanges) {
+        const double heat = HeatOf(exchange, temperatures).watts;
+        At(lack_, exchange.feelFrom) -= heat;
+        At(lack_, exchange.feelTo) += heat;
+        At(traffic_, exchange.feelFrom) += std::abs(heat);
+        At(traffic_, exchange.feelTo) += std::abs(heat);
+    }
+    for (std::size_t place = 0; place < count; ++place) {
+        const double held = task.places[place].capacity / task.seconds + HoldOf(turnover_[place]);
+        lack_[place] -= held * (temperatures[place] - task.places[place].start);
+        if (task.places[place].pinned) lack_[place] = 0.0;
+    }
+    // A circuit's two places stand for its two equations, which it has met.
+    for (const Circuit& circuit : task.circuits) {
+        At(lack_, circuit.evaporating) = At(lack_, circuit.condensing) = 0.0;
+    }
+    double worst = 0.0;
+    for (std::size_t place = 0; place < count; ++place) {
+        const double border = BalanceShare * (turnover_[place] + traffic_[place] + 1e-3);
+        worst = std::max(worst, std::abs(lack_[place]) / border);
+    }
+    return worst;
+}
+
+namespace {
+
+using Entries = std::vector<Eigen::Triplet<double>>;
+
+/// The rows of a circuit: what its temperatures are to follow when others change.
+void CircuitRows(const Circuit& circuit, const HeatTask& task, const std::vector<double>& temperatures,
+                 Entries& entries) {
+    const int energy = circuit.evaporating;  // heat given - heat taken - power = 0
+    const int lift = circuit.condensing;     // taken x share - power = 0, or a temperature that stays
+    const double evaporating = At(temperatures, circuit.evaporating);
+    const double share = PowerShare(evaporating, At(temperatures, circuit.condensing));
+    const double taken = HeatSum(circuit.evaporators, task.exchanges, temperatures);
+    // How the share grows with the condensing and with the evaporating temperature.
+    const double byCondensing = PowerShare(evaporating, evaporating + 1.0);
+    const double byEvaporating = -byCondensing - share / (evaporating + ZeroCelsius);
+    const bool unloads = circuit.drive != Drive::Free;
+    const double takenInEnergy = unloads ? 1.0 + share : 1.0;
+    for (const int number : circuit.evaporators) {
+        const Exchange& exchange = At(task.exchanges, number);
+        const double slope = HeatOf(exchange, temperatures).slope;
+        entries.emplace_back(energy, exchange.senseFrom, -takenInEnergy * slope);
+        entries.emplace_back(energy, circuit.evaporating, takenInEnergy * slope);
+        if (unloads) continue;
+        entries.emplace_back(lift, exchange.senseFrom, share * slope);
+        entries.emplace_back(lift, circuit.evaporating, -share * slope);
+    }
+    for (const int number : circuit.condensers) {
+        const Exchange& exchange = At(task.exchanges, number);
+        const double slope = HeatOf(exchange, temperatures).slope;
+        entries.emplace_back(energy, circuit.condensing, slope);
+        entries.emplace_back(energy, exchange.senseTo, -slope);
+    }
+    if (unloads) {
+        entries.emplace_back(energy, circuit.evaporating, -taken * byEvaporating + Hold);
+        entries.emplace_back(energy, circuit.condensing, -taken * byCondensing);
+        const bool low = circuit.drive == Drive::LowLimit;
+        // The temperature at its limit stays; the energy's row finds the other.
+        entries.emplace_back(lift, low ? circuit.evaporating : circuit.condensing, 1.0);
+    } else {
+        entries.emplace_back(lift, circuit.evaporating, taken * byEvaporating);
+        entries.emplace_back(lift, circuit.condensing, taken * byCondensing + Hold);
+        entries.emplace_back(energy, circuit.evaporating, Hold);
+    }
+}
+
+}  // namespace
+
+/// Makes the factors of how the lacks fall with the temperatures. False where there are none.
+bool HeatSolver::Factor(const HeatTask& task, const std::vector<double>& temperatures) {
+    const auto count = static_cast<int>(task.places.size());
+    std::vector<char> own(task.places.size());  ///< places whose row is no balance
+    for (int place = 0; place < count; ++place) At(own, place) = At(task.places, place).pinned ? 1 : 0;
+    for (const Circuit& circuit : task.circuits) {
+        At(own, circuit.evaporating) = At(own, circuit.condensing) = 2;
+    }
+    Entries entries;
+    const auto add = [&](int row, int column, double value) {
+        if (At(own, row) == 0) entries.emplace_back(row, column, value);
+    };
+    for (int place = 0; place < count; ++place) {
+        const double held = At(task.places, place).capacity / task.seconds + HoldOf(At(turnover_, place));
+        if (At(own, place) == 0) entries.emplace_back(place, place, held + At(turnover_, place));
+        if (At(own, place) == 1) entries.emplace_back(place, place, 1.0);
+    }
+    for (const Stream& stream : task.streams) add(stream.to, stream.from, -stream.rate);
+    for (const Exchange& exchange : task.exchanges) {
+        const double slope = HeatOf(exchange, temperatures).slope;
+        add(exchange.feelFrom, exchange.senseFrom, slope);
+        add(exchange.feelFrom, exchange.senseTo, -slope);
+        add(exchange.feelTo, exchange.senseFrom, -slope);
+        add(exchange.feelTo, exchange.senseTo, slope);
+    }
+    for (const Circuit& circuit : task.circuits) CircuitRows(circuit, task, temperatures, entries);
+    Eigen::SparseMatrix<double> matrix(count, count);
+    matrix.setFromTriplets(entries.begin(), entries.end());
+    matrix.makeCompressed();
+    factors_.compute(matrix);
+    factored_ = factors_.info() == Eigen::Success;
+    return factored_;
+}
+
+bool HeatSolver::Solve(HeatTask& task, std::vector<double>& temperatures) {
+    const std::vector<double> last = temperatures;
+    const auto count = static_cast<Eigen::Index>(task.places.size());
+    if (count == 0) return true;
+    if (factored_ && factors_.rows() != count) factored_ = false;
+    double before = 0.0;
+    bool fresh = false;
+    for (int step = 0; step <= MostSteps; ++step) {
+        for (Circuit& circuit : task.circuits) CircuitBalance(circuit, task.exchanges, temperatures);
+        const double worst = Measure(task, temperatures);
+        if (worst <= (step == 0 ? RoundingShare / BalanceShare : 1.0)) return true;
+        const bool shrinks = step > 0 && worst < 0.1 * before;
+        if (!factored_ || (step > 0 && !shrinks && !(fresh && step < 2))) {
+            if (!Factor(task, temperatures)) break;
+            fresh = true;
+        }
+        before = worst;
+        const Eigen::VectorXd change = factors_.solve(Eigen::Map<const Eigen::VectorXd>(lack_.data(), count));
+        const double longest = change.cwiseAbs().maxCoeff();
+        if (!std::isfinite(longest)) {
+            factored_ = false;
+            break;
+        }
+        double share = longest > LongestStep ? LongestStep / longest : 1.0;
+        if (step >= DampedFrom) share *= 0.5;
+        for (Eigen::Index place = 0; place < count; ++place) {
+            temperatures[static_cast<std::size_t>(place)] += share * change[place];
+        }
+    }
+    temperatures = last;
+    factored_ = false;
+    return false;
+}
+
+}  // namespace standin

@@ -1,0 +1,282 @@
+#include "standin/plant/layout.h"
+
+#include <algorithm>
+#include <numeric>
+#include <unordered_map>
+
+namespace standin {
+
+namespace {
+
+/// A point without a node is told by a module, behind all that have one: by an inlet before an outlet.
+constexpr std::int64_t InletRank = std::int64_t{1} << 32;
+constexpr std::int64_t OutletRank = std::int64_t{1} << 33;
+
+int Index(const std::vector<int>& byNumber, int number) {
+    const bool known = number >= 0 && number < static_cast<int>(byNumber.size());
+    return known ? At(byNumber, number) : -1;
+}
+
+/// The ends of links by key: first the ports of the devices, then the nodes, then the jumps.
+class Ends {
+  public:
+    Ends(const PlantRows& rows, const Layout& layout) : layout_(layout) {
+        int index = 0;
+        for (const Device& device : layout.devices) Number(devices_, device.number, index++);
+        index = 0;
+        for (const int node : layout.nodes) Number(nodes_, node, index++);
+        for (const LinkSxCache& link : rows.links) {
+            if (link.F_Sx == JumpKind) jumps_.try_emplace(link.F_Nb, static_cast<int>(jumps_.size()));
+            if (link.S_Sx == JumpKind) jumps_.try_emplace(link.S_Nb, static_cast<int>(jumps_.size()));
+        }
+    }
+    int Count() const { return FirstJump() + static_cast<int>(jumps_.size()); }
+    int DeviceKey(int device, int port) const { return device * PortsPerElement + port; }
+    int NodeKey(int node) const { return DeviceKey(static_cast<int>(layout_.devices.size()), 0) + node; }
+    int DeviceIndex(int number) const { return Index(devices_, number); }
+    int NodeIndex(int number) const { return Index(nodes_, number); }
+    /// -1 for an end that is nowhere.
+    int Key(int kind, int number, int port) const {
+        if (kind == JumpKind) {
+            const auto found = jumps_.find(number);
+            return found == jumps_.end() ? -1 : FirstJump() + found->second;
+        }
+        if (kind == NodeKind) return NodeIndex(number) < 0 ? -1 : NodeKey(NodeIndex(number));
+        const int device = kind == ModuleKind ? DeviceIndex(number) : -1;
+        if (device < 0 || port < 0) return -1;
+        const auto ports = At(layout_.devices, device).type->ports.size();
+        return port < static_cast<int>(ports) ? DeviceKey(device, port) : -1;
+    }
+
+  private:
+    static void Number(std::vector<int>& byNumber, int number, int index) {
+        byNumber.resize(static_cast<std::size_t>(number) + 1, -1);
+        byNumber.back() = index;
+    }
+    int FirstJump() const { return NodeKey(static_cast<int>(layout_.nodes.size())); }
+
+    const Layout& layout_;
+    std::vector<int> devices_;  ///< index by number
+    std::vector<int> nodes_;
+    std::unordered_map<int, int> jumps_;
+};
+
+void PlaceDevices(const PlantRows& rows, Layout& layout) {
+    for (const PlantRows::ModuleRow& row : rows.modules) {
+        const DeviceType& type = DeviceTypeOf(row.type);
+        layout.devices.push_back({.number = row.number, .type = &type, .firstValue = layout.valueCount});
+        layout.valueCount += static_cast<int>(Catalogue()[static_cast<std::size_t>(row.type)].items.size());
+    }
+    layout.nodes = rows.nodes;
+}
+
+/// The two keys of a link; -1 both where one end is nowhere.
+struct LinkKeys {
+    int first;
+    int second;
+};
+
+LinkKeys KeysOf(const Ends& ends, const LinkSxCache& link) {
+    const LinkKeys keys{ends.Key(link.F_Sx, link.F_Nb, link.F_PortNb),
+                        ends.Key(link.S_Sx, link.S_Nb, link.S_PortNb)};
+    return keys.first < 0 || keys.second < 0 ? LinkKeys{-1, -1} : keys;
+}
+
+/// Makes a point of each set of ends that meet, and tells the ports and nodes theirs.
+void MakePoints(const PlantRows& rows, const Ends& ends, Layout& layout) {
+    Joined met(ends.Count());
+    std::vector<char> linked(static_cast<std::size_t>(ends.Count()));
+    for (const LinkSxCache& link : rows.links) {
+        const auto [first, second] = KeysOf(ends, link);
+        if (first < 0) continue;
+        met.Join(first, second);
+        At(linked, first) = At(linked, second) = 1;
+    }
+    std::vector<int> pointOf(static_cast<std::size_t>(ends.Count()), NoPoint);
+    const auto point = [&](int key, std::int64_t rank) {
+        int& found = At(pointOf, met.Of(key));
+        if (found == NoPoint) {
+            found = static_cast<int>(layout.points.size());
+            layout.points.push_back({.rank = rank});
+        }
+        std::int64_t& lowest = At(layout.points, found).rank;
+        lowest = std::min(lowest, rank);
+        return found;
+    };
+    for (std::size_t device = 0; device < layout.devices.size(); ++device) {
+        Device& each = layout.devices[device];
+        for (std::size_t port = 0; port < each.type->ports.size(); ++port) {
+            const int key = ends.DeviceKey(static_cast<int>(device), static_cast<int>(port));
+            const std::int64_t side = each.type->ports[port].outlet ? OutletRank : InletRank;
+            if (At(linked, key)) each.points[port] = point(key, side + each.number);
+        }
+    }
+    for (std::size_t node = 0; node < layout.nodes.size(); ++node) {
+        layout.nodePoints.push_back(point(ends.NodeKey(static_cast<int>(node)), layout.nodes[node]));
+    }
+}
+
+void MakeAisles(Layout& layout) {
+    for (std::size_t number = 0; number < layout.devices.size(); ++number) {
+        Device& device = layout.devices[number];
+        int aisle = -1;
+        for (const AisleType& type : device.type->aisles) {
+            ++aisle;
+            const auto inletPort = static_cast<std::size_t>(type.inlet);
+            const auto outletPort = static_cast<std::size_t>(type.outlet);
+            const int inlet = device.points[inletPort];
+            const int outlet = device.points[outletPort];
+            if (inlet == NoPoint || outlet == NoPoint) continue;
+            device.aisles[inletPort] = device.aisles[outletPort] = static_cast<int>(layout.aisles.size());
+            layout.aisles.push_back({static_cast<int>(number), aisle, inlet, outlet, -1});
+        }
+    }
+}
+
+/// Nets are what hangs together over aisles and vessels.
+void MakeNets(Layout& layout) {
+    Joined joined(static_cast<int>(layout.points.size()));
+    for (const Aisle& aisle : layout.aisles) joined.Join(aisle.inlet, aisle.outlet);
+    for (const Device& device : layout.devices) {
+        if (IsVessel(device.type->role) && device.points[0] != NoPoint && device.points[1] != NoPoint) {
+            joined.Join(device.points[0], device.points[1]);
+        }
+    }
+    std::vector<int> netOf(layout.points.size(), -1);
+    for (std::size_t number = 0; number < layout.points.size(); ++number) {
+        int& net = At(netOf, joined.Of(static_cast<int>(number)));
+        if (net < 0) {
+            net = static_cast<int>(layout.nets.size());
+            layout.nets.emplace_back();
+        }
+        layout.points[number].net = net;
+        At(layout.nets, net).points.push_back(static_cast<int>(number));
+    }
+    for (std::size_t number = 0; number < layout.aisles.size(); ++number) {
+        Aisle& aisle = layout.aisles[number];
+        aisle.net = At(layout.points, aisle.inlet).net;
+        At(layout.nets, aisle.net).aisles.push_back(static_cast<int>(number));
+    }
+}
+
+/// A duct makes a net one of air, else a copper pipe one of refrigerant, also where only one end is linked.
+void TellFluids(Layout& layout) {
+    for (const Device& device : layout.devices) {
+        for (const int point : device.points) {
+            if (point == NoPoint) continue;
+            Net& net = At(layout.nets, At(layout.points, point).net);
+            if (device.type->role == Role::Duct) net.fluid = Fluid::Air;
+            if (device.type->role == Role::CopperPipe && net.fluid == Fluid::Water) {
+                net.fluid = Fluid::Refrigerant;
+            }
+        }
+    }
+    for (Net& net : layout.nets) {
+        net.circuit = net.fluid == Fluid::Refrigerant &&
+                      std::any_of(net.aisles.begin(), net.aisles.end(), [&](int aisle) {
+                          const int device = At(layout.aisles, aisle).device;
+                          return At(layout.devices, device).type->role == Role::Compressor;
+                      });
+    }
+}
+
+int ContentOf(Layout& layout, Role role, int net) {
+    auto found = std::find_if(layout.contents.begin(), layout.contents.end(), [&](const Content& content) {
+        return content.role == role && content.net == net;
+    });
+    if (found == layout.contents.end()) {
+        layout.contents.push_back({role, net, {}});
+        found = layout.contents.end() - 1;
+    }
+    return static_cast<int>(found - layout.contents.begin());
+}
+
+void MakeContents(Layout& layout) {
+    for (std::size_t number = 0; number < layout.devices.size(); ++number) {
+        Device& device = layout.devices[number];
+        if (!IsVessel(device.type->role)) continue;
+        int content = -1;
+        for (std::size_t port = 0; port < device.type->ports.size(); ++port) {
+            const int point = device.points[port];
+            if (point == NoPoint) continue;
+            const int net = At(layout.points, point).net;
+            if (content < 0) {
+                content = ContentOf(layout, device.type->role, net);
+                At(layout.contents, content).devices.push_back(static_cast<int>(number));
+            }
+            device.mouths[port] = static_cast<int>(layout.mouths.size());
+            At(layout.nets, net).mouths.push_back(device.mouths[port]);
+            layout.mouths.push_back(
+                {static_cast<int>(number), device.type->ports[port].outlet, point, content});
+        }
+    }
+}
+
+void FindNodePorts(const PlantRows& rows, const Ends& ends, Layout& layout) {
+    // Where a jump has two rows, each row's far end is the other row's.
+    std::unordered_map<int, std::vector<const LinkSxCache*>> rowsOfJump;
+    for (const LinkSxCache& link : rows.links) {
+        if (link.F_Sx == JumpKind) rowsOfJump[link.F_Nb].push_back(&link);
+        if (link.S_Sx == JumpKind) rowsOfJump[link.S_Nb].push_back(&link);
+    }
+    const auto add = [&](const LinkSxCache& link, bool upstream) {
+        const int node = ends.NodeIndex(upstream ? link.F_Nb : link.S_Nb);
+        const int port = upstream ? link.F_PortNb : link.S_PortNb;
+        int kind = upstream ? link.S_Sx : link.F_Sx;
+        int number = upstream ? link.S_Nb : link.F_Nb;
+        int farPort = upstream ? link.S_PortNb : link.F_PortNb;
+        if (node < 0 || port < 0 || port >= PortsPerElement) return;
+        if (kind == JumpKind && rowsOfJump[number].size() == 2) {
+            const auto& pair = rowsOfJump[number];
+            const LinkSxCache& other = *(pair[0] == &link ? pair[1] : pair[0]);
+            const bool leads = other.F_Sx == JumpKind && other.F_Nb == number;
+            kind = leads ? other.S_Sx : other.F_Sx;
+            farPort = leads ? other.S_PortNb : other.F_PortNb;
+            number = leads ? other.S_Nb : other.F_Nb;
+        }
+        const bool module = kind == ModuleKind && ends.Key(kind, number, farPort) >= 0;
+        layout.nodePorts.push_back({node, port, module ? ends.DeviceIndex(number) : -1, farPort});
+    };
+    for (const LinkSxCache& link : rows.links) {
+        if (KeysOf(ends, link).first < 0) continue;
+        if (link.F_Sx == NodeKind) add(link, true);
+        if (link.S_Sx == NodeKind) add(link, false);
+    }
+}
+
+}  // namespace
+
+Joined::Joined(int count) : above_(static_cast<std::size_t>(count)) {
+    std::iota(above_.begin(), above_.end(), 0);
+}
+
+int Joined::Of(int member) {
+    while (At(above_, member) != member) {
+        int& above = At(above_, member);
+        above = At(above_, above);
+        member = above;
+    }
+    return member;
+}
+
+void Joined::Join(int one, int other) {
+    At(above_, Of(one)) = Of(other);
+}
+
+Layout LayoutMake(const PlantRows& rows) {
+    Layout layout;
+    PlaceDevices(rows, layout);
+    const Ends ends(rows, layout);
+    for (std::size_t row = 0; row < rows.modules.size(); ++row) {
+        layout.devices[row].room = ends.DeviceIndex(rows.modules[row].room);
+    }
+    MakePoints(rows, ends, layout);
+    MakeAisles(layout);
+    MakeNets(layout);
+    TellFluids(layout);
+    MakeContents(layout);
+    FindNodePorts(rows, ends, layout);
+    return layout;
+}
+
+}  // namespace standin

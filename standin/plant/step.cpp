@@ -1,0 +1,157 @@
+#include "standin/plant/step.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+
+#include "standin/plant/plant.h"
+#include "standin/plant/project_values.h"
+
+namespace standin {
+
+namespace {
+
+/// The port at which a vessel tells what it holds.
+constexpr std::size_t VesselOutlet = 1;
+
+PlantRows RowsOf(const Project& project) {
+    PlantRows rows;
+    for (std::size_t number = 0; number < project.modules.rows.size(); ++number) {
+        const Module& module = project.modules.rows[number];
+        if (module.inUse) rows.modules.push_back({static_cast<int>(number), module.type, module.room});
+    }
+    for (std::size_t number = 0; number < project.nodes.rows.size(); ++number) {
+        if (project.nodes.rows[number].inUse) rows.nodes.push_back(static_cast<int>(number));
+    }
+    std::copy_if(project.links.rows.begin(), project.links.rows.end(), std::back_inserter(rows.links),
+                 [](const LinkSxCache& link) { return link.InUse && link.Type == 0; });
+    return rows;
+}
+
+const Module& ModuleOf(const Project& project, const Device& device) {
+    return At(project.modules.rows, device.number);
+}
+
+double VesselTemperature(const Module& module) {
+    const std::vector<PortValues>& ports = module.layers[RunLayer].ports;
+    return ports.size() > VesselOutlet ? ports[VesselOutlet].temperature : StartTemperature;
+}
+
+PlantInputs InputsOf(const Project& project, const Layout& layout) {
+    PlantInputs inputs;
+    inputs.items.reserve(static_cast<std::size_t>(layout.valueCount));
+    inputs.vessels.resize(layout.devices.size());
+    for (std::size_t number = 0; number < layout.devices.size(); ++number) {
+        const Module& module = ModuleOf(project, layout.devices[number]);
+        const std::vector<double>& items = module.layers[RunLayer].items;
+        inputs.items.insert(inputs.items.end(), items.begin(), items.end());
+        if (IsVessel(layout.devices[number].type->role)) inputs.vessels[number] = VesselTemperature(module);
+    }
+    return inputs;
+}
+
+/// True where nobody has written the value since it was read; a NaN is what was read, too.
+bool Untouched(double value, double read) {
+    return std::memcmp(&value, &read, sizeof value) == 0;
+}
+
+PortValues& PortOf(Element& element, std::size_t port, std::size_t count) {
+    std::vector<PortValues>& ports = element.layers[RunLayer].ports;
+    if (ports.size() < count) ports.resize(count);
+    return ports[port];
+}
+
+void Write(PortValues& values, const PortState& state) {
+    values.pressure = state.pressure;
+    values.temperature = state.temperature;
+    values.flow = state.flow;
+}
+
+void WriteDevices(Project& project, const Layout& layout, const PlantInputs& inputs,
+                  const PlantOutputs& outputs) {
+    for (std::size_t number = 0; number < layout.devices.size(); ++number) {
+        const Device& device = layout.devices[number];
+        Module& module = At(project.modules.rows, device.number);
+        const bool vessel = IsVessel(device.type->role);
+        const double now = vessel ? VesselTemperature(module) : 0.0;
+        const bool written = vessel && !Untouched(now, inputs.vessels[number]);
+        const bool holds = device.mouths[0] >= 0 || device.mouths[VesselOutlet] >= 0;
+        for (std::size_t port = 0; port < device.type->ports.size(); ++port) {
+            const bool tells = holds && port == VesselOutlet;
+            if (device.points[port] == NoPoint && !tells) continue;
+            PortValues& values = PortOf(module, port, device.type->ports.size());
+            Write(values, outputs.ports[number][port]);
+            if (tells && written) values.temperature = now;
+        }
+    }
+    for (const ItemState& item : outputs.items) {
+        const Device& device = At(layout.devices, item.device);
+        double& value = At(At(project.modules.rows, device.number).layers[RunLayer].items, item.row);
+        if (Untouched(value, At(inputs.items, device.firstValue + item.row))) value = item.value;
+    }
+}
+
+void WriteNodes(Project& project, const Layout& layout, const PlantOutputs& outputs) {
+    for (std::size_t number = 0; number < layout.nodes.size(); ++number) {
+        std::vector<double>& items = At(project.nodes.rows, layout.nodes[number]).layers[RunLayer].items;
+        const PortState& state = outputs.nodes[number];
+        items = {state.pressure, state.temperature, state.flow};
+    }
+    for (std::size_t number = 0; number < layout.nodePorts.size(); ++number) {
+        const NodePort& port = layout.nodePorts[number];
+        Node& node = At(project.nodes.rows, At(layout.nodes, port.node));
+        Write(PortOf(node, static_cast<std::size_t>(port.port), PortsPerElement), outputs.nodePorts[number]);
+    }
+}
+
+}  // namespace
+
+PlantKept::PlantKept() = default;
+PlantKept::~PlantKept() = default;
+
+bool PlantStep(int slot, double seconds) {
+    std::unique_lock lock(EngineLock());
+    Project* project = ProjectFind(slot);
+    if (project == nullptr) return false;
+    if (project->plant == nullptr) project->plant = std::make_shared<PlantKept>();
+    const std::shared_ptr<PlantKept> kept = project->plant;
+    lock.unlock();
+    const std::lock_guard stepping(kept->stepping);
+
+    lock.lock();
+    project = ProjectFind(slot);
+    if (project == nullptr || project->plant != kept) return false;
+    const auto changed = [&] {
+        project = ProjectFind(slot);
+        return project == nullptr || project->plant != kept || project->structure != kept->structure ||
+               project->run != kept->run;
+    };
+    if (kept->plant == nullptr || changed()) {
+        kept->structure = project->structure;
+        kept->run = project->run;
+        const PlantRows rows = RowsOf(*project);
+        lock.unlock();
+        kept->plant = std::make_unique<Plant>(rows);
+        lock.lock();
+        if (changed()) return false;
+    }
+    const Layout& layout = kept->plant->GetLayout();
+    const PlantInputs inputs = InputsOf(*project, layout);
+    lock.unlock();
+
+    const PlantOutputs outputs = kept->plant->Step(inputs, seconds);
+
+    lock.lock();
+    if (changed()) return false;
+    WriteDevices(*project, layout, inputs, outputs);
+    WriteNodes(*project, layout, outputs);
+    ProjectValuesWrite(*project, layout, outputs, seconds);
+    const std::string name = project->name;
+    lock.unlock();
+    for (const std::string& fault : outputs.faults) {
+        std::fprintf(stderr, "plant: %s: %s\n", name.c_str(), fault.c_str());
+    }
+    return true;
+}
+
+}  // namespace standin

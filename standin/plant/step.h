@@ -1,0 +1,37 @@
+// One step of a project's plant: reads the project's values, computes without the engine's lock, and writes
+// what came out in one go.
+
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <mutex>
+
+#include "standin/project.h"
+
+namespace standin {
+
+class Plant;
+
+/// Between two steps of a project that runs.
+inline constexpr double StepSeconds = 0.1;
+
+/// What a project keeps for its steps. It goes with the project; a step that is under way ends with its own
+/// copy.
+struct PlantKept {
+    std::mutex stepping;          ///< held through a step
+    std::uint64_t structure = 0;  ///< the project's, which `plant` was made from
+    std::uint64_t run = 0;        ///< the project's, which `plant` was made for
+    std::unique_ptr<Plant> plant;
+    PlantKept();
+    ~PlantKept();
+};
+
+/// Steps the project of a slot on by that many seconds, whatever its flags, and takes the lock by itself.
+/// False, with nothing written, where no project is open or it changed while the step was computed: its
+/// structure, its run, or the slot's project. Only values that a plant gives are written; of those that it
+/// also reads (the temperature of a room, of a vessel) one that a client wrote meanwhile stays as the client
+/// wrote it.
+bool PlantStep(int slot, double seconds);
+
+}  // namespace standin
