@@ -12,6 +12,9 @@ bool FirstHalf(std::string_view line) {
     return line.ends_with(' ') && std::count(line.begin(), line.end(), ' ') == 2;
 }
 
+/// How the exchange begins with which the console fetches the values that it shows.
+constexpr std::string_view ConsolePoll = R"(Get json {"By":"console",)";
+
 }  // namespace
 
 std::string ExchangeLines::Take(std::string_view log) {
@@ -24,7 +27,7 @@ std::string ExchangeLines::Take(std::string_view log) {
         half_.clear();
         if (!more && FirstHalf(line)) {
             half_ = std::move(line);
-        } else {
+        } else if (!line.starts_with(ConsolePoll)) {
             lines.append(mark_).append(vorn::Visible(line)) += '\n';
         }
         if (more) log.remove_prefix(end + 1);

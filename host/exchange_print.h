@@ -14,7 +14,8 @@ class ExchangeLines {
     explicit ExchangeLines(std::string_view mark) : mark_(mark) {}
 
     /// The lines of a fetched text, each with its end. A fetch may fall between the two halves of an
-    /// exchange: a last line that is a first half is held back and put before what is fetched next.
+    /// exchange: a last line that is a first half is held back and put before what is fetched next. What the
+    /// console reads once a second, marked as its own, is left out.
     std::string Take(std::string_view log);
 
   private:

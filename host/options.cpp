@@ -22,6 +22,17 @@ std::optional<int> OptionsRead(int count, const char* const* arguments, Options&
                        SerialPortRead(text, options.serial.emplace(), fault);
                        return fault;
                    });
+    AddValueOption(
+        app, "--console", "ADDRESS:PORT",
+        "show the plants to a browser there; where not told at 127.0.0.1, first free port from 8360",
+        [&options](const std::string& text) {
+            std::string fault;
+            ConsoleAddressRead(text, options.console.emplace(), fault);
+            return fault;
+        })
+        ->expected(0, 1);
+    app.add_flag_callback(
+        "--no-console", [&options] { options.console.reset(); }, "show nothing to browsers");
     app.add_flag("--quiet", options.quiet, "do not print the exchanges with clients");
     app.add_flag("--trace", options.trace, "print each call that crosses to the engine, on standard error");
     return CommandLineRead(app, count, arguments);

@@ -4,12 +4,14 @@
 
 #include <optional>
 
+#include "host/console.h"
 #include "host/serial_line.h"
 
 struct Options {
     bool trace = false;  ///< print the calls that cross to the engine
     bool quiet = false;  ///< do not print the exchanges
     std::optional<SerialPort> serial{};
+    std::optional<ConsoleAddress> console{ConsoleAddress{}};  ///< where the console listens, if it is wanted
 };
 
 /// Reads the command line. Nothing when the program is to run with `options`; otherwise the status to end

@@ -10,6 +10,7 @@
 #include <thread>
 #include <vector>
 
+#include "host/console.h"
 #include "host/end_signals.h"
 #include "host/exchange_print.h"
 #include "host/listening_ports.h"
@@ -70,6 +71,13 @@ int OwnPort(const std::vector<int>& before) {
     return 0;
 }
 
+void StartConsole(const ConsoleAddress& address, int port) {
+    std::string fault;
+    const std::string link = ConsoleStart(address, port, fault);
+    Tell(link.empty() ? "VornServer has no console: " + fault + "\n"
+                      : "VornServer shows its plants at " + link + "\n");
+}
+
 }  // namespace
 
 int main(int count, char** arguments) {
@@ -99,9 +107,11 @@ int main(int count, char** arguments) {
         End(1);
     }
     Tell("VornServer answers on http://127.0.0.1:" + std::to_string(port) + "/api\n");
+    if (options.console) StartConsole(*options.console, port);
 
     ExchangePrinter printer([&options](const std::string& lines) {
         if (!options.quiet) Tell(lines);
+        ConsoleLog(lines);
     });
     do {
         printer.Poll();

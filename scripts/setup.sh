@@ -9,6 +9,9 @@ packages=(g++ cmake ninja-build pkg-config curl python3 socat locales
           libbenchmark-dev python3-jsonschema python3-pytest)
 [ "${1:-}" = --full ] && packages+=(clang-format clang-tidy mypy clang libclang-rt-14-dev libutfcpp-dev)
 [ "${1:-}" = --windows ] && packages+=(g++-mingw-w64-x86-64-posix wine wine64 dpkg-dev zip)
+# The console's page is built with Node, from wherever it came, and tested in a browser.
+command -v npm >/dev/null || packages+=(nodejs npm)
+[ "${1:-}" = --full ] && packages+=(chromium fonts-noto-cjk)
 
 if ! command -v apt-get >/dev/null; then
     say "no apt on this system: make sure that these Debian packages' likes are installed: ${packages[*]}"

@@ -1,0 +1,277 @@
+// Painting the plant on a canvas: only what is in view, and less of it the farther away it is.
+
+import type { Medium } from "./catalogue";
+import type { Box, Layout } from "./layout";
+import type { Element, Plant, Run } from "./plant";
+import { symbolDraw } from "./symbols";
+
+export interface Palette {
+    readonly paper: string;
+    readonly card: string;
+    readonly line: string;
+    readonly ink: string;
+    readonly soft: string;
+    readonly accent: string;
+    readonly bad: string;
+    readonly tint: string;
+    readonly media: Readonly<Record<Medium, string>>;
+}
+
+export interface Look {
+    readonly palette: Palette;
+    readonly selected: string | null;
+    readonly marked: ReadonlySet<string> | null;
+    readonly faulty: string | null;
+    /** The value shown at an element or run; null for none. */
+    readonly valueAt: (key: string) => string | null;
+    /** Flow of a run, where it is known and the plant runs. */
+    readonly flowOf: (run: Run) => number | null;
+    /** Seconds, for what moves. */
+    readonly time: number;
+}
+
+/** The part of the drawing that is in view and its size on the screen. */
+export interface View {
+    readonly scale: number;
+    readonly shapes: readonly Element[];
+    readonly runs: readonly Run[];
+}
+
+const font = (size: number, weight = 500): string => `${weight} ${size}px system-ui, "Noto Sans CJK SC", sans-serif`;
+
+/** Below this scale there are no labels, below the next no signs. */
+export const labelScale = 0.42;
+const signScale = 0.16;
+
+type Canvas = CanvasRenderingContext2D;
+
+function trace(canvas: Canvas, route: readonly number[], radius: number): void {
+    const x = (at: number): number => route[at] ?? 0;
+    canvas.moveTo(x(0), x(1));
+    for (let at = 2; at + 3 < route.length; at += 2) {
+        const before = Math.hypot(x(at) - x(at - 2), x(at + 1) - x(at - 1)) / 2;
+        const after = Math.hypot(x(at + 2) - x(at), x(at + 3) - x(at + 1)) / 2;
+        canvas.arcTo(x(at), x(at + 1), x(at + 2), x(at + 3), Math.min(radius, before, after));
+    }
+    canvas.lineTo(x(route.length - 2), x(route.length - 1));
+}
+
+/** The middle of the longest piece of a line, and its direction. */
+function longest(route: readonly number[]): { x: number; y: number; angle: number; length: number } {
+    let best = { x: route[0] ?? 0, y: route[1] ?? 0, angle: 0, length: 0 };
+    for (let at = 0; at + 3 < route.length; at += 2) {
+        const [ax = 0, ay = 0, bx = 0, by = 0] = route.slice(at, at + 4);
+        const length = Math.hypot(bx - ax, by - ay);
+        if (length > best.length) best = { x: (ax + bx) / 2, y: (ay + by) / 2, angle: Math.atan2(by - ay, bx - ax), length };
+    }
+    return best;
+}
+
+function arrow(canvas: Canvas, at: { x: number; y: number; angle: number }, size: number): void {
+    canvas.save();
+    canvas.translate(at.x, at.y);
+    canvas.rotate(at.angle);
+    canvas.beginPath();
+    canvas.moveTo(size, 0);
+    canvas.lineTo(-size * 0.7, size * 0.75);
+    canvas.lineTo(-size * 0.7, -size * 0.75);
+    canvas.closePath();
+    canvas.fill();
+    canvas.restore();
+}
+
+/** All runs of one colour in one path: fast, whatever their number. */
+function strokeRuns(canvas: Canvas, layout: Layout, runs: readonly Run[], width: number, colour: string): void {
+    canvas.strokeStyle = colour;
+    canvas.lineWidth = width;
+    canvas.beginPath();
+    for (const run of runs) trace(canvas, layout.routes.get(run.key) ?? [], 10);
+    canvas.stroke();
+}
+
+function paintRuns(canvas: Canvas, layout: Layout, view: View, look: Look): void {
+    const { palette, marked } = look;
+    const width = Math.max(3.2, 1.3 / view.scale);
+    const groups = new Map<Medium, Run[]>();
+    for (const run of view.runs) groups.set(run.medium, [...(groups.get(run.medium) ?? [])]);
+    for (const run of view.runs) groups.get(run.medium)?.push(run);
+    canvas.lineCap = "round";
+    for (const [medium, runs] of groups) {
+        canvas.setLineDash(medium === "info" ? [8, 7] : []);
+        canvas.globalAlpha = marked ? 0.22 : 1;
+        strokeRuns(canvas, layout, runs, width, palette.media[medium]);
+        canvas.globalAlpha = 1;
+        if (!marked) continue;
+        strokeRuns(canvas, layout, runs.filter((run) => marked.has(run.key)), width * 1.5, palette.media[medium]);
+    }
+    canvas.setLineDash([]);
+    for (const run of view.runs) {
+        const route = layout.routes.get(run.key) ?? [];
+        const chosen = run.key === look.selected || run.key === look.faulty;
+        if (chosen) {
+            canvas.globalAlpha = 0.35;
+            strokeRuns(canvas, layout, [run], width * 3.4, run.key === look.faulty ? palette.bad : palette.accent);
+            canvas.globalAlpha = 1;
+            strokeRuns(canvas, layout, [run], width, palette.media[run.medium]);
+        }
+        if (view.scale < signScale * 1.6) continue;
+        const flow = look.flowOf(run);
+        if (flow !== null && Math.abs(flow) > 1e-9) {
+            canvas.setLineDash([5, 15]);
+            canvas.lineDashOffset = -look.time * 26 * Math.sign(flow);
+            canvas.globalAlpha = 0.75;
+            strokeRuns(canvas, layout, [run], 1.5, palette.paper);
+            canvas.globalAlpha = 1;
+            canvas.setLineDash([]);
+        }
+        const spot = longest(route);
+        if (spot.length > 26) {
+            canvas.globalAlpha = marked && !marked.has(run.key) ? 0.3 : 1;
+            canvas.fillStyle = palette.media[run.medium];
+            arrow(canvas, spot, 7.5);
+            canvas.globalAlpha = 1;
+        }
+    }
+}
+
+function pill(canvas: Canvas, text: string, x: number, y: number, palette: Palette, colour: string): void {
+    canvas.font = font(12, 600);
+    const width = canvas.measureText(text).width + 12;
+    canvas.fillStyle = palette.card;
+    canvas.strokeStyle = palette.line;
+    canvas.lineWidth = 1;
+    canvas.beginPath();
+    canvas.roundRect(x - width / 2, y - 9, width, 18, 9);
+    canvas.fill();
+    canvas.stroke();
+    canvas.fillStyle = colour;
+    canvas.textAlign = "center";
+    canvas.textBaseline = "middle";
+    canvas.fillText(text, x, y + 0.5);
+}
+
+function fitted(canvas: Canvas, text: string, width: number): string {
+    if (canvas.measureText(text).width <= width) return text;
+    let end = text.length - 1;
+    while (end > 1 && canvas.measureText(`${text.slice(0, end)}…`).width > width) --end;
+    return `${text.slice(0, end)}…`;
+}
+
+function halo(canvas: Canvas, box: Box, colour: string, radius: number): void {
+    canvas.strokeStyle = colour;
+    canvas.globalAlpha = 0.35;
+    canvas.lineWidth = 9;
+    canvas.beginPath();
+    canvas.roundRect(box.x - 4, box.y - 4, box.w + 8, box.h + 8, radius);
+    canvas.stroke();
+    canvas.globalAlpha = 1;
+}
+
+function paintNode(canvas: Canvas, shape: Element, box: Box, view: View, look: Look, colour: string): void {
+    const x = box.x + box.w / 2;
+    const y = box.y + box.h / 2;
+    canvas.fillStyle = look.palette.paper;
+    canvas.strokeStyle = colour;
+    canvas.lineWidth = 3;
+    canvas.beginPath();
+    canvas.arc(x, y, Math.max(box.w / 2 - 1, 1.8 / view.scale), 0, 2 * Math.PI);
+    canvas.fill();
+    canvas.stroke();
+    if (view.scale < labelScale) return;
+    canvas.font = font(11);
+    canvas.textAlign = "center";
+    canvas.textBaseline = "bottom";
+    canvas.fillStyle = look.palette.soft;
+    canvas.fillText(shape.id, x, box.y - 5);
+    const value = look.valueAt(shape.key);
+    if (value !== null) pill(canvas, value, x, box.y + box.h + 13, look.palette, look.palette.ink);
+}
+
+function paintRoom(canvas: Canvas, shape: Element, box: Box, look: Look): void {
+    const { palette } = look;
+    symbolDraw(canvas, shape.type.symbol, box.x + 30, box.y + box.h / 2, 34, false, palette.soft, palette.tint);
+    canvas.textAlign = "left";
+    canvas.textBaseline = "middle";
+    canvas.fillStyle = palette.soft;
+    canvas.font = font(12);
+    canvas.fillText(fitted(canvas, shape.id, 74), box.x + 54, box.y + 20);
+    canvas.fillStyle = palette.ink;
+    canvas.font = font(17, 650);
+    canvas.fillText(look.valueAt(shape.key) ?? "", box.x + 54, box.y + 43);
+}
+
+function paintDevice(
+    canvas: Canvas, shape: Element, box: Box, view: View, look: Look, flip: boolean,
+): void {
+    const { palette } = look;
+    canvas.fillStyle = palette.card;
+    canvas.strokeStyle = shape.key === look.faulty ? palette.bad : palette.line;
+    canvas.lineWidth = shape.key === look.selected || shape.key === look.faulty ? 2.4 : 1.2;
+    if (shape.key === look.selected) canvas.strokeStyle = palette.accent;
+    canvas.beginPath();
+    canvas.roundRect(box.x, box.y, box.w, box.h, 13);
+    canvas.fill();
+    canvas.stroke();
+    if (view.scale < signScale) return;
+    if (shape.type.inside) {
+        paintRoom(canvas, shape, box, look);
+        return;
+    }
+    const x = box.x + box.w / 2;
+    symbolDraw(canvas, shape.type.symbol, x, box.y + box.h / 2, 38, flip, palette.ink, palette.tint);
+    if (view.scale < labelScale) return;
+    canvas.font = font(12);
+    canvas.textAlign = "center";
+    canvas.textBaseline = "top";
+    canvas.fillStyle = palette.ink;
+    canvas.fillText(fitted(canvas, shape.id, 150), x, box.y + box.h + 5);
+    const value = look.valueAt(shape.key);
+    if (value !== null) pill(canvas, value, x, box.y + box.h + 30, palette, palette.ink);
+}
+
+/** True for a device that the flow leaves to the left. */
+export function flipped(plant: Plant, layout: Layout): Set<string> {
+    const balance = new Map<string, number>();
+    const count = (key: string, change: number): void => void balance.set(key, (balance.get(key) ?? 0) + change);
+    for (const run of plant.runs) {
+        const route = layout.routes.get(run.key) ?? [];
+        const [fx = 0] = route;
+        const tx = route[route.length - 2] ?? 0;
+        const from = layout.boxes.get(run.from.key);
+        const to = layout.boxes.get(run.to.key);
+        if (from) count(run.from.key, Math.sign(fx - from.x - from.w / 2));
+        if (to) count(run.to.key, -Math.sign(tx - to.x - to.w / 2));
+    }
+    return new Set([...balance].filter(([, sum]) => sum < 0).map(([key]) => key));
+}
+
+/** Paints what is in view; the canvas is already moved and scaled. */
+export function paint(canvas: Canvas, layout: Layout, view: View, look: Look, flips: ReadonlySet<string>): void {
+    const { palette, marked } = look;
+    paintRuns(canvas, layout, view, look);
+    const nodeColours = new Map<string, string>();
+    for (const run of view.runs) {
+        nodeColours.set(run.from.key, palette.media[run.medium]);
+        nodeColours.set(run.to.key, palette.media[run.medium]);
+    }
+    for (const shape of view.shapes) {
+        const box = layout.boxes.get(shape.key);
+        if (!box) continue;
+        canvas.globalAlpha = 1;
+        if (shape.key === look.faulty) halo(canvas, box, palette.bad, 17);
+        else if (shape.key === look.selected) halo(canvas, box, palette.accent, 17);
+        canvas.globalAlpha = marked && !marked.has(shape.key) ? 0.3 : 1;
+        const colour = nodeColours.get(shape.key) ?? palette.soft;
+        if (shape.node) paintNode(canvas, shape, box, view, look, colour);
+        else paintDevice(canvas, shape, box, view, look, flips.has(shape.key));
+    }
+    canvas.globalAlpha = 1;
+    if (view.scale < labelScale * 1.3) return;
+    for (const run of view.runs) {
+        const value = look.valueAt(run.key);
+        const spot = longest(layout.routes.get(run.key) ?? []);
+        if (value === null || spot.length < 60) continue;
+        const level = Math.abs(Math.cos(spot.angle)) > 0.5;
+        pill(canvas, value, spot.x + (level ? 0 : 0), spot.y + (level ? -15 : 18), palette, palette.media[run.medium]);
+    }
+}

@@ -1,0 +1,240 @@
+// Opening, loading and driving projects.
+
+import { ask, askQuietly, Gone, RawJson, waiting } from "./api";
+import { givenLayout, tidyLayout } from "./layout";
+import { plantOf } from "./plant";
+import { runState, runStateForget, runStateSet } from "./runstate";
+import {
+    current, known, layingOut, layout, layoutKind, marked, plant, selected, tell, unknownNames, values, verdict,
+} from "./state";
+import { t } from "./text";
+import { elementNumbers, type Report, reportRead } from "./topology";
+import { verdictRead } from "./verdict";
+
+const storeKey = "projects";
+
+function rememberedNames(): string[] {
+    try {
+        const names: unknown = JSON.parse(localStorage.getItem(storeKey) ?? "[]");
+        return Array.isArray(names) ? names.filter((name) => typeof name === "string") : [];
+    } catch {
+        return [];
+    }
+}
+
+function remember(): void {
+    localStorage.setItem(storeKey, JSON.stringify(known.value.map(({ name }) => name)));
+}
+
+/** Asks whether each of the names is open and lists it; one that is not open is listed when it was before. */
+export async function meet(names: Iterable<string>): Promise<void> {
+    for (const name of new Set(names)) {
+        const open = (await askQuietly("Fdp", name)) === "1";
+        const others = known.value.filter((project) => project.name !== name);
+        if (!open && others.length === known.value.length) continue;
+        known.value = [...others, { name, open }].sort((one, other) => one.name.localeCompare(other.name));
+    }
+    remember();
+}
+
+/** The projects that this browser remembers, and the one that the address names. */
+export async function meetRemembered(): Promise<void> {
+    known.value = rememberedNames().map((name) => ({ name, open: false }));
+    await meet([...rememberedNames(), ...addressed()]);
+}
+
+function addressed(): string[] {
+    const name = decodeURIComponent(location.hash.slice(1)).toUpperCase();
+    return /^[A-Z0-9]{1,64}$/.test(name) ? [name] : [];
+}
+
+/** The project to begin with: the address's, else one that is open. */
+export function firstProject(): string | null {
+    const wanted = addressed()[0];
+    const open = known.value.filter((project) => project.open).map(({ name }) => name);
+    return open.find((name) => name === wanted) ?? open[0] ?? null;
+}
+
+export function forget(name: string): void {
+    known.value = known.value.filter((project) => project.name !== name);
+    remember();
+    if (current.value === name) leave();
+}
+
+function leave(): void {
+    current.value = null;
+    plant.value = null;
+    layout.value = null;
+    verdict.value = null;
+    select(null);
+}
+
+export function select(key: string | null): void {
+    selected.value = key;
+    if (key === null) marked.value = null;
+}
+
+/** Runs a command of a person's and tells what went wrong; gives the reply, null where there was none. */
+export async function command(word: string, name: string, messages: unknown = ""): Promise<string | null> {
+    try {
+        return await ask(word, name, messages);
+    } catch (fault) {
+        if (!(fault instanceof Gone)) throw fault;
+        tell(`${word}: ${t("gone")}`, "bad");
+        return null;
+    }
+}
+
+/** As `command`, for one that replies "OK"; any other reply is told. */
+export async function order(word: string, name: string, messages: unknown = ""): Promise<boolean> {
+    const reply = await command(word, name, messages);
+    if (reply !== null && reply !== "OK") tell(`${t("refused")}: ${reply.trim() || word}`, "bad");
+    return reply === "OK";
+}
+
+export async function openProject(text: string): Promise<void> {
+    const name = text.trim().toUpperCase();
+    const reply = await command("Open", name);
+    if (reply === null) return;
+    if (reply !== "OK" && reply !== "项目已打开") {
+        tell(`${t("refused")}: ${reply}`, "bad");
+        return;
+    }
+    known.value = [...known.value.filter((each) => each.name !== name), { name, open: true }];
+    await meet([name]);
+    await show(name);
+}
+
+export async function closeProject(name: string): Promise<void> {
+    if (!(await order("PjtClose", name))) return;
+    known.value = known.value.map((each) => (each.name === name ? { name, open: false } : each));
+    if (current.value === name) leave();
+}
+
+/** Shows a project that is open. */
+export async function show(name: string): Promise<void> {
+    leave();
+    current.value = name;
+    runStateForget();
+    unknownNames.clear();
+    values.clear();
+    history.replaceState(null, "", `#${name}`);
+    await load();
+}
+
+/** An element's number, out of the names of its variables; null where the engine tells none. */
+async function askNumber(project: string, id: string, prefix: string): Promise<number | null> {
+    const text = await askQuietly("VarInfoGet", `${project}_${id}`);
+    const found = new RegExp(`"${project}_${prefix}(\\d+)_`).exec(text);
+    return found ? Number(found[1]) : null;
+}
+
+let loads = 0;
+
+/** Reads the project anew: the verdict, then the topology of that very analysis. */
+export async function load(): Promise<void> {
+    const name = current.value;
+    if (name === null) return;
+    const turn = ++loads;
+    try {
+        const judged = verdictRead(await ask("NetAccess", name));
+        const text = await ask("PjtInfoChk", name);
+        const report = reportRead(text);
+        if (turn !== loads || current.value !== name) return;
+        if (!report) {
+            tell(`${t("refused")}: ${text.slice(0, 200)}`, "bad");
+            await meet([name]);
+            return;
+        }
+        const modules = await numbersOf(report.DeviceInfo, "MOD", name);
+        const nodes = await numbersOf(report.NodeInfo, "NOD", name);
+        if (turn !== loads) return;
+        const next = plantOf(name, text, report, modules, nodes);
+        if (selected.value !== null && !next.elements.has(selected.value)) select(null);
+        verdict.value = next.elements.size > 0 ? judged : null;
+        await arrange(next);
+    } catch (fault) {
+        if (!(fault instanceof Gone)) throw fault;
+    }
+}
+
+function numbersOf(list: Report["DeviceInfo"], prefix: string, project: string): Promise<number[]> {
+    return elementNumbers(list.map(({ InstanceID }) => InstanceID), prefix, (id) => askNumber(project, id, prefix));
+}
+
+/** Above so many shapes a plant is first drawn as the document has it: the tidy layout takes its time. */
+const tidyAtOnce = 500;
+/** Milliseconds before the document's positions stand in for a tidy layout. */
+const patience = 900;
+
+async function arrange(next: NonNullable<typeof plant.value>): Promise<void> {
+    const turn = loads;
+    const large = next.shapes.length > tidyAtOnce;
+    if (plant.value?.name !== next.name) layoutKind.value = large ? "given" : "tidy";
+    if (layoutKind.value === "given") {
+        layout.value = givenLayout(next);
+        plant.value = next;
+        return;
+    }
+    layingOut.value = true;
+    const given = (): void => {
+        if (current.value !== next.name || plant.value === next) return;
+        layout.value = givenLayout(next);
+        plant.value = next;
+    };
+    // A layout that takes long is not waited for.
+    const timer = setTimeout(given, patience);
+    try {
+        const tidy = await tidyLayout(next, 1.7);
+        if (current.value !== next.name || turn !== loads) return;
+        layout.value = tidy;
+        plant.value = next;
+    } finally {
+        clearTimeout(timer);
+        layingOut.value = false;
+    }
+}
+
+export async function layoutSet(kind: typeof layoutKind.value): Promise<void> {
+    layoutKind.value = kind;
+    if (plant.value) await arrange(plant.value);
+}
+
+/** Sends a document's text as it stands. */
+export async function sendDocument(name: string, text: string): Promise<void> {
+    try {
+        const root: unknown = JSON.parse(text);
+        if (typeof root !== "object" || root === null || Array.isArray(root)) throw new SyntaxError();
+    } catch {
+        tell(t("noJson"), "bad");
+        return;
+    }
+    if (!(await order("PjtSent", name, new RawJson(text)))) return;
+    tell(t("sent"), "good");
+    if (current.value === name) await load();
+}
+
+export async function run(): Promise<void> {
+    const name = current.value;
+    if (name !== null && (await order("PjtRun", name))) runStateSet("running");
+}
+
+export async function pauseOrResume(): Promise<void> {
+    const name = current.value;
+    if (name === null || !(await order("PjtPause", name))) return;
+    runStateSet(runState.value === "paused" ? "running" : "paused");
+}
+
+export async function step(): Promise<void> {
+    if (current.value !== null) await order("PjtStep", current.value);
+}
+
+export async function stop(): Promise<void> {
+    const name = current.value;
+    if (name !== null && (await order("PjtStop", name))) runStateSet("stopped");
+}
+
+/** True while a command of that word is under way. */
+export function underWay(word: string): boolean {
+    return waiting.value.some(({ command: each }) => each === word);
+}
