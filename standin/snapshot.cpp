@@ -62,17 +62,38 @@ JumpOutlets OutletsOf(const ProjectCheckCache& check) {
     return outlets;
 }
 
+/// Where the jumps lead: by jump number, the last jump of a line of jumps of which each leads to the next
+/// alone.
+using LineEnds = std::unordered_map<std::int32_t, std::int32_t>;
+
+std::int32_t LineEnd(const JumpOutlets& outlets, LineEnds& ends, std::int32_t jump) {
+    std::vector<std::int32_t> line;
+    // A ring ends where it is met again.
+    while (ends.try_emplace(jump, jump).second) {
+        line.push_back(jump);
+        const auto found = outlets.find(jump);
+        if (found == outlets.end() || found->second.size() != 1) break;
+        if (found->second[0]->S_Sx != JumpKind) break;
+        jump = found->second[0]->S_Nb;
+    }
+    const std::int32_t end = ends[jump];
+    for (const std::int32_t each : line) ends[each] = end;
+    return end;
+}
+
 /// The rows that lead from a jump, and from the jumps joined to it, to modules and nodes.
-std::vector<const LinkSxCache*> WaysOut(const JumpOutlets& outlets, std::int32_t jump) {
+std::vector<const LinkSxCache*> WaysOut(const JumpOutlets& outlets, LineEnds& ends, std::int32_t jump) {
     std::vector<const LinkSxCache*> ways;
-    std::vector<std::int32_t> jumps{jump};
-    std::unordered_set<std::int32_t> seen{jump};
+    std::vector<std::int32_t> jumps{LineEnd(outlets, ends, jump)};
+    std::unordered_set<std::int32_t> seen{jumps[0]};
     for (std::size_t next = 0; next < jumps.size(); ++next) {
         const auto found = outlets.find(jumps[next]);
         if (found == outlets.end()) continue;
         for (const LinkSxCache* link : found->second) {
             if (IsPlace(link->S_Sx)) ways.push_back(link);
-            if (link->S_Sx == JumpKind && seen.insert(link->S_Nb).second) jumps.push_back(link->S_Nb);
+            if (link->S_Sx != JumpKind) continue;
+            const std::int32_t onward = LineEnd(outlets, ends, link->S_Nb);
+            if (seen.insert(onward).second) jumps.push_back(onward);
         }
     }
     return ways;
@@ -81,12 +102,13 @@ std::vector<const LinkSxCache*> WaysOut(const JumpOutlets& outlets, std::int32_t
 /// Joins each row into a jump with each way out of it, as far as there is room.
 void MakePageLinks(ProjectCheckCache& check) {
     const JumpOutlets outlets = OutletsOf(check);
+    LineEnds ends;
     std::unordered_map<std::int32_t, std::vector<const LinkSxCache*>> waysOut;
     for (std::int32_t row = 0; row < check.LinkNb; ++row) {
         const LinkSxCache& into = check.LinkSx[row];
         if (!into.InUse || !IsPlace(into.F_Sx) || into.S_Sx != JumpKind) continue;
         const auto [ways, isNew] = waysOut.try_emplace(into.S_Nb);
-        if (isNew) ways->second = WaysOut(outlets, into.S_Nb);
+        if (isNew) ways->second = WaysOut(outlets, ends, into.S_Nb);
         for (const LinkSxCache* out : ways->second) {
             if (check.PageLinkNb == PageLinkCapacity) return;
             LinkSxCache& page = check.PageLinkSx[check.PageLinkNb++];

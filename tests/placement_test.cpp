@@ -243,4 +243,18 @@ TEST_F(LinkTest, DeletesTheLinksOfADeletedElementAndReusesItsNumber) {
     EXPECT_EQ(Link("NOD0 0 > MOD0 0"), "LNK0");
 }
 
+TEST_F(LinkTest, TakesADeletedRoomFromThoseThatStandInIt) {
+    for (int room = 4; room < 6; ++room)
+        EXPECT_EQ(Send("AddModule", "P", Room), "MOD" + std::to_string(room));
+    Pipe_RoomLinkAnalysis(0, 0, 4);
+    Pipe_RoomLinkAnalysis(0, 1, 5);
+    Pipe_FengKouLinkAnaysis(0, 2, 4);
+    Send("DeleteMNL", "P_MOD4");
+    EXPECT_EQ(Send("AddModule", "P", Room), "MOD4");
+    const int rooms[] = {-1, 5, -1, -1};
+    for (int module = 0; module < 4; ++module) {
+        EXPECT_EQ(standin::ProjectFind(0)->modules.Find(module)->room, rooms[module]) << module;
+    }
+}
+
 }  // namespace

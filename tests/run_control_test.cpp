@@ -186,6 +186,26 @@ TEST_F(RunControlThreadsTest, StepWhatRunsAndWhatIsAsked) {
     EXPECT_TRUE(StepsReach(6));
 }
 
+TEST_F(RunControlThreadsTest, StepTenTimesASecondAndNeverFaster) {
+    using Milliseconds = std::chrono::duration<double, std::milli>;
+    standin::SimulationKeepOff(false);
+    const auto start = std::chrono::steady_clock::now();
+    const auto passed = [start] { return Milliseconds(std::chrono::steady_clock::now() - start).count(); };
+    Send("PjtRun", "P1");
+    // However busy the machine, some two steps follow each other without a rest.
+    bool met = false;
+    double lastStep = 0.0;
+    for (int seen = 0; (seen < 12 || !met) && passed() < 60'000;) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        const int steps = Steps();
+        ASSERT_LE(steps * 100, passed() + 100);  // the first may follow a step of another run
+        met = met || (seen > 0 && steps == seen + 1 && passed() - lastStep < 150);
+        if (steps != seen) lastStep = passed();
+        seen = steps;
+    }
+    EXPECT_TRUE(met);
+}
+
 TEST_F(RunControlThreadsTest, OfClientsAndOfTheSimulationDoNotDisturbEachOther) {
     standin::SimulationKeepOff(false);
     constexpr int Rounds = 6000;
