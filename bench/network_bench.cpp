@@ -1,124 +1,120 @@
-// How the analysis of a project and its report grow with the project, and with the order of its link rows.
-//
-// The full project has every module and node, half of the aisles in chains of about 250 modules and half in
-// chains of one, each between two ports of one net, and information links up to the last row. No chain is
-// longer than the passes allow in reverse.
+// What the analysis of a project and its report cost: against a bare union-find over the same rows, and full
+// against a tenth. Each benchmark takes both in turn and prints the ratio of the best times as `ratio`.
 
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
-#include <random>
+#include <ctime>
+#include <limits>
+#include <memory>
+#include <numeric>
 #include <vector>
 
+#include "bench/plant_rows.h"
 #include "engine/vorn_core.h"
 #include "include/vorn_server.h"
+#include "network/net_access.h"
 
 namespace {
 
-constexpr int TankType = 14;
-constexpr int ExchangerType = 13;
-constexpr int LongChain = 250;
-constexpr int NodeOutlets = 8;
-constexpr int Full = 10;  // tenths
+using namespace bench;
 
-enum Order { FlowOrder, Reversed, Shuffled };
+/// The shortest of several runs, in microseconds of processor time: other programs take no part in it. The
+/// clock counts microseconds, so that short runs are taken many at a time.
+struct Best {
+    int runs = 1;
+    double time = std::numeric_limits<double>::max();
 
-/// A project under construction, in tables of these sizes. Its node ports are given out one after the other.
-struct Plant {
-    int modules;
-    int nodes;
-    int capacity;
-    std::vector<LinkSxCache> rows{};
-    int outlets = 0;
-    int inlets = 0;
+    template <typename Run>
+    void Take(Run run) {
+        const std::clock_t start = std::clock();
+        for (int left = runs; left > 0; --left) run();
+        const auto spent = static_cast<double>(std::clock() - start);
+        time = std::min(time, spent / CLOCKS_PER_SEC * 1e6 / runs);
+    }
 };
 
-LinkSxCache From(int kind, int number, int port, bool flag) {
-    return {.InUse = true, .F_Sx = kind, .F_Nb = number, .F_PortNb = port, .F_Type2 = flag};
-}
-
-LinkSxCache To(LinkSxCache row, int kind, int number, int port, bool flag) {
-    row.S_Sx = kind;
-    row.S_Nb = number;
-    row.S_PortNb = port;
-    row.S_Type2 = flag;
-    return row;
-}
-
-LinkSxCache FromNode(Plant& plant) {
-    const int outlet = plant.outlets++;
-    return From(2, outlet % plant.nodes, 8 + outlet / plant.nodes % NodeOutlets, false);
-}
-
-/// The first inlet is the tank's; from there on each chain leads to the node behind its own, so that all make
-/// one net.
-LinkSxCache ToNode(Plant& plant, const LinkSxCache& row) {
-    const int inlet = plant.inlets++;
-    return To(row, 2, inlet % plant.nodes, inlet / plant.nodes % NodeOutlets, false);
-}
-
-void AddChain(Plant& plant, int& aisle, int length, LinkSxCache row) {
-    for (int left = length; left > 0; --left, ++aisle) {
-        const int module = 1 + aisle / 2;
-        const int inlet = aisle % 2 * 2;
-        plant.rows.push_back(To(row, 1, module, inlet, true));
-        row = From(1, module, inlet + 1, true);
+int Root(std::vector<int>& parents, int element) {
+    while (parents[element] != element) {
+        parents[element] = parents[parents[element]];
+        element = parents[element];
     }
-    plant.rows.push_back(ToNode(plant, row));
+    return element;
 }
 
-/// The project of `tenths` tenths of the capacities, in slot 0: module 0 is the tank that holds the pressure,
-/// all others are exchangers.
-void Build(int tenths, Order order) {
-    ProjectInfoRemove("BENCH");
-    ProjectJsonAdd("BENCH");
-    Plant plant{ModuleCapacity * tenths / Full, NodeCapacity * tenths / Full, LinkCapacity * tenths / Full};
-    for (int module = 0; module < plant.modules; ++module) {
-        ProjectAddModule("BENCH", module, module == 0 ? TankType : ExchangerType, 0, module, 0);
+/// Joins what the rows link and counts what is not joined.
+int UnionFind(const ProjectCheckCache& check) {
+    std::vector<int> parents(check.ModuleNb + check.NodeNb);
+    std::iota(parents.begin(), parents.end(), 0);
+    int sets = check.ModuleNb + check.NodeNb;
+    const auto element = [&check](int kind, int number) {
+        return kind == ModuleKind ? number : check.ModuleNb + number;
+    };
+    for (int row = 0; row < check.LinkNb; ++row) {
+        const LinkSxCache& link = check.LinkSx[row];
+        const int upstream = Root(parents, element(link.F_Sx, link.F_Nb));
+        const int downstream = Root(parents, element(link.S_Sx, link.S_Nb));
+        if (upstream == downstream) continue;
+        parents[upstream] = downstream;
+        --sets;
     }
-    for (int node = 0; node < plant.nodes; ++node) ProjectAddNode("BENCH", node, 0, 0, node, 0);
-
-    const int aisles = 2 * (plant.modules - 1);
-    int aisle = 0;
-    AddChain(plant, aisle, 1, From(1, 0, 1, false));
-    while (aisle < aisles) {
-        const int length = aisle < aisles / 2 ? LongChain : 1;
-        AddChain(plant, aisle, std::min(length, aisles - aisle), FromNode(plant));
-    }
-    while (static_cast<int>(plant.rows.size()) < plant.capacity) {
-        LinkSxCache row = ToNode(plant, FromNode(plant));
-        row.Type = 1;
-        plant.rows.push_back(row);
-    }
-    if (order == Reversed) std::reverse(plant.rows.begin(), plant.rows.end());
-    if (order == Shuffled) std::shuffle(plant.rows.begin(), plant.rows.end(), std::mt19937(1));
-    for (int row = 0; row < plant.capacity; ++row) {
-        ProjectAddLink("BENCH", row, plant.rows[static_cast<std::size_t>(row)]);
-    }
+    return sets;
 }
 
-void Analysis(benchmark::State& state) {
-    Build(static_cast<int>(state.range(0)), static_cast<Order>(state.range(1)));
+/// `ratio` is that of the analysis of a loaded snapshot, `with_snapshot` that of `Net_Access`, for which the
+/// engine copies the project's tables first.
+void AgainstUnionFind(benchmark::State& state) {
+    PlantBuild("BENCH", PipeChains(static_cast<int>(state.range(0))), static_cast<Order>(state.range(1)));
+    const auto analysis = std::make_unique<vorn::Analysis>();
+    vorn::SnapshotLoad(*analysis, 0);
+    const int runs = 1 + 100000 / static_cast<int>(state.range(0));
+    Best whole{runs};
+    Best snapshot{runs};
+    Best unionFind{runs};
     while (state.KeepRunning()) {
-        if (!Net_Access(0)) state.SkipWithError("the network is not complete");
+        bool complete = false;
+        whole.Take([&complete] { complete = Net_Access(0); });
+        snapshot.Take([&] { complete = vorn::SnapshotAnalyse(*analysis, 0) && complete; });
+        unionFind.Take([&] { complete = UnionFind(analysis->ProjectCheck) == 1 && complete; });
+        if (!complete) state.SkipWithError("the network is not complete");
     }
+    state.counters["union_find_us"] = unionFind.time;
+    state.counters["ratio"] = snapshot.time / unionFind.time;
+    state.counters["with_snapshot"] = whole.time / unionFind.time;
+}
+
+BENCHMARK(AgainstUnionFind)
+    ->ArgNames({"links", "order"})
+    ->ArgsProduct({{50, 500, 5858, 15000, 48600}, {FlowOrder, Reversed, Shuffled}});
+
+/// `ratio` is what ten times the plant costs.
+template <typename Run>
+void Growth(benchmark::State& state, Run run) {
+    PlantBuild("BENCH", PartOfFull(10), static_cast<Order>(state.range(0)));
+    PlantBuild("TENTH", PartOfFull(1), static_cast<Order>(state.range(0)));
+    Best full;
+    Best tenth;
+    bool complete = true;
+    while (state.KeepRunning()) {
+        full.Take([&] { complete = run(0) && complete; });
+        tenth.Take([&] { complete = run(1) && complete; });
+    }
+    if (!complete) state.SkipWithError("the network is not complete");
+    state.counters["full_us"] = full.time;
+    state.counters["ratio"] = full.time / tenth.time;
+}
+
+void GrowthOfAnalysis(benchmark::State& state) {
+    Growth(state, Net_Access);
 }
 
 /// A report with the analysis before it, which each report uses up.
-void AnalysisAndReport(benchmark::State& state) {
-    Build(static_cast<int>(state.range(0)), static_cast<Order>(state.range(1)));
-    std::size_t bytes = 0;
-    while (state.KeepRunning()) bytes = std::char_traits<char>::length(Net_InfoToAI(0));
-    state.counters["bytes"] = static_cast<double>(bytes);
+void GrowthOfReport(benchmark::State& state) {
+    Growth(state, [](int slot) { return Net_InfoToAI(slot) != nullptr; });
 }
 
-void Sizes(benchmark::internal::Benchmark* benchmark) {
-    benchmark->ArgNames({"tenths", "order"})->Unit(benchmark::kMillisecond);
-    for (int order : {FlowOrder, Reversed, Shuffled}) benchmark->Args({1, order})->Args({Full, order});
-}
-
-BENCHMARK(Analysis)->Apply(Sizes);
-BENCHMARK(AnalysisAndReport)->Apply(Sizes);
+BENCHMARK(GrowthOfAnalysis)->ArgName("order")->DenseRange(FlowOrder, Shuffled);
+BENCHMARK(GrowthOfReport)->ArgName("order")->DenseRange(FlowOrder, Shuffled)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 

@@ -55,13 +55,8 @@ struct Walk {
 /// came to the outlet before wait for that very row. `NoPlace` leaves the branches open for good.
 std::int32_t PlaceAwait(Walk& walk, const BranchElement& tail, std::int32_t from) {
     const int port = ModuleAisleSx(walk.project, tail.Module, tail.Aisle, AisleSelector).OutPortNb;
-    std::int32_t place = OutletRowFind(walk.outlets, tail.Module, port, from);
-    if (place != NoPlace) {
-        PlaceJoin(walk.visits, place);
-    } else {
-        place = OutletRowFind(walk.outlets, tail.Module, port, FirstPlace);
-        if (place != NoPlace) PlaceJoin(walk.nextVisits, place);
-    }
+    const std::int32_t place = OutletRowFind(walk.outlets, tail.Module, port, from);
+    if (place != NoPlace) PlaceJoin(place < from ? walk.nextVisits : walk.visits, place);
     return place;
 }
 

@@ -36,7 +36,7 @@ void RowsSort(Analysis& analysis, int project, OutletRows& outlets, std::vector<
                                             .Front_Nb = link.F_Nb,
                                             .FrontPort = link.F_PortNb});
         } else if (!untraced) {
-            OutletRowAdd(outlets, link);
+            outlets.rows.push_back({.link = &link});
         }
     });
 }
@@ -80,8 +80,11 @@ bool AllConsumed(Analysis& analysis, const OutletRows& outlets) {
 bool BranchesTrace(Analysis& analysis, int project) {
     analysis.BranchTable.clear();
     analysis.BranchElements.clear();
-    OutletRows outlets{.moduleCount = analysis.ProjectCheck.ModuleNb};
+    const ProjectCheckCache& check = analysis.ProjectCheck;
+    OutletRows outlets{.moduleCount = check.ModuleNb};
     std::vector<BranchStep> steps;
+    outlets.rows.reserve(check.LinkNb + check.PageLinkNb);
+    steps.reserve(check.LinkNb + check.PageLinkNb);
     RowsSort(analysis, project, outlets, steps);
     BranchesWalk(analysis.BranchTable, project, outlets, steps);
     ElementsLayOut(analysis, steps);

@@ -8,7 +8,6 @@ namespace vorn {
 
 namespace {
 
-constexpr int NoPart = -1;
 constexpr int PortShift = 32;
 
 /// Orders the rows of one module by port, and those of one port by place.
@@ -45,46 +44,53 @@ void PartSort(OutletRows& outlets, std::int32_t begin, std::int32_t end) {
     }
 }
 
-}  // namespace
-
-void OutletRowAdd(OutletRows& outlets, const LinkSxCache& link) {
-    if (IsFromThroughPort(link) && PartFind(outlets, link.F_Nb) == NoPart) {
-        outlets.others.emplace(link.F_Nb, outlets.moduleCount + static_cast<int>(outlets.others.size()));
-    }
-    outlets.rows.push_back({.link = &link});
+/// The first place from `place` on, of the same outlet, whose row is not consumed; shortens the next way.
+std::int32_t LeftFrom(OutletRows& outlets, std::int32_t place) {
+    std::int32_t left = place;
+    while (left != NoPlace && outlets.rows[left].consumed) left = outlets.rows[left].later;
+    while (place != left) place = std::exchange(outlets.rows[place].later, left);
+    return left;
 }
 
+}  // namespace
+
 void OutletRowsIndex(OutletRows& outlets) {
-    const int parts = outlets.moduleCount + static_cast<int>(outlets.others.size());
     // Counted two parts ahead, so that a part's entry is the next one's begin once it has its keys.
-    outlets.begins.assign(static_cast<std::size_t>(parts) + 2, 0);
-    for (const OutletRow& row : outlets.rows) {
-        if (IsFromThroughPort(*row.link)) ++outlets.begins[PartFind(outlets, row.link->F_Nb) + 2];
+    std::vector<std::int32_t>& begins = outlets.begins;
+    begins.assign(static_cast<std::size_t>(outlets.moduleCount) + 2, 0);
+    for (OutletRow& row : outlets.rows) {
+        if (!IsFromThroughPort(*row.link)) continue;
+        row.part = PartFind(outlets, row.link->F_Nb);
+        if (row.part == NoPart) {
+            row.part = static_cast<std::int32_t>(begins.size()) - 2;
+            outlets.others.emplace(row.link->F_Nb, row.part);
+            begins.push_back(0);
+        }
+        ++begins[row.part + 2];
     }
-    std::partial_sum(outlets.begins.begin(), outlets.begins.end(), outlets.begins.begin());
-    outlets.keys.resize(outlets.begins.back());
+    std::partial_sum(begins.begin(), begins.end(), begins.begin());
+    outlets.keys.resize(begins.back());
     for (std::int32_t place = 0; place < static_cast<std::int32_t>(outlets.rows.size()); ++place) {
-        const LinkSxCache& link = *outlets.rows[place].link;
-        if (!IsFromThroughPort(link)) continue;
-        outlets.keys[outlets.begins[PartFind(outlets, link.F_Nb) + 1]++] = KeyOf(link.F_PortNb, place);
+        const OutletRow& row = outlets.rows[place];
+        if (row.part != NoPart) outlets.keys[begins[row.part + 1]++] = KeyOf(row.link->F_PortNb, place);
     }
-    for (int part = 0; part < parts; ++part)
-        PartSort(outlets, outlets.begins[part], outlets.begins[part + 1]);
+    for (std::size_t part = 0; part + 2 < begins.size(); ++part)
+        PartSort(outlets, begins[part], begins[part + 1]);
 }
 
 std::int32_t OutletRowFind(OutletRows& outlets, int module, int port, std::int32_t from) {
     const int part = PartFind(outlets, module);
     if (part == NoPart) return NoPlace;
-    const std::uint64_t wanted = KeyOf(port, from);
     const auto end = outlets.keys.begin() + outlets.begins[part + 1];
-    const auto key = std::lower_bound(outlets.keys.begin() + outlets.begins[part], end, wanted);
-    if (key == end || !SamePort(*key, wanted)) return NoPlace;
+    const auto first = std::lower_bound(outlets.keys.begin() + outlets.begins[part], end, KeyOf(port, 0));
+    if (first == end || !SamePort(*first, KeyOf(port, 0))) return NoPlace;
+    const std::int32_t place = LeftFrom(outlets, PlaceOf(*first));
+    if (place == NoPlace || place >= from) return place;
 
-    std::int32_t place = PlaceOf(*key);
-    std::int32_t found = place;
-    while (found != NoPlace && outlets.rows[found].consumed) found = outlets.rows[found].later;
-    while (place != found) place = std::exchange(outlets.rows[place].later, found);  // shortens the next way
-    return found;
+    const auto next = std::lower_bound(first, end, KeyOf(port, from));
+    if (next == end || !SamePort(*next, *first)) return place;
+    const std::int32_t sooner = LeftFrom(outlets, PlaceOf(*next));
+    return sooner == NoPlace ? place : sooner;
 }
 
 }  // namespace vorn

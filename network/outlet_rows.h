@@ -14,11 +14,13 @@ namespace vorn {
 
 inline constexpr std::int32_t NoPlace = -1;
 inline constexpr std::int32_t NoBranch = -1;
+inline constexpr std::int32_t NoPart = -1;
 
 struct OutletRow {
     const LinkSxCache* link;
     std::int32_t later = NoPlace;     ///< a row behind it of the same outlet; all between them are consumed
     std::int32_t waiting = NoBranch;  ///< the branch that came last to wait for this row
+    std::int32_t part = NoPart;       ///< where its key is; no key where it comes from no through port
     bool consumed = false;
 };
 
@@ -31,13 +33,13 @@ struct OutletRows {
     std::vector<std::uint64_t> keys{};      ///< port and place of each row from a through port, ascending
 };
 
-/// Adds a row, in order. One that comes from no through port is never found, so that it is left over.
-void OutletRowAdd(OutletRows& outlets, const LinkSxCache& link);
-
-/// Makes the rows that were added ready for the search.
+/// Makes `rows` ready for the search. One that comes from no through port is never found, so that it is left
+/// over.
 void OutletRowsIndex(OutletRows& outlets);
 
-/// The first place, from `from` on, of a row that leaves this port and is not consumed; or `NoPlace`.
+/// The place of the row that leaves this port, is not consumed and is taken next, all places before `from`
+/// having had their turn in this pass: the first from there on; if there is none, the first, which is below
+/// `from` and for the next pass; `NoPlace` where none is left.
 std::int32_t OutletRowFind(OutletRows& outlets, int module, int port, std::int32_t from);
 
 }  // namespace vorn

@@ -24,12 +24,21 @@ namespace {
 
 constexpr int RoomID = 0;
 
-/// What the writer puts its characters into.
+/// What the writer puts its characters into, which flushes it at the end.
 struct TextStream {
     using Ch = char;
     std::string& text;
-    void Put(char character) { text.push_back(character); }
-    void Flush() {}
+    std::array<char, 4096> gathered{};
+    std::size_t count = 0;
+
+    void Put(char character) {
+        if (count == gathered.size()) Flush();
+        gathered[count++] = character;
+    }
+    void Flush() {
+        text.append(gathered.data(), count);
+        count = 0;
+    }
 };
 
 /// A report under construction. The text is written straight, as it may be larger than all else together.
@@ -201,14 +210,16 @@ void BranchesWrite(Report& report, const Analysis& analysis) {
 }  // namespace
 
 void TopologyReport(Analysis& analysis) {
-    analysis.ReportText = std::string();  // gives the memory of a large one back
-    Report report(analysis.ReportText);
+    std::string& text = analysis.ReportText;
+    text.clear();
+    Report report(text);
     report.writer.StartObject();
     DevicesWrite(report, analysis.ProjectCheck);
     NodesWrite(report, analysis.ProjectCheck);
     ConnectionsWrite(report, analysis.ProjectCheck);
     BranchesWrite(report, analysis);
     report.writer.EndObject();
+    if (text.size() < text.capacity() / 2) text.shrink_to_fit();  // gives the memory of a larger one back
     analysis.BranchTable = {};
     analysis.BranchElements = {};
 }

@@ -9,12 +9,20 @@
 
 namespace standin {
 
+std::array<std::array<std::atomic<const ModuleType*>, ModuleCapacity>, SlotCount> publishedTypes{};
+
 namespace {
 
 std::array<Project, SlotCount>& Slots() {
     // Never destroyed: the engine's threads may work while the process ends.
     static auto& slots = *new std::array<Project, SlotCount>;
     return slots;
+}
+
+void TypePublish(const Project& project, int number, const ModuleType* type) {
+    const int slot = SlotOf(project);
+    if (slot < 0) return;  // a project that is being read, in no slot yet
+    publishedTypes[slot][number].store(type, std::memory_order_relaxed);
 }
 
 /// The link counters of one end's port, null where the end is no port of a module or node.
@@ -110,7 +118,10 @@ Project* ProjectFind(std::string_view name) {
 }
 
 int SlotOf(const Project& project) {
-    return static_cast<int>(&project - Slots().data());
+    for (int slot = 0; slot < SlotCount; ++slot) {
+        if (&Slots()[slot] == &project) return slot;
+    }
+    return -1;
 }
 
 Project* ProjectMake(std::string_view name) {
@@ -130,6 +141,7 @@ Project* ProjectMake(std::string_view name) {
 
 void ProjectFree(Project& project) {
     project = Project();
+    TypesPublish(project);
 }
 
 void ProjectEmpty(Project& project) {
@@ -140,11 +152,20 @@ void ProjectEmpty(Project& project) {
     project.moduleIdentities.Clear();
     project.nodeIdentities.Clear();
     project.structure = NextRevision();
+    TypesPublish(project);
 }
 
 std::uint64_t NextRevision() {
     static std::atomic<std::uint64_t> last{0};
     return ++last;
+}
+
+void TypesPublish(const Project& project) {
+    const std::vector<Module>& modules = project.modules.rows;
+    for (int number = 0; number < ModuleCapacity; ++number) {
+        const bool inUse = number < static_cast<int>(modules.size()) && modules[number].inUse;
+        TypePublish(project, number, inUse ? ModuleTypeFind(modules[number].type) : nullptr);
+    }
 }
 
 Module* ModuleAdd(Project& project, int number, int type, int page, int x, int z) {
@@ -155,6 +176,7 @@ Module* ModuleAdd(Project& project, int number, int type, int page, int x, int z
     Place(*module, page, x, z, moduleType->items);
     module->type = type;
     project.structure = NextRevision();
+    TypePublish(project, number, moduleType);
     return module;
 }
 
@@ -185,6 +207,7 @@ void ModuleRemove(Project& project, int number) {
     project.moduleIdentities.Remove(module->instanceId, number);
     project.modules.Remove(number);
     project.structure = NextRevision();
+    TypePublish(project, number, nullptr);
     for (Module& other : project.modules.rows) {
         if (other.room == number) other.room = -1;
     }

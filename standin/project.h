@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <cstdint>
 #include <filesystem>
 #include <functional>
@@ -176,7 +177,7 @@ std::mutex& EngineLock();
 Project* ProjectFind(int slot);
 /// The open project of that name, compared without case; null when there is none. The lock is held.
 Project* ProjectFind(std::string_view name);
-/// The slot of a project that is open.
+/// The slot of a project, -1 when it is in none.
 int SlotOf(const Project& project);
 /// A slot made ready for a new, empty project of that name, in upper case; null when all are taken, when a
 /// project of that name is open, and when the name is empty or too long. The lock is held.
@@ -206,6 +207,17 @@ void NodeIdentify(Project& project, int number, std::string_view text);
 Element* ElementFind(Project& project, int kind, int number);
 /// The number of the project variable `name`, -1 when there is none.
 int VariableFind(Project& project, std::string_view name);
+/// By slot and module, null for a vacant number.
+extern std::array<std::array<std::atomic<const ModuleType*>, ModuleCapacity>, SlotCount> publishedTypes;
+/// Publishes the types of all modules, for `PublishedTypeFind`. Each addition and removal does so by itself;
+/// this serves where whole tables change.
+void TypesPublish(const Project& project);
+/// The type of a module, null when it is vacant or names nothing. Needs no lock: an analysis asks at each
+/// step.
+inline const ModuleType* PublishedTypeFind(int slot, int module) {
+    if (slot < 0 || slot >= SlotCount || module < 0 || module >= ModuleCapacity) return nullptr;
+    return publishedTypes[slot][module].load(std::memory_order_relaxed);
+}
 /// The port of a module, null when the module is vacant or has no such port.
 const PortType* PortFind(Project& project, int module, int port);
 

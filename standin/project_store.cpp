@@ -190,6 +190,7 @@ bool StoreRead(Project& project) {
     }
     if (stored != Stored::Whole) return false;
     project.modules = std::move(loaded.modules);
+    TypesPublish(project);
     project.nodes = std::move(loaded.nodes);
     project.links = std::move(loaded.links);
     project.moduleIdentities = std::move(loaded.moduleIdentities);

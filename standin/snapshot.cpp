@@ -26,14 +26,21 @@ std::int32_t CountOf(const Table<Row>& table, std::int32_t room) {
 }
 
 void Fill(ModuleRow& row, const Module& module) {
-    row = {.InUse = module.inUse, .TypeNb = module.type, .PositionX = module.x, .PositionZ = module.z};
-    if (const ModuleType* type = ModuleTypeFind(module.type)) row.VornModuleOneID = type->oneId;
+    row.InUse = module.inUse;
+    row.TypeNb = module.type;
+    row.PositionX = module.x;
+    row.PositionZ = module.z;
+    const ModuleType* type = ModuleTypeFind(module.type);
+    row.VornModuleOneID = type == nullptr ? 0 : type->oneId;
     vorn::TextCopy(row.ModelID, module.modelId);
     vorn::TextCopy(row.InstanceID, module.instanceId);
 }
 
 void Fill(NodeRow& row, const Node& node) {
-    row = {.InUse = node.inUse, .Kind = node.kind, .PositionX = node.x, .PositionZ = node.z};
+    row.InUse = node.inUse;
+    row.Kind = node.kind;
+    row.PositionX = node.x;
+    row.PositionZ = node.z;
     vorn::TextCopy(row.InstanceID, node.instanceId);
 }
 
@@ -146,24 +153,20 @@ void ProjectInfoJumpLinkPressing(int slot) {
 
 ModulePortInfoCache ModulePortInfo(int slot, int module, int port, int selector) {
     Trace("ModulePortInfo", slot, module, port, selector);
-    const std::lock_guard guard(EngineLock());
-    Project* project = ProjectFind(slot);
-    const PortType* found = project == nullptr ? nullptr : PortFind(*project, module, port);
+    const ModuleType* type = PublishedTypeFind(slot, module);
     ModulePortInfoCache info;
-    if (found != nullptr) info.AisleNb = found->aisle;
+    if (type != nullptr && port >= 0 && port < static_cast<int>(type->ports.size())) {
+        info.AisleNb = type->ports[port].aisle;
+    }
     return info;
 }
 
 AisleSxCache ModuleAisleSx(int slot, int module, int aisle, int selector) {
     Trace("ModuleAisleSx", slot, module, aisle, selector);
-    const std::lock_guard guard(EngineLock());
-    Project* project = ProjectFind(slot);
-    const Module* found = project == nullptr ? nullptr : project->modules.Find(module);
+    const ModuleType* type = PublishedTypeFind(slot, module);
     AisleSxCache info;
-    if (found == nullptr) return info;
-    const auto aisles = Catalogue()[static_cast<std::size_t>(found->type)].aisles;
-    if (aisle >= 0 && aisle < static_cast<int>(aisles.size())) {
-        info.OutPortNb = aisles[static_cast<std::size_t>(aisle)].outlet;
+    if (type != nullptr && aisle >= 0 && aisle < static_cast<int>(type->aisles.size())) {
+        info.OutPortNb = type->aisles[aisle].outlet;
     }
     return info;
 }

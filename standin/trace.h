@@ -43,16 +43,22 @@ inline void TraceArgument(std::string& line, bool flag) {
 }
 }  // namespace detail
 
-/// Writes one call down. Costs one load where nothing is traced.
+namespace detail {
 template <typename... Arguments>
-void Trace(std::string_view operation, const Arguments&... arguments) {
-    if (!traced.load(std::memory_order_relaxed)) return;
+void CallTrace(std::string_view operation, const Arguments&... arguments) {
     std::string line(operation);
     line += '(';
-    ((detail::TraceArgument(line, arguments), line += ','), ...);
+    ((TraceArgument(line, arguments), line += ','), ...);
     if constexpr (sizeof...(arguments) > 0) line.pop_back();
     line += ')';
     TraceLine(std::move(line));
+}
+}  // namespace detail
+
+/// Writes one call down. Costs one load where nothing is traced.
+template <typename... Arguments>
+void Trace(std::string_view operation, const Arguments&... arguments) {
+    if (traced.load(std::memory_order_relaxed)) detail::CallTrace(operation, arguments...);
 }
 
 }  // namespace standin

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstring>
 #include <string_view>
 
 namespace vorn {
@@ -29,7 +30,9 @@ void TextCopy(char* field, std::size_t fieldBytes, std::string_view text);
 
 template <std::size_t Bytes>
 void TextCopy(char (&field)[Bytes], std::string_view text) {
-    TextCopy(field, Bytes, text);
+    const std::string_view cut = text.size() < Bytes ? text : TextCut(text, Bytes - 1);
+    std::memset(field, 0, Bytes);
+    if (!cut.empty()) std::memcpy(field, cut.data(), cut.size());
 }
 
 }  // namespace vorn
