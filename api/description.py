@@ -13,6 +13,9 @@ Json = dict[str, Any]
 API = Path(__file__).resolve().parent
 REPOSITORY = API.parent
 
+# The failures that any request may get.
+EVERY_REQUEST = ["envelope", "internal"]
+
 _PIECE = re.compile(r"\{[a-z]+\}")
 
 
@@ -41,7 +44,7 @@ class Description:
     def failures_of(self, command: Json) -> list[str]:
         """All failures that a command may answer with, those of its target and of any request included."""
         target: Json = self.interface["targets"][command["target"]]
-        return ["envelope", "internal", *target["failures"], *command["failures"]]
+        return [*EVERY_REQUEST, *target["failures"], *command["failures"]]
 
 
 def _read(path: Path) -> Json:

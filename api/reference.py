@@ -5,7 +5,7 @@ from __future__ import annotations
 import json
 from typing import Any, Iterable
 
-from api.description import Description, Family, Json, schema_of
+from api.description import EVERY_REQUEST, Description, Family, Json, schema_of
 
 Pages = dict[str, str]
 
@@ -164,7 +164,8 @@ def _command(command: Json, description: Description) -> list[str]:
              command["text"], "", f"`name`: {target['text']}", "", *_messages(command, description)]
     effect = description.interface["effects"][command["effect"]]
     lines += [f"- Waits: {_waits(command)}.", f"- Effect: {effect}" + (
-        "; doing it twice is doing it once." if command["idempotent"] else "."), f"- Log: {command['log']}.", ""]
+        "; doing it twice is doing it once." if command["idempotent"] and command["effect"] != "reads" else "."),
+              f"- Log: {command['log']}.", ""]
     lines += _table(["reply", "meaning"], [[_code(reply["text"]), reply["meaning"]] for reply in command["replies"]])
     if "schema" in command:
         file = command["schema"]["$ref"].rsplit("/", 1)[1]
@@ -243,20 +244,26 @@ def _catalogue_page(catalogue: Json) -> str:
 def _index_page(description: Description) -> str:
     interface = description.interface
     lines = [_MADE, "", "# Reference", "", interface["text"], ""]
+    lines += ["## Requests", ""]
+    lines += _table(["member", "meaning"], [[f"`{name}`", text] for name, text in interface["envelope"].items()])
+    lines += _table(["way in", "how"], [[name, way["text"]] for name, way in interface["ways"].items()])
+    lines += _examples(interface["examples"])
+    lines += ["## Replies", "", "A reply is one text without a status: what it means is told by its wording. A piece in"
+              " braces, such as `{number}`, stands for what is different each time. Look first among the texts without such"
+              " pieces, the command's replies and failures; then among the failures with pieces, then the replies with"
+              " pieces. Beside what its page tells, a command may answer with one of these:", ""]
+    lines += _table(["failure", "meaning"], [
+        [_code(description.failures[name]["text"]), description.failures[name]["meaning"]] for name in EVERY_REQUEST])
+    lines += [
+              "All failure texts, with what to do about each, are in the [list of failures](failures.md), and the types of"
+              " modules with their ports and items in the [catalogue](catalogue.md). JSON Schemas of"
+              " documents, batches and JSON replies are in [`api/schemas`](../../api/schemas).", ""]
+    lines += ["## Commands", ""]
     for family in description.families:
         lines += [f"**[{family.title}]({family.name}.md)**: {family.text}", ""]
         lines += _table(["command", "what it does"], [
             [f"[`{command['word']}`]({family.name}.md#{_anchor(command)})", command["title"]]
             for command in family.commands])
-    lines += ["## Requests", ""]
-    lines += _table(["member", "meaning"], [[f"`{name}`", text] for name, text in interface["envelope"].items()])
-    lines += _table(["way in", "how"], [[name, way["text"]] for name, way in interface["ways"].items()])
-    lines += _examples(interface["examples"])
-    lines += ["## Replies", "", "A reply is one text without a status: what it means is told by its wording. " +
-              interface["matching"], "",
-              "All failure texts, with what to do about each, are in the [list of failures](failures.md), and the types of"
-              " modules with their ports and items in the [catalogue](catalogue.md). JSON Schemas of"
-              " documents, batches and JSON replies are in [`api/schemas`](../../api/schemas).", ""]
     return "\n".join(lines)
 
 

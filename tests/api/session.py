@@ -19,14 +19,16 @@ class Step:
 
 
 def steps_of(page: str) -> list[Step]:
-    """The commands of all ```console blocks: a line behind `$ `, further lines of the same command behind `> `."""
+    """The commands of all ```console blocks, which stand behind `$ `, and the making of files that ```json FILE
+    blocks show."""
     steps: list[Step] = []
-    for block in re.findall(r"^```console\n(.*?)^```$", page, re.DOTALL | re.MULTILINE):
+    for file, block in re.findall(r"^```(?:console|json (\S+))\n(.*?)^```$", page, re.DOTALL | re.MULTILINE):
+        if file:
+            steps.append(Step([f"cat > {file} <<'END'", *block.splitlines(), "END"]))
+            continue
         for line in block.splitlines():
             if line.startswith("$ "):
                 steps.append(Step([line[2:]]))
-            elif line.startswith("> ") and not steps[-1].shown:
-                steps[-1].command.append(line[2:])
             else:
                 steps[-1].shown.append(line)
     return steps

@@ -6,6 +6,8 @@ import re
 import subprocess
 from pathlib import Path
 
+import pytest
+
 from api.description import REPOSITORY
 from host import Host
 from session import play, steps_of
@@ -34,3 +36,26 @@ def test_links_between_pages_lead_somewhere() -> None:
             if target and not (page.parent / target).exists():
                 broken.append((str(page.relative_to(REPOSITORY)), target))
     assert broken == []
+
+
+# What a page states, where the code says it, and how the page writes it.
+LIMITS = [
+    ("engine/vorn_records.h", r"ModuleCapacity = (\d+)", "| modules, pipes included | {:,} |"),
+    ("engine/vorn_records.h", r"NodeCapacity = (\d+)", "| nodes | {:,} |"),
+    ("engine/vorn_records.h", r" LinkCapacity = (\d+)", "| links | {:,} |"),
+    ("engine/vorn_records.h", r"SlotCount = (\d+)", "| projects open at once | {} |"),
+    ("engine/vorn_records.h", r"ModuleTypeCount = (\d+)", "and {} module types"),
+    ("standin/project.h", r"ProjectVariableCapacity = (\d+)", "its own six included | {}, with"),
+    ("text/project_name.h", r"ProjectNameLimit = (\d+)", "| project name | {} letters"),
+    ("text/json.h", r"JsonDepthLimit = (\d+)", "| JSON | nested {} deep"),
+    ("commands/values.cpp", r"ValueBytes = (\d+)", "| `Value` of the commands that set values | {} bytes |"),
+    ("variables/var_write.cpp", r"EntryBytes = (\d+)", "| list variable | 8 entries, {} bytes each |"),
+    ("service/http_service.cpp", r"RequestsPerConnection = (\d+)", "| kept connection | {} requests"),
+]
+
+
+@pytest.mark.parametrize(("file", "constant", "shown"), LIMITS, ids=[row[1].split(" =")[0] for row in LIMITS])
+def test_limits_are_those_of_the_code(file: str, constant: str, shown: str) -> None:
+    found = re.search(constant, (REPOSITORY / file).read_text(encoding="utf-8"))
+    assert found, f"{constant} stands no more in {file}"
+    assert shown.format(int(found.group(1))) in (REPOSITORY / "docs/limits.md").read_text(encoding="utf-8")
