@@ -31,20 +31,25 @@ class Host:
         program = shutil.copy(PROGRAM, self.folder / "bin")
         self._process = subprocess.Popen([program, "--quiet"], cwd=self.folder / "work",
                                          stdout=subprocess.PIPE, text=True)
-        self.address = self._address()
+        self.address = self.pipe = ""
+        self._hear()
 
-    def _address(self) -> str:
+    def _hear(self) -> None:
+        """Waits until the host has told its address and its pipe."""
         assert self._process.stdout is not None
         watchdog = threading.Timer(30, self._process.kill)
         watchdog.start()
         try:
             for line in self._process.stdout:
-                found = re.search(r"http://127\.0\.0\.1:\d+/api", line)
-                if found:
-                    return found.group()
+                if found := re.search(r"http://127\.0\.0\.1:\d+/api", line):
+                    self.address = found.group()
+                if found := re.search(r"VornServerPipe\d+", line):
+                    self.pipe = found.group()
+                if self.address and self.pipe:
+                    return
         finally:
             watchdog.cancel()
-        raise RuntimeError("the host has not told its port")
+        raise RuntimeError("the host has not told its port and its pipe")
 
     def __enter__(self) -> Host:
         return self

@@ -9,7 +9,7 @@ from pathlib import Path
 import pytest
 
 from api.description import REPOSITORY
-from host import Host
+from host import PROGRAM, Host
 from session import play, steps_of
 
 
@@ -26,6 +26,25 @@ def test_first_hour(tmp_path: Path) -> None:
         own = host.address.removesuffix("/api")
         assert "address=http://127.0.0.1:33360\n" in page
         assert play(page.replace("http://127.0.0.1:33360\n", own + "\n"), tmp_path) == []
+
+
+def test_readme() -> None:
+    page = (REPOSITORY / "README.md").read_text(encoding="utf-8")
+    assert len(steps_of(page)) > 15
+    with Host() as host:
+        own = host.address.removesuffix("/api")
+        port = own.rpartition(":")[2]
+        row = host.pipe.removeprefix("VornServerPipe")
+        for written, meant in (("http://127.0.0.1:33360", own), ("VornServerPipe0", host.pipe),
+                               ("$PWD/build/release/bin", str(PROGRAM.parent)),
+                               ("vorn-send Get", f"vorn-send --port {port} Get"),
+                               ("vorn-send PjtClose", f"vorn-send --port {port} PjtClose"),
+                               ("vorn-send --pipe ", f"vorn-send --pipe={row} ")):
+            assert written in page
+            page = page.replace(written, meant)
+        # Whenever they are typed: also by the next reader.
+        assert play(page, REPOSITORY) == []
+        assert play(page, REPOSITORY) == []
 
 
 def test_links_between_pages_lead_somewhere() -> None:
