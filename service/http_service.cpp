@@ -3,12 +3,17 @@
 #include <httplib.h>
 
 #include <algorithm>
+#include <exception>
 #include <string>
 
 #include "include/vorn_contract.h"
 #include "include/vorn_server.h"
 #include "platform/listen_socket.h"
+#include "platform/memory.h"
+#include "platform/sleep.h"
+#include "platform/stream_socket.h"
 #include "service/api_envelope.h"
+#include "service/http_connection.h"
 
 namespace vorn {
 
@@ -16,21 +21,67 @@ namespace {
 
 constexpr std::size_t RequestsPerConnection = 100;
 
-/// Replies go out whole and with status 200: the library would cut them by a request's `Range`, and copy them
-/// once for each of the thousands of ranges that one header can name. The request is the library's own and
-/// changeable; only its handlers see it as constant.
-void IgnoreRanges(const httplib::Request& request) {
-    const_cast<httplib::Request&>(request).ranges.clear();
-}
-
-void Hi(const httplib::Request& request, httplib::Response& response) {
-    IgnoreRanges(request);
-    response.set_content("Hello Quelmo!\n", "text/plain");
-}
+/// A request with a body that its handler has not read whole: what follows it on the connection is no
+/// request.
+thread_local bool bodyLeft = false;
 
 /// A request that names no length has no body; the library would wait for one until the connection ends.
 bool HasBody(const httplib::Request& request) {
     return request.has_header("Content-Length") || request.has_header("Transfer-Encoding");
+}
+
+/// The library's pool of workers; a connection for which there is no memory waits until there is.
+class Workers : public httplib::ThreadPool {
+  public:
+    Workers() : ThreadPool(CPPHTTPLIB_THREAD_POOL_COUNT) {}
+    void enqueue(std::function<void()> work) override {
+        constexpr int RestMilliseconds = 10;
+        for (;;) {
+            try {
+                return ThreadPool::enqueue(work);
+            } catch (const std::bad_alloc&) {
+                SleepMilliseconds(RestMilliseconds);
+            }
+        }
+    }
+};
+
+/// The library's server. It lets a client go where the library, out of memory, would end the process, and
+/// gives back what large requests took.
+class HttpServer : public httplib::Server {
+  private:
+    bool process_and_close_socket(socket_t socket) override {
+        HttpConnection connection(socket, Milliseconds(read_timeout_sec_), Milliseconds(write_timeout_sec_));
+        try {
+            for (std::size_t left = keep_alive_max_count_; left > 0; --left) {
+                if (!connection.AwaitRequest(Milliseconds(keep_alive_timeout_sec_))) break;
+                const bool goesOn = Serve(connection, left == 1);
+                MemoryGiveBack(connection.MovedBytes());
+                if (!goesOn) break;
+            }
+        } catch (const std::exception&) {
+            MemoryGiveBack(connection.MovedBytes());
+        }
+        SocketEnd(static_cast<std::intptr_t>(socket));
+        return true;
+    }
+
+    /// True when the connection may bring another request.
+    bool Serve(HttpConnection& connection, bool last) {
+        bool closes = false;
+        bodyLeft = true;
+        const auto headRead = [&connection](httplib::Request& request) {
+            connection.HeadEnded();
+            bodyLeft = HasBody(request);
+        };
+        return process_request(connection, last, closes, headRead) && !closes && !bodyLeft;
+    }
+
+    static int Milliseconds(time_t seconds) { return static_cast<int>(seconds * 1000); }
+};
+
+void Hi(const httplib::Request& /*request*/, httplib::Response& response) {
+    response.set_content("Hello Quelmo!\n", "text/plain");
 }
 
 /// Reads the whole body; false when it did not come whole. The library, left to read by itself, would refuse
@@ -50,10 +101,10 @@ bool ReadBody(const httplib::Request& request, const httplib::ContentReader& con
 
 void Api(const httplib::Request& request, httplib::Response& response,
          const httplib::ContentReader& content) {
-    IgnoreRanges(request);
     std::string body;
     // Half a request is not carried out: the library then answers with its own error status.
     if (!ReadBody(request, content, body)) return;
+    bodyLeft = false;
     std::string reply;
     ApiEnvelope(body, reply);
     // A reply ends at its first zero byte.
@@ -61,15 +112,26 @@ void Api(const httplib::Request& request, httplib::Response& response,
     response.set_content(reply, "application/json");
 }
 
+void Serve() {
+    HttpServer svr;
+    svr.new_task_queue = [] { return new Workers; };
+    svr.set_socket_options([](socket_t socket) { ListenSocketOptions(static_cast<std::intptr_t>(socket)); });
+    svr.set_keep_alive_max_count(RequestsPerConnection);
+    svr.Get("/hi", Hi);
+    svr.Post("/api", Api);
+    for (int port = VORN_FIRST_PORT; port <= VORN_LAST_PORT; ++port) {
+        svr.listen("0.0.0.0", port, AI_PASSIVE);
+    }
+}
+
 }  // namespace
 
 }  // namespace vorn
 
 void HttpServerThread(const char* const /*unused*/) {
-    httplib::Server svr;
-    svr.set_socket_options([](socket_t socket) { vorn::ListenSocketOptions(socket); });
-    svr.set_keep_alive_max_count(vorn::RequestsPerConnection);
-    svr.Get("/hi", vorn::Hi);
-    svr.Post("/api", vorn::Api);
-    for (int port = VORN_FIRST_PORT; port <= VORN_LAST_PORT; ++port) svr.listen("0.0.0.0", port, AI_PASSIVE);
+    try {
+        vorn::Serve();
+    } catch (const std::exception&) {
+        // Not even the memory to begin with: no service then, as where no port is free.
+    }
 }

@@ -1,0 +1,25 @@
+// A connection of the HTTP service. Each operation may be given any socket; on one that is none it fails.
+
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace vorn {
+
+/// Waits until there are bytes to be read or the other side has ended; false when the time passed without.
+bool SocketAwait(std::intptr_t socket, int milliseconds);
+
+/// Takes up to `size` bytes that have come; 0 at their end, negative on an error. To be called when
+/// `SocketAwait` has said so.
+std::ptrdiff_t SocketRead(std::intptr_t socket, char* bytes, std::size_t size);
+
+/// Writes as many of `size` bytes as there is room for, at least one; waits for room. Negative when there was
+/// none in that time, or the other side has gone.
+std::ptrdiff_t SocketWrite(std::intptr_t socket, const char* bytes, std::size_t size, int milliseconds);
+
+/// Ends a connection and closes it. What the other side has sent and nobody read is taken out first: left
+/// there, it would cost the other side the end of the reply.
+void SocketEnd(std::intptr_t socket);
+
+}  // namespace vorn

@@ -1,0 +1,47 @@
+#include "platform/stream_socket.h"
+
+#include <winsock2.h>
+
+#include <algorithm>
+#include <climits>
+
+namespace vorn {
+
+namespace {
+
+bool PollFor(std::intptr_t socket, short events, int milliseconds) {
+    WSAPOLLFD waited{.fd = static_cast<SOCKET>(socket), .events = events, .revents = 0};
+    return WSAPoll(&waited, 1, milliseconds) > 0;
+}
+
+int Bounded(std::size_t size) {
+    return static_cast<int>(std::min<std::size_t>(size, INT_MAX));
+}
+
+}  // namespace
+
+bool SocketAwait(std::intptr_t socket, int milliseconds) {
+    return PollFor(socket, POLLRDNORM, milliseconds);
+}
+
+std::ptrdiff_t SocketRead(std::intptr_t socket, char* bytes, std::size_t size) {
+    return recv(static_cast<SOCKET>(socket), bytes, Bounded(size), 0);
+}
+
+std::ptrdiff_t SocketWrite(std::intptr_t socket, const char* bytes, std::size_t size, int milliseconds) {
+    // The socket blocks; the library has set how long it does.
+    if (!PollFor(socket, POLLWRNORM, milliseconds)) return -1;
+    return send(static_cast<SOCKET>(socket), bytes, Bounded(size), 0);
+}
+
+void SocketEnd(std::intptr_t socket) {
+    const auto connection = static_cast<SOCKET>(socket);
+    shutdown(connection, SD_SEND);
+    u_long doNotWait = 1;
+    ioctlsocket(connection, static_cast<long>(FIONBIO), &doNotWait);
+    char rest[4096];
+    while (recv(connection, rest, sizeof rest, 0) > 0) continue;
+    closesocket(connection);
+}
+
+}  // namespace vorn
