@@ -129,6 +129,7 @@ void Serve() {
 }  // namespace vorn
 
 void HttpServerThread(const char* const /*unused*/) {
+    vorn::MemoryLargeSeparate();
     try {
         vorn::Serve();
     } catch (const std::exception&) {

@@ -133,6 +133,7 @@ void PipeServeClient() {
 }  // namespace vorn
 
 void PipeServerThread(const char* const /*unused*/) {
+    vorn::MemoryLargeSeparate();
     for (bool taken = false; !taken;) {
         try {
             if (!vorn::PipeTake()) return;

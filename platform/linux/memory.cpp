@@ -4,9 +4,14 @@
 
 namespace vorn {
 
+void MemoryLargeSeparate() {
+    mallopt(M_MMAP_THRESHOLD, static_cast<int>(LargeBytes));
+    // The end of each thread's heap, which the call below does not reach.
+    mallopt(M_TRIM_THRESHOLD, static_cast<int>(LargeBytes));
+}
+
 void MemoryGiveBack(std::size_t usedBytes) {
-    constexpr std::size_t WorthIt = std::size_t{1} << 20U;
-    if (usedBytes >= WorthIt) malloc_trim(0);
+    if (usedBytes >= LargeBytes) malloc_trim(0);
 }
 
 }  // namespace vorn

@@ -4,9 +4,11 @@
 
 namespace vorn {
 
+// This system's heap keeps no large blocks.
+void MemoryLargeSeparate() {}
+
 void MemoryGiveBack(std::size_t usedBytes) {
-    constexpr std::size_t WorthIt = std::size_t{1} << 20U;
-    if (usedBytes >= WorthIt) _heapmin();
+    if (usedBytes >= LargeBytes) _heapmin();
 }
 
 }  // namespace vorn
