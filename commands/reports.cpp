@@ -1,7 +1,5 @@
 // PjtCerGet: the performance report of a project.
 
-#include <rapidjson/document.h>
-
 #include "commands/handlers.h"
 #include "commands/variable_text.h"
 #include "text/json.h"
@@ -16,7 +14,7 @@ std::string PjtCerGet(const Request& request) {
     const std::string report = "效率值:" + efficiency + "(COP)\n总能耗:" + energy + "(KW)\n库温:" + store +
                                "(摄氏度)\n蒸发温度:" + evaporating + "(摄氏度)";
 
-    rapidjson::Document NewPjtJson(rapidjson::kObjectType);
+    JsonDocument NewPjtJson(rapidjson::kObjectType);
     NewPjtJson.AddMember("data", report, NewPjtJson.GetAllocator());
     return JsonText(NewPjtJson);
 }

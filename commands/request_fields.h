@@ -3,15 +3,15 @@
 
 #pragma once
 
-#include <rapidjson/document.h>
-
 #include <cstdint>
 #include <string>
+
+#include "text/json.h"
 
 namespace vorn {
 
 struct RequestFields {
-    rapidjson::Document document;
+    JsonDocument document;
     std::string reply;    ///< the message of the last failed check
     bool failed = false;  ///< some check has failed
 };

@@ -1,7 +1,5 @@
 // The commands on the values of one element: live values, the table of items, cache sets, important values.
 
-#include <rapidjson/document.h>
-
 #include <array>
 #include <string>
 
@@ -58,7 +56,7 @@ constexpr std::size_t ValueBytes = 255;
 /// Reads the request of a command that sets a value.
 ItemValue ItemValueRead(const std::string& messages) {
     ItemValue value;
-    rapidjson::Document document;
+    JsonDocument document;
     JsonParse(messages.c_str(), document);
     if (!document.IsObject()) return value;
     FieldInt(document, "Row", value.row);
@@ -99,10 +97,10 @@ std::string FlowGet(const Request& request) {
 }
 
 std::string RoomGet(const Request& request) {
-    rapidjson::Document NewPjtJson(rapidjson::kObjectType);
+    JsonDocument NewPjtJson(rapidjson::kObjectType);
     auto& allocator = NewPjtJson.GetAllocator();
     for (const char* item : RoomItems) {
-        rapidjson::Value value(0.0);
+        JsonValue value(0.0);
         if (request.midstate == ModuleKind) value.SetString(ModuleVariableText(request, item), allocator);
         NewPjtJson.AddMember(rapidjson::StringRef(item), value, allocator);
     }

@@ -16,8 +16,6 @@ namespace vorn {
 
 namespace {
 
-using JsonValue = rapidjson::Value;
-
 // A reader takes one field of an object, which may be absent or of a wrong type: then the record gets the
 // value that its table row gives for that. It is false only for a text that its field has no room for.
 
@@ -124,7 +122,7 @@ bool ReadList(const JsonValue& root, const char* name, bool (*read)(const JsonVa
 
 bool ReadDocument(const char* text, ImportLists& lists) {
     std::string parsed(text);
-    rapidjson::Document document;
+    JsonDocument document;
     JsonParseInPlace(parsed.data(), document);
     return document.IsObject() && ReadList(document, "DeviceInfo", ReadDevice, lists.ImportDevices) &&
            ReadList(document, "ConnectionInfo", ReadConnection, lists.ImportConnections);

@@ -9,17 +9,17 @@ namespace vorn {
 namespace {
 
 /// A text as it is, any other value as its JSON text; empty when absent.
-std::string MessagesText(const rapidjson::Value& envelope) {
+std::string MessagesText(const JsonValue& envelope) {
     const auto messages = envelope.FindMember("messages");
     if (messages == envelope.MemberEnd()) return {};
-    const rapidjson::Value& value = messages->value;
+    const JsonValue& value = messages->value;
     return value.IsString() ? std::string(value.GetString(), value.GetStringLength()) : JsonText(value);
 }
 
 }  // namespace
 
 void ApiEnvelope(const std::string& body, std::string& reply) {
-    rapidjson::Document envelope;
+    JsonDocument envelope;
     JsonParse(body.c_str(), envelope);
     if (!envelope.IsObject()) {
         reply = "API调用格式错误";

@@ -1,6 +1,5 @@
 #include "standin/project_json.h"
 
-#include <rapidjson/document.h>
 #include <rapidjson/stringbuffer.h>
 #include <rapidjson/writer.h>
 
@@ -13,13 +12,15 @@ namespace standin {
 
 namespace {
 
-using JsonWriter = rapidjson::Writer<rapidjson::StringBuffer, rapidjson::UTF8<>, rapidjson::UTF8<>,
-                                     rapidjson::CrtAllocator, rapidjson::kWriteNanAndInfFlag>;
-using JsonValue = rapidjson::Value;
+using JsonBuffer = rapidjson::GenericStringBuffer<rapidjson::UTF8<>, vorn::JsonMemory>;
+using JsonWriter = rapidjson::Writer<JsonBuffer, rapidjson::UTF8<>, rapidjson::UTF8<>, vorn::JsonMemory,
+                                     rapidjson::kWriteNanAndInfFlag>;
 using vorn::Field;
 using vorn::FieldInt;
 using vorn::FieldInt64;
 using vorn::FieldText;
+using vorn::JsonDocument;
+using vorn::JsonValue;
 
 // ---- Writing ----
 
@@ -289,7 +290,7 @@ bool HasStandardVariables(const Project& project) {
 }  // namespace
 
 void ProjectToJson(const Project& project, std::string& text) {
-    rapidjson::StringBuffer buffer;
+    JsonBuffer buffer;
     JsonWriter writer(buffer);
     writer.StartObject();
     WriteTable(writer, "modules", project.modules);
@@ -306,7 +307,7 @@ bool ProjectFromJson(const std::string& text, Project& project) {
     // Iterative, so that no depth of nesting can end the process; precise, so that all numbers come back.
     constexpr unsigned Flags =
         rapidjson::kParseIterativeFlag | rapidjson::kParseFullPrecisionFlag | rapidjson::kParseNanAndInfFlag;
-    rapidjson::Document document;
+    JsonDocument document;
     document.Parse<Flags>(text);
     if (document.HasParseError() || !document.IsObject()) return false;
     return ReadObjects(document, "modules", [&](const auto& row) { return ReadModule(row, project); }) &&

@@ -1,7 +1,6 @@
 #include "text/json.h"
 
 #include <rapidjson/reader.h>
-#include <rapidjson/stringbuffer.h>
 #include <rapidjson/writer.h>
 
 namespace vorn {
@@ -11,7 +10,7 @@ namespace {
 /// Hands the parser's events on to a document and ends the parse before it recurses too deep.
 struct DepthGuard {
     using Ch = char;
-    rapidjson::Document& document;
+    JsonDocument& document;
     int depth = 0;
 
     bool Null() { return document.Null(); }
@@ -36,11 +35,19 @@ struct DepthGuard {
     bool EndArray(rapidjson::SizeType elements) { return --depth >= 0 && document.EndArray(elements); }
 };
 
+/// What the writer puts its characters into.
+struct TextStream {
+    using Ch = char;
+    std::string& text;
+    void Put(char character) { text.push_back(character); }
+    void Flush() {}
+};
+
 template <unsigned Flags, typename Stream>
-void Parse(Stream stream, rapidjson::Document& document) {
+void Parse(Stream stream, JsonDocument& document) {
     document.SetNull();
-    auto parse = [&stream](rapidjson::Document& target) {
-        rapidjson::Reader reader;
+    auto parse = [&stream](JsonDocument& target) {
+        rapidjson::GenericReader<rapidjson::UTF8<>, rapidjson::UTF8<>, JsonMemory> reader;
         DepthGuard guard{target};
         return !reader.Parse<Flags>(stream, guard).IsError();
     };
@@ -48,7 +55,7 @@ void Parse(Stream stream, rapidjson::Document& document) {
 }
 
 template <typename Value, typename Test, typename Get>
-Field ReadField(const rapidjson::Value& object, const char* name, Value& value, Test accepted, Get get) {
+Field ReadField(const JsonValue& object, const char* name, Value& value, Test accepted, Get get) {
     const auto member = object.FindMember(name);
     if (member == object.MemberEnd()) return Field::Absent;
     if (!accepted(member->value)) return Field::WrongType;
@@ -58,46 +65,48 @@ Field ReadField(const rapidjson::Value& object, const char* name, Value& value, 
 
 }  // namespace
 
-void JsonParse(const char* text, rapidjson::Document& document) {
+void JsonParse(const char* text, JsonDocument& document) {
     Parse<rapidjson::kParseDefaultFlags>(rapidjson::StringStream(text), document);
 }
 
-void JsonParseInPlace(char* text, rapidjson::Document& document) {
+void JsonParseInPlace(char* text, JsonDocument& document) {
     Parse<rapidjson::kParseInsituFlag>(rapidjson::InsituStringStream(text), document);
 }
 
-std::string JsonText(const rapidjson::Value& value) {
-    rapidjson::StringBuffer buffer;
-    rapidjson::Writer<rapidjson::StringBuffer> writer(buffer);
+std::string JsonText(const JsonValue& value) {
+    using Text = rapidjson::UTF8<>;
+    std::string text;
+    TextStream stream{text};
+    rapidjson::Writer<TextStream, Text, Text, JsonMemory> writer(stream);
     value.Accept(writer);
-    return {buffer.GetString(), buffer.GetSize()};
+    return text;
 }
 
-Field FieldInt(const rapidjson::Value& object, const char* name, int& value) {
+Field FieldInt(const JsonValue& object, const char* name, int& value) {
     return ReadField(
         object, name, value, [](const auto& field) { return field.IsInt(); },
         [](const auto& field) { return field.GetInt(); });
 }
 
-Field FieldInt64(const rapidjson::Value& object, const char* name, std::int64_t& value) {
+Field FieldInt64(const JsonValue& object, const char* name, std::int64_t& value) {
     return ReadField(
         object, name, value, [](const auto& field) { return field.IsInt64(); },
         [](const auto& field) { return field.GetInt64(); });
 }
 
-Field FieldDouble(const rapidjson::Value& object, const char* name, double& value) {
+Field FieldDouble(const JsonValue& object, const char* name, double& value) {
     return ReadField(
         object, name, value, [](const auto& field) { return field.IsDouble(); },
         [](const auto& field) { return field.GetDouble(); });
 }
 
-Field FieldNumber(const rapidjson::Value& object, const char* name, double& value) {
+Field FieldNumber(const JsonValue& object, const char* name, double& value) {
     return ReadField(
         object, name, value, [](const auto& field) { return field.IsDouble() || field.IsInt(); },
         [](const auto& field) { return field.GetDouble(); });
 }
 
-Field FieldText(const rapidjson::Value& object, const char* name, std::string& value) {
+Field FieldText(const JsonValue& object, const char* name, std::string& value) {
     return ReadField(
         object, name, value, [](const auto& field) { return field.IsString(); },
         [](const auto& field) { return std::string(field.GetString(), field.GetStringLength()); });

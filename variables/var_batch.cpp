@@ -1,7 +1,5 @@
 #include "variables/var_batch.h"
 
-#include <rapidjson/document.h>
-
 #include <algorithm>
 
 #include "text/json.h"
@@ -13,7 +11,7 @@ namespace vorn {
 namespace {
 
 using rapidjson::SizeType;
-using rapidjson::Value;
+using Value = JsonValue;
 
 /// The array that is the member `name` of `root`; null where there is none.
 const Value* ArrayMember(const Value& root, const char* name) {
@@ -47,7 +45,7 @@ void ListWrite(std::string& reply, SizeType count, Append append) {
 
 void VarGetByJson(const char* json, std::string& reply) {
     std::string text(json);
-    rapidjson::Document document;
+    JsonDocument document;
     JsonParseInPlace(text.data(), document);
     const Value* names = ArrayMember(document, "VarName");
     ListWrite(reply, names == nullptr ? 0 : names->Size(),
@@ -56,7 +54,7 @@ void VarGetByJson(const char* json, std::string& reply) {
 
 void VarSetByJson(const char* json, std::string& reply) {
     std::string text(json);
-    rapidjson::Document document;
+    JsonDocument document;
     JsonParseInPlace(text.data(), document);
     const Value* names = ArrayMember(document, "VarName");
     const Value* values = ArrayMember(document, "VarValue");
