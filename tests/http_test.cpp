@@ -32,10 +32,55 @@ TEST(HttpThreadsTest, ServesItsTwoRoutes) {
     EXPECT_EQ(hi->get_header_value("Content-Type"), "text/plain");
     for (const char* path : {"/api", "/hi/more", "/"}) EXPECT_EQ(client.Get(path)->status, 404) << path;
     EXPECT_EQ(client.Post("/hi", "", "text/plain")->status, 404);
-    // Ranges do not cut a reply.
-    EXPECT_EQ(client.Get("/hi", {{"Range", "bytes=0-3,5-6"}})->status, 200);
     EXPECT_EQ(Post(client, R"({"command":"Create","name":"p1"})"), "OK");
     EXPECT_EQ(host.End(), 0);
+}
+
+TEST(HttpThreadsTest, AnswersWholeWhateverRangeIsAsked) {
+    HostProcess host;
+    int project = 10;
+    for (const char* range : {"Range: bytes=0-3,5-6", "range: bytes=9-1", "RANGE:", "Range: bytes=x",
+                              "Range: bytes=99999999999999999999-", "X: y\r\nRange: lines=0-"}) {
+        const string head = string(" HTTP/1.1\r\nConnection: close\r\n") + range + "\r\n";
+        const RawClient hi(host.Port());
+        hi.Send("GET /hi" + head + "\r\n");
+        const string greeting = hi.Receive();
+        EXPECT_TRUE(greeting.starts_with("HTTP/1.1 200 ") && greeting.ends_with("\r\n\r\nHello Quelmo!\n"))
+            << range << greeting;
+        const RawClient api(host.Port());
+        api.Send("POST /api" + head + "Content-Length: 33\r\n\r\n" + R"({"command":"Create","name":"P)" +
+                 std::to_string(project++) + "\"}");
+        const string created = api.Receive();
+        EXPECT_TRUE(created.starts_with("HTTP/1.1 200 ") && created.ends_with("\r\n\r\nOK"))
+            << range << created;
+    }
+}
+
+TEST(HttpThreadsTest, TakesTheRequestsOfOneConnectionOneByOne) {
+    HostProcess host;
+    const string create = R"({"command":"Create","name":"HIDDEN"})";
+    const string post = "POST /api HTTP/1.1\r\nContent-Length: " + std::to_string(create.size()) + "\r\n";
+    const RawClient pipelined(host.Port());
+    string requests;
+    for (int request = 0; request < 5; ++request) requests += "GET /hi HTTP/1.1\r\n\r\n";
+    pipelined.Send(requests + "GET /hi HTTP/1.1\r\nConnection: close\r\n\r\n");
+    const string replies = pipelined.Receive();
+    size_t greetings = 0;
+    for (size_t at = 0; (at = replies.find("Hello", at)) != string::npos; ++at) ++greetings;
+    EXPECT_EQ(greetings, 6U);
+
+    // What stands in a body that nobody reads, or behind one that is broken, is no request.
+    for (const char* head : {"GET /hi HTTP/1.1\r\nContent-Length: 9999\r\n\r\n",
+                             "POST /api HTTP/1.1\r\nTransfer-Encoding: chunked\r\n\r\nzz\r\n",
+                             "POST /none HTTP/1.1\r\nTransfer-Encoding: chunked\r\n\r\nzz\r\n"}) {
+        const RawClient client(host.Port());
+        client.Send(head + post + "\r\n" + create);
+        client.Receive();
+    }
+    httplib::Client client = host.Client();
+    EXPECT_EQ(Post(client, R"({"command":"Fdp","name":"HIDDEN"})"), "0");
+    // And the same request is one where it stands for itself.
+    EXPECT_EQ(Post(client, create), "OK");
 }
 
 TEST(HttpThreadsTest, AnswersWhateverIsSent) {
@@ -158,9 +203,12 @@ TEST(HttpThreadsTest, WalksPastHeldPorts) {
     EXPECT_GT(third.Port(), next);
 }
 
-TEST(HttpThreadsTest, EndsWhenNoPortIsFree) {
+TEST(HttpThreadsTest, TakesTheLastPortAndEndsWhenNoneIsFree) {
     std::vector<std::unique_ptr<HeldPort>> held;
-    for (int port = 33360; port <= 33459; ++port) held.push_back(std::make_unique<HeldPort>(port));
+    for (int port = 33360; port <= 33458; ++port) held.push_back(std::make_unique<HeldPort>(port));
+    HostProcess last;
+    EXPECT_EQ(last.Port(), 33459);
+    EXPECT_EQ(last.Client().Get("/hi")->status, 200);
     HostProcess host;
     EXPECT_EQ(host.Port(), 0);
     EXPECT_NE(host.Output().find("no port of 33360 to 33459 is free"), string::npos) << host.Output();

@@ -1,0 +1,178 @@
+// The ways in as this system has them: what a process may use, who asks, and what sockets tell.
+
+#include <arpa/inet.h>
+#include <netinet/tcp.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
+#include <sys/syscall.h>
+#include <sys/un.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <thread>
+
+#include "platform/listen_socket.h"
+#include "platform/named_pipe.h"
+#include "platform/pipe_client.h"
+#include "service/pipe_service.h"
+#include "tests/support/host_process.h"
+#include "tests/support/service_test.h"
+#include "tests/support/system.h"
+
+namespace {
+
+std::atomic<int> pipeConnects{0};
+
+}  // namespace
+
+/// Stands before the system's own and counts the attempts to open a pipe.
+extern "C" int connect(int socket, const sockaddr* address, socklen_t length) {
+    if (address->sa_family == AF_UNIX) ++pipeConnects;
+    return static_cast<int>(syscall(SYS_connect, socket, address, length));
+}
+
+namespace {
+
+using std::string;
+using std::chrono::milliseconds;
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr bool OwnMemory = false;
+#else
+constexpr bool OwnMemory = true;
+#endif
+
+/// The process that runs a program's file, and pages of its memory by a column of its `statm`.
+pid_t ProcessOf(const string& program) {
+    std::error_code error;
+    for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
+        const auto file = std::filesystem::read_symlink(entry.path() / "exe", error);
+        if (!error && file == program) return std::stoi(entry.path().filename());
+    }
+    return 0;
+}
+
+constexpr int Data = 5;
+constexpr int Resident = 1;
+
+size_t MegabytesOf(pid_t process, int column) {
+    std::ifstream file("/proc/" + std::to_string(process) + "/statm");
+    size_t pages = 0;
+    for (int read = 0; read <= column; ++read) file >> pages;
+    return pages * static_cast<size_t>(getpagesize()) >> 20U;
+}
+
+string Fdp(size_t nameBytes) {
+    return R"({"command":"Fdp","name":")" + string(nameBytes, 'x') + "\"}";
+}
+
+/// What comes back for so many megabytes of header lines.
+string ManyHeaders(int port, size_t megabytes) {
+    const RawClient client(port);
+    string block;
+    while (block.size() < 1U << 20U) block += "a: b\r\n";
+    client.Send("GET /hi HTTP/1.1\r\nConnection: close\r\n");
+    for (size_t sent = 0; sent < megabytes; ++sent) client.Send(block);
+    client.Send("\r\n");
+    string reply = "error";
+    for (int second = 0; reply == "error" && second < 60; ++second) reply = client.Receive();
+    return reply;
+}
+
+TEST(WaysInThreadsTest, GivesMemoryBackAfterLargeRequests) {
+    if (!OwnMemory) GTEST_SKIP() << "the sanitizer keeps what is freed";
+    HostProcess host;
+    const pid_t process = ProcessOf(host.Program());
+    httplib::Client client = host.Client();
+    client.set_read_timeout(60);
+    ASSERT_TRUE(client.Post("/api", Fdp(10), "application/json"));
+    const size_t before = MegabytesOf(process, Resident);
+    for (int body = 0; body < 4; ++body) {
+        const auto reply = client.Post("/api", Fdp(40U << 20U), "application/json");
+        ASSERT_TRUE(reply && reply->body == "0");
+    }
+    ASSERT_TRUE(ManyHeaders(host.Port(), 5).ends_with("Hello Quelmo!\n"));
+    // A reply goes out before its request's memory is given back.
+    const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+    while (MegabytesOf(process, Resident) > before + 12 && std::chrono::steady_clock::now() < limit) {
+        std::this_thread::sleep_for(milliseconds(20));
+    }
+    EXPECT_LE(MegabytesOf(process, Resident), before + 12);
+}
+
+TEST(WaysInThreadsTest, GoesOnWhenRequestsAreTooLargeForItsMemory) {
+    if (!OwnMemory) GTEST_SKIP() << "the sanitizer takes memory of its own";
+    HostProcess host;
+    const string pipe = "VornServerPipe" + host.WaitFor("holds the pipe VornServerPipe");
+    const pid_t process = ProcessOf(host.Program());
+    ASSERT_TRUE(host.Client().Get("/hi"));
+    const auto leaveFree = [process](size_t megabytes) {
+        const rlim_t most = (MegabytesOf(process, Data) + megabytes) << 20U;
+        const rlimit limit{.rlim_cur = most, .rlim_max = RLIM_INFINITY};
+        ASSERT_EQ(prlimit(process, RLIMIT_DATA, &limit, nullptr), 0);
+    };
+    const auto expectServes = [&host, &pipe] {
+        const auto hi = host.Client().Get("/hi");
+        EXPECT_TRUE(hi && hi->status == 200);
+        string reply;
+        vorn::PipeAsk(pipe.c_str(), "Fdp/P", 0, reply);
+        EXPECT_EQ(reply, "0");
+    };
+    leaveFree(12);
+    string reply;
+    EXPECT_EQ(vorn::PipeAsk(pipe.c_str(), "Get/" + string(15U << 20U, 'x'), 0, reply),
+              vorn::PipeAnswer::BrokeOff);
+    expectServes();
+    leaveFree(40);
+    int bodiesRefused = 0;
+    for (const size_t megabytes : {1, 2, 4, 6, 9, 12, 14, 16, 20, 30, 60}) {
+        httplib::Client client = host.Client();
+        client.set_read_timeout(60);
+        const auto body = client.Post("/api", Fdp(megabytes << 20U), "application/json");
+        bodiesRefused += body && body->body == "0" ? 0 : 1;
+        expectServes();
+    }
+    EXPECT_GT(bodiesRefused, 0);
+    EXPECT_FALSE(ManyHeaders(host.Port(), 4).ends_with("Hello Quelmo!\n"));
+    expectServes();
+    EXPECT_EQ(host.End(), 0);
+}
+
+TEST(WaysInThreadsTest, SendsRepliesWithoutDelay) {
+    const int listener = socket(AF_INET, SOCK_STREAM, 0);
+    vorn::ListenSocketOptions(listener);
+    ASSERT_EQ(listen(listener, 1), 0);
+    sockaddr_in address{};
+    socklen_t length = sizeof address;
+    getsockname(listener, reinterpret_cast<sockaddr*>(&address), &length);
+    const RawClient client(ntohs(address.sin_port));
+    const int accepted = accept(listener, nullptr, nullptr);
+    int noDelay = 0;
+    length = sizeof noDelay;
+    EXPECT_EQ(getsockopt(accepted, IPPROTO_TCP, TCP_NODELAY, &noDelay, &length), 0);
+    EXPECT_EQ(noDelay, 1);
+    close(accepted);
+    close(listener);
+}
+
+TEST(WaysInThreadsTest, KnowsItsDirectoryByItsPathOf256Bytes) {
+    for (const size_t bytes : {256, 257}) {
+        const TemporaryFolder folder;
+        const string end = "/bin/vorn-host";
+        string root = folder.Path().string() + "/";
+        root += string(bytes - end.size() - root.size(), 'd');
+        std::filesystem::create_directories(root + "/bin");
+        std::filesystem::copy(ProgramBeside("vorn-host"), root + end);
+        HostProcess host({"--quiet"}, root + end);
+        string text = root + "/";
+        std::replace(text.begin(), text.end(), '/', '_');
+        const auto reply =
+            host.Client().Post("/api", R"({"command":"Fph","name":")" + text + "\"}", "application/json");
+        EXPECT_EQ(reply ? reply->body : "no reply", bytes == 256 ? "1" : "0");
+    }
+}
+
+}  // namespace

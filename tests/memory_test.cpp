@@ -1,0 +1,99 @@
+// Memory that runs out in the midst of a request: that request fails, and the service goes on.
+
+#include <functional>
+#include <thread>
+
+#include "include/vorn_contract.h"
+#include "include/vorn_server.h"
+#include "service/pipe_message.h"
+#include "service/pipe_service.h"
+#include "tests/support/failing_new.h"
+#include "tests/support/service_test.h"
+#include "tests/support/system.h"
+
+namespace {
+
+using std::string;
+
+constexpr const char* Mishap = "出现莫名错误,请联系技术支持";
+
+/// Longer than what a text holds without asking for memory.
+const string LongName = "PLANT1_" + string(40, 'X');
+
+/// Runs `request` again and again, each time with a later `new` failing, until none fails any more; `look` is
+/// then asked after each.
+void FailEach(const std::function<void()>& request, const std::function<void()>& look) {
+    int count = 0;
+    for (bool fails = true; fails; ++count) {
+        FailNew(count);
+        request();
+        fails = NewFailed();
+        FailNew(-1);
+        look();
+    }
+    EXPECT_GT(count, 2) << "the request asks for no memory";
+}
+
+class MemoryTest : public ServiceTest {
+  protected:
+    MemoryTest() { Rtn_Get_Get(); }
+    /// The log holds whole lines only: the next exchange has one of its own.
+    static void ExpectWholeLines() {
+        Send("Fdp", "P");
+        const string log = Rtn_Get_Get();
+        EXPECT_TRUE(log == "Fdp P  0" || log.ends_with("\nFdp P  0")) << log;
+    }
+};
+
+TEST_F(MemoryTest, LetsARequestFailAndNotTheSerialLine) {
+    const string line = "Get/" + LongName;
+    char reply[VORN_SERIAL_REPLY_BYTES];
+    FailEach([&] { ChuanKouServerThread(line.c_str(), reply); },
+             [&] {
+                 EXPECT_TRUE(string(reply) == Mishap || string(reply) == NoVariable || *reply == 0) << reply;
+                 ExpectWholeLines();
+             });
+    EXPECT_STREQ(reply, NoVariable);
+}
+
+TEST_F(MemoryTest, LetsARequestFailAndNotTheDispatcher) {
+    const string messages(300, 'm');
+    string reply;
+    FailEach(
+        [&] {
+            const std::lock_guard guard(vorn::DispatchLock);
+            vorn::ServerDispatch("Get", LongName, messages, reply);
+        },
+        ExpectWholeLines);
+    EXPECT_EQ(reply, NoVariable);
+}
+
+/// As `MemoryTest`, over a pipe.
+class MemoryThreadsTest : public MemoryTest {};
+
+TEST_F(MemoryThreadsTest, LetsAClientOfThePipeGo) {
+    const string name = "VornMemoryPipe" + std::to_string(ProcessNumber());
+    ASSERT_TRUE(vorn::PipeOpen(name.c_str(), vorn::PipeHandle));
+    string reply;
+    int refused = 0;
+    for (bool fails = true; fails; refused += reply.empty() ? 1 : 0) {
+        std::thread server([&fails, count = refused] {
+            FailNew(count);
+            vorn::PipeServeClient();
+            fails = NewFailed();
+            FailNew(-1);
+        });
+        const RawClient client(name);
+        client.Send("Get/" + LongName);
+        client.EndSending();
+        reply = client.Receive();
+        server.join();
+        if (reply == Mishap) break;  // from here on it is the dispatcher that runs out
+    }
+    EXPECT_GT(refused, 1);
+    EXPECT_EQ(reply, Mishap);
+    vorn::CloseHandle(vorn::PipeHandle);
+    vorn::PipeHandle = nullptr;
+}
+
+}  // namespace

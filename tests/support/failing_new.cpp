@@ -1,0 +1,37 @@
+#include "tests/support/failing_new.h"
+
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+thread_local int newsLeft = -1;
+thread_local bool failed = false;
+
+}  // namespace
+
+void FailNew(int count) {
+    newsLeft = count;
+    failed = false;
+}
+
+bool NewFailed() {
+    return failed;
+}
+
+void* operator new(std::size_t size) {
+    const bool fails = newsLeft == 0;
+    if (newsLeft >= 0) --newsLeft;
+    void* const block = fails ? nullptr : std::malloc(size == 0 ? 1 : size);
+    failed = failed || fails;
+    if (block == nullptr) throw std::bad_alloc();
+    return block;
+}
+
+void operator delete(void* block) noexcept {
+    std::free(block);
+}
+
+void operator delete(void* block, std::size_t /*size*/) noexcept {
+    std::free(block);
+}
