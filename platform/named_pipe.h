@@ -30,7 +30,7 @@ inline constexpr std::size_t PipeReplyBytesAtMost = std::size_t{256} << 20U;
 /// rests for 15 ms, the tick of a coarse clock, behind each chunk.
 inline constexpr std::size_t PipeReplyBytesPerHold = std::size_t{1} << 20U;
 
-/// Sets the hold time of exchanges that begin from now on. 60 s at first; tests take less.
+/// Sets the hold time while no exchange runs. 60 s at first; tests take less.
 void PipeHoldSet(int milliseconds);
 
 /// Makes the server's end of a new pipe, to be closed by `CloseHandle`. Null when a pipe of that name exists,

@@ -2,6 +2,7 @@
 
 #include <arpa/inet.h>
 #include <netinet/tcp.h>
+#include <signal.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/syscall.h>
@@ -17,6 +18,7 @@
 #include "platform/listen_socket.h"
 #include "platform/named_pipe.h"
 #include "platform/pipe_client.h"
+#include "platform/stream_socket.h"
 #include "service/pipe_service.h"
 #include "tests/support/host_process.h"
 #include "tests/support/service_test.h"
@@ -105,6 +107,7 @@ TEST(WaysInThreadsTest, GivesMemoryBackAfterLargeRequests) {
 
 TEST(WaysInThreadsTest, GoesOnWhenRequestsAreTooLargeForItsMemory) {
     if (!OwnMemory) GTEST_SKIP() << "the sanitizer takes memory of its own";
+    signal(SIGPIPE, SIG_IGN);  // a client's library writes on where it was let go
     HostProcess host;
     const string pipe = "VornServerPipe" + host.WaitFor("holds the pipe VornServerPipe");
     const pid_t process = ProcessOf(host.Program());
@@ -173,6 +176,149 @@ TEST(WaysInThreadsTest, KnowsItsDirectoryByItsPathOf256Bytes) {
             host.Client().Post("/api", R"({"command":"Fph","name":")" + text + "\"}", "application/json");
         EXPECT_EQ(reply ? reply->body : "no reply", bytes == 256 ? "1" : "0");
     }
+}
+
+/// A pipe of the test's own, served client by client on a thread.
+class PipeWaysInThreadsTest : public ServiceTest {
+  protected:
+    PipeWaysInThreadsTest() { EXPECT_TRUE(vorn::PipeOpen(name_.c_str(), vorn::PipeHandle)); }
+    ~PipeWaysInThreadsTest() override {
+        Join();
+        vorn::PipeHoldSet(60000);
+        vorn::CloseHandle(vorn::PipeHandle);
+        vorn::PipeHandle = nullptr;
+    }
+    void Serve(int clients) {
+        server_ = std::thread([clients] {
+            for (int client = 0; client < clients; ++client) vorn::PipeServeClient();
+        });
+    }
+    void Join() {
+        if (server_.joinable()) server_.join();
+    }
+
+    const string name_ = "VornWaysInPipe" + std::to_string(ProcessNumber());
+
+  private:
+    std::thread server_;
+};
+
+TEST_F(PipeWaysInThreadsTest, WaitsForAClientThatEndedItsWritingToReadItsReply) {
+    Serve(2);
+    const RawClient first(name_);
+    first.Send("Fdp/FIRST");
+    first.EndSending();
+    const int second = socket(AF_UNIX, SOCK_STREAM, 0);
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    std::copy(name_.begin(), name_.end(), address.sun_path + 1);
+    ASSERT_EQ(connect(second, reinterpret_cast<const sockaddr*>(&address),
+                      static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 + name_.size())),
+              0);
+    ASSERT_EQ(send(second, "Fdp/B", 5, 0), 5);
+    EXPECT_FALSE(vorn::SocketAwait(second, 300)) << "the second client was served before the first had read";
+    EXPECT_EQ(first.Receive(), "0");
+    EXPECT_TRUE(vorn::SocketAwait(second, 20000));
+    close(second);
+}
+
+TEST_F(PipeWaysInThreadsTest, BoundsRequestsAndTheTimeOfAWholeExchange) {
+    Serve(3);
+    string reply;
+    const string least = "Get/";
+    const string most = least + string(vorn::PipeRequestBytesAtMost - least.size(), 'x');
+    EXPECT_EQ(vorn::PipeAsk(name_.c_str(), most, 0, reply), vorn::PipeAnswer::Whole);
+    EXPECT_EQ(vorn::PipeAsk(name_.c_str(), most + "x", 0, reply), vorn::PipeAnswer::BrokeOff);
+    EXPECT_EQ(vorn::PipeAsk(name_.c_str(), "Fdp/P", 0, reply), vorn::PipeAnswer::Whole);
+    Join();
+
+    // A client that reads on, but slowly, is let go all the same.
+    constexpr size_t ReplyBytes = 3U << 20U;
+    vorn::PipeHoldSet(100);
+    std::thread server([] {
+        EXPECT_TRUE(vorn::ConnectNamedPipe(vorn::PipeHandle));
+        vorn::PipeReply(string(ReplyBytes, 'r'));
+        vorn::DisconnectNamedPipe(vorn::PipeHandle);
+    });
+    vorn::NamedPipe* const slow = vorn::CreateFileW(name_);
+    ASSERT_TRUE(slow != nullptr && vorn::WriteFile(slow, "Fdp/P"));
+    size_t received = 0;
+    string bytes(4096, ' ');
+    for (size_t read = bytes.size(); read == bytes.size(); received += read) {
+        std::this_thread::sleep_for(milliseconds(10));
+        if (!vorn::ReadFile(slow, bytes.data(), bytes.size(), read)) break;
+    }
+    EXPECT_LT(received, ReplyBytes);
+    vorn::CloseHandle(slow);
+    server.join();
+}
+
+TEST_F(PipeWaysInThreadsTest, BridgesThePauseBetweenTwoPiecesOfALargeRequest) {
+    // The pause is longer than a small request may have, and on a busy machine at times than any may.
+    const string piece(40000, 'p');
+    bool whole = false;
+    for (int attempt = 0; attempt < 20 && !whole; ++attempt) {
+        Serve(1);
+        standin::TraceStart();
+        const RawClient client(name_);
+        client.Send("Fdp/" + piece);
+        std::this_thread::sleep_for(milliseconds(80));
+        client.Send(piece);
+        client.EndSending();
+        client.Receive();
+        Join();
+        whole = standin::TraceStop().back() == "ProjectNameToID(\"" + piece + piece + "\")";
+    }
+    EXPECT_TRUE(whole);
+}
+
+TEST_F(PipeWaysInThreadsTest, TriesFiveHundredTimesToOpenAPipe) {
+    pipeConnects = 0;
+    string reply;
+    EXPECT_EQ(vorn::PipeAsk((name_ + "no").c_str(), "Fdp/P", 0, reply), vorn::PipeAnswer::NoPipe);
+    EXPECT_EQ(pipeConnects, 500);
+}
+
+TEST_F(PipeWaysInThreadsTest, TakesNoReplyOverItsLimit) {
+    std::thread server([] {
+        EXPECT_TRUE(vorn::ConnectNamedPipe(vorn::PipeHandle));
+        const string part(1U << 20U, 'r');
+        for (size_t sent = 0; sent <= vorn::PipeReplyBytesAtMost; sent += part.size()) {
+            if (!vorn::WriteFile(vorn::PipeHandle, part)) break;
+        }
+        vorn::DisconnectNamedPipe(vorn::PipeHandle);
+    });
+    string reply;
+    EXPECT_EQ(vorn::PipeAsk(name_.c_str(), "Fdp/P", 0, reply), vorn::PipeAnswer::BrokeOff);
+    EXPECT_EQ(reply, "");
+    server.join();
+}
+
+TEST_F(PipeWaysInThreadsTest, TellsAnotherUsersPipeNothing) {
+    if (geteuid() != 0) GTEST_SKIP() << "needs root, to become another user";
+    const string name = name_ + "other";
+    int ready[2];
+    ASSERT_EQ(pipe(ready), 0);
+    const pid_t child = fork();
+    if (child == 0) {
+        vorn::NamedPipe* const own = setuid(65534) == 0 ? vorn::CreateNamedPipeW(name) : nullptr;
+        if (own == nullptr || write(ready[1], "r", 1) != 1) _exit(99);
+        // Root may be served: what comes would be a request. Both clients leave without one.
+        vorn::PipeHoldSet(20000);
+        const bool asked = vorn::ConnectNamedPipe(own) || vorn::ConnectNamedPipe(own);
+        _exit(asked ? 1 : 0);
+    }
+    char byte = 0;
+    ASSERT_EQ(read(ready[0], &byte, 1), 1);
+    EXPECT_EQ(vorn::PipeHolderOf(name), vorn::PipeHolder::AnotherUser);
+    string reply;
+    EXPECT_EQ(vorn::PipeAsk(name.c_str(), "Create/SECRET", 0, reply), vorn::PipeAnswer::BrokeOff);
+    int status = 0;
+    waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(vorn::PipeHolderOf(name_), vorn::PipeHolder::ThisProcess);
+    close(ready[0]);
+    close(ready[1]);
 }
 
 }  // namespace
