@@ -18,6 +18,15 @@ constexpr double LeastFlow = 1e-9;  // kg/s
 constexpr double PressureShare = 1e-12;
 constexpr double LeastSlope = 1e-9;  // kPa/(kg/s)
 
+/// How far from a solution factors of an earlier step are worth a try, in parts of the border of `FlowShare`.
+constexpr double NearEnough = 1e7;
+
+// A flow that comes near 0 on its way has next to no slope there, and the next step would go far beyond all
+// flows. So slopes begin too steep, which only shortens steps, and lose that from step to step.
+constexpr double FirstEase = 1.0;
+constexpr double LeastEase = 1e-6;
+constexpr double EaseFalls = 0.6;
+
 /// A step may turn a check, but not for ever.
 constexpr int LastTurn = 40;
 
@@ -104,6 +113,7 @@ void NetSolver::Begin(std::span<const Law> laws) {
     const bool rested = Largest(flows_) < 1e-6 * usual;
     for (std::size_t edge = 0; edge < edges_.size(); ++edge) {
         if (!laws[edge].check) holding_[edge] = 0;
+        if (carried_[edge] != static_cast<char>(Carries(edge, laws))) factored_ = false;
         if (!Carries(edge, laws)) {
             flows_[edge] = 0.0;
         } else if (rested || carried_[edge] != 1) {
@@ -134,8 +144,8 @@ void NetSolver::FindParts(std::span<const Law> laws) {
 }
 
 /// Fills the drops and surpluses at the present flows and pressures. Gives how far these are from a solution,
-/// 1 at the border of what counts as one.
-double NetSolver::Measure(std::span<const Law> laws) {
+/// 1 at the border of what counts as one. `ease` makes the slopes steeper, by that part of the usual flow.
+double NetSolver::Measure(std::span<const Law> laws, double ease) {
     const double flowBorder = LeastAccepted(flows_);
     const double pressureBorder = PressureShare * std::max(1.0, Largest(pressures_));
     double worst = 0.0;
@@ -143,7 +153,8 @@ double NetSolver::Measure(std::span<const Law> laws) {
     for (std::size_t edge = 0; edge < edges_.size(); ++edge) {
         if (!Carries(edge, laws)) continue;
         drops_[edge] = DropAt(laws[edge], flows_[edge]);
-        drops_[edge].slope = std::max(drops_[edge].slope, LeastSlope);
+        drops_[edge].slope += LeastSlope;
+        if (ease > 0.0) drops_[edge].slope += ease * DropAt(laws[edge], laws[edge].usualFlow).slope;
         const double error = std::abs(drops_[edge].pressure - Difference(edges_[edge]));
         worst = std::max(worst, std::min(error / drops_[edge].slope / flowBorder, error / pressureBorder));
         At(surplus_, edges_[edge].from) -= flows_[edge];
@@ -156,8 +167,8 @@ double NetSolver::Measure(std::span<const Law> laws) {
     return worst;
 }
 
-/// One step of Newton's method, or a share of one. False where it leads nowhere.
-bool NetSolver::Step(std::span<const Law> laws, double share) {
+/// Fills the matrix of the corrections of the pressures, and gives what is to be corrected.
+Eigen::VectorXd NetSolver::Assemble(std::span<const Law> laws) {
     std::fill_n(matrix_.valuePtr(), matrix_.nonZeros(), 0.0);
     for (std::size_t edge = 0; edge < edges_.size(); ++edge) {
         if (!Carries(edge, laws)) continue;
@@ -181,9 +192,17 @@ bool NetSolver::Step(std::span<const Law> laws, double share) {
         entry += weight;
         right[At(unknowns_, pin)] -= weight * At(pressures_, pin);
     }
+    return right;
+}
+
+/// One step of Newton's method, or a share of one; where `factored_`, with the factors of an earlier one.
+/// False where it leads nowhere.
+bool NetSolver::Step(std::span<const Law> laws, double share) {
+    Eigen::VectorXd right = Assemble(laws);
     if (unknownCount_ > 0) {
-        factors_.factorize(matrix_);
-        if (factors_.info() != Eigen::Success) return false;
+        if (!factored_) factors_.factorize(matrix_);
+        factored_ = factors_.info() == Eigen::Success;
+        if (!factored_) return false;
         right = factors_.solve(right).eval();
     }
     const auto correction = [&](int point) {
@@ -226,29 +245,37 @@ bool NetSolver::Solve(std::span<const Law> laws) {
     const std::vector<char> lastHolding = holding_;
     Begin(laws);
     FindParts(laws);
-    double share = 1.0;
     double last = std::numeric_limits<double>::infinity();
+    double ease = 0.0;
     for (int step = 0; step <= MostSteps; ++step) {
-        const double distance = Measure(laws);
+        double distance = Measure(laws, ease);
+        if (step == 0 && distance > NearEnough) {
+            ease = FirstEase;
+            distance = Measure(laws, ease);
+        }
+        ease = ease < LeastEase ? 0.0 : ease * EaseFalls;
         const bool found = distance <= 1.0;
         if (step <= LastTurn || found) {
             if (TurnChecks(laws)) {
                 FindParts(laws);
-                Measure(laws);
-                share = 1.0;
+                Measure(laws, ease);
+                factored_ = false;
             } else if (found) {
                 Rest(laws);
                 for (std::size_t edge = 0; edge < edges_.size(); ++edge) carried_[edge] = Carries(edge, laws);
                 return true;
             }
         }
-        share = step >= DampedFrom && distance > 0.5 * last ? 0.5 : 1.0;
+        // Factors of an earlier step are good as long as the corrections made with them shrink fast.
+        if (step == 0 ? distance > NearEnough : distance > 0.05 * last) factored_ = false;
+        const double share = step >= DampedFrom && distance > last ? 0.5 : 1.0;
         last = distance;
         if (step == MostSteps || !Step(laws, share)) break;
     }
     flows_ = lastFlows;
     pressures_ = lastPressures;
     holding_ = lastHolding;
+    factored_ = false;
     return false;
 }
 

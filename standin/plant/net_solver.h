@@ -39,7 +39,8 @@ class NetSolver {
     bool Carries(std::size_t edge, std::span<const Law> laws) const;
     void Begin(std::span<const Law> laws);
     void FindParts(std::span<const Law> laws);
-    double Measure(std::span<const Law> laws);
+    double Measure(std::span<const Law> laws, double ease);
+    Eigen::VectorXd Assemble(std::span<const Law> laws);
     bool Step(std::span<const Law> laws, double share);
     bool TurnChecks(std::span<const Law> laws);
     void Rest(std::span<const Law> laws);
@@ -67,6 +68,7 @@ class NetSolver {
     };
     std::vector<Places> places_;     ///< by edge: where it stands in the matrix; null where it does not
     std::vector<double*> diagonal_;  ///< by row
+    bool factored_ = false;
     Eigen::SimplicialLDLT<Eigen::SparseMatrix<double>> factors_;
 };
 
