@@ -114,12 +114,13 @@ TEST_F(NetworkReportTest, NamesOutsideTheTablesAreEmpty) {
 
 TEST_F(NetworkReportTest, PageLinksJoinAllThatMeetsAtAJump) {
     ProjectJsonAdd("JUMPS");
-    // Jump 5 leads to jump 6, and back; jump 8 leads nowhere. The jumps 20 to 22 are a line, 30 and 31 a
+    // Jump 5 leads to jump 6, and back; jump 8 leads nowhere. The jumps 21 and 22 are a line, 30 and 31 a
     // ring.
     Link("JUMPS",
          "2 1 1 1 1 3 5 0 0; 0 3 5 1 0 1 2 0 1; 0 2 3 8 0 3 5 1 0; 0 3 5 2 0 3 6 0 0;"
          "0 3 6 1 0 2 4 0 0; 0 3 6 2 0 3 5 0 0; 0 1 7 1 1 3 8 0 0;"
-         "0 1 9 1 1 3 20 0 0; 0 3 20 1 0 3 21 0 0; 0 3 21 1 0 3 22 0 0; 0 3 22 1 0 2 9 0 0; 0 1 8 1 1 3 21 0 "
+         "0 1 9 1 1 3 20 0 0; 0 3 20 1 0 3 21 0 0; 0 3 20 2 0 2 11 0 0; 0 3 21 1 0 3 22 0 0; 0 3 22 1 0 2 9 "
+         "0 0; 0 1 8 1 1 3 21 0 "
          "0;"
          "0 1 10 1 1 3 30 0 0; 0 3 30 1 0 3 31 0 0; 0 3 31 1 0 3 30 0 0");
     vorn::SnapshotLoad(Own, 0);
@@ -134,7 +135,7 @@ TEST_F(NetworkReportTest, PageLinksJoinAllThatMeetsAtAJump) {
     }
     EXPECT_EQ(links,
               "2 1 1 1 1 1 2 0 1 \n2 1 1 1 1 2 4 0 0 \n0 2 3 8 0 1 2 0 1 \n0 2 3 8 0 2 4 0 0 \n"
-              "0 1 9 1 1 2 9 0 0 \n0 1 8 1 1 2 9 0 0 \n");
+              "0 1 9 1 1 2 11 0 0 \n0 1 9 1 1 2 9 0 0 \n0 1 8 1 1 2 9 0 0 \n");
 
     // 200 rows into a jump and 200 out of it are more connections than there is room for.
     ProjectJsonAdd("FULL");

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <filesystem>
 #include <fstream>
@@ -149,9 +150,15 @@ TEST_F(PicturesTest, TheChartIsTheOneThatWasLookedAtAndTakesAnyRun) {
 }
 
 TEST_F(PicturesTest, AreDrawnWhileTheCallerWaits) {
+    constexpr auto Long = std::chrono::seconds(60);
+    std::promise<void> begun;
     std::promise<void> asked;
-    FileFaultSet(0, StepFault::Stop, [&] { asked.get_future().wait(); });
+    FileFaultSet(0, StepFault::Stop, [&] {
+        begun.set_value();
+        EXPECT_EQ(asked.get_future().wait_for(Long), std::future_status::ready);
+    });
     Pipe_PjtPngSave(0);
+    EXPECT_EQ(begun.get_future().wait_for(Long), std::future_status::ready);
     asked.set_value();
     standin::DrawingFinish();
     FileFaultClear();

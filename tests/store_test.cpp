@@ -357,13 +357,15 @@ TEST_F(StoreTest, IsTheOldOrTheNewProjectWhereverTheProcessIsKilled) {
         ASSERT_EQ(waitpid(child, nullptr, 0), child);
         close(ends[0]);
 
-        leftovers += Holds(FilesOf("P"), ".new");
+        leftovers += Holds(FilesOf("P"), ".new." + std::to_string(child));
         ASSERT_TRUE(StoreRead(*ProjectFind(0)));
         // The file is renamed by the step before the last.
         EXPECT_EQ(Json(0), step < 5 ? first : second);
         ProjectEmpty(*ProjectFind(0));
+        // What a process that is there began is left to it.
+        Write(FileOf("P") + ".new.1", "begun");
         ASSERT_TRUE(StoreWrite(*ProjectFind(0)));
-        EXPECT_EQ(FilesOf("P"), "P.json ");
+        EXPECT_EQ(FilesOf("P"), "P.json P.json.new.1 ");
         NodeAdd(*ProjectFind(0), 0, 0, 0, 0, 0);
     }
     EXPECT_EQ(leftovers, 3);
