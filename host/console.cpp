@@ -7,7 +7,6 @@
 #include <chrono>
 #include <cstdint>
 #include <deque>
-#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <map>
@@ -74,13 +73,10 @@ Log& TheLog() {
 }
 
 /// The page's files, read whole: what is not in this list is not served, whatever a path says.
-std::map<std::string, File> FilesRead() {
-    namespace fs = std::filesystem;
-    const fs::path program = vorn::ExecutablePath();
-    const fs::path folder = program.parent_path().parent_path() / "share" / "vornserver" / "console";
+std::map<std::string, File> FilesRead(const std::filesystem::path& folder) {
     std::map<std::string, File> files;
     std::error_code fault;
-    for (const auto& entry : fs::directory_iterator(folder, fault)) {
+    for (const auto& entry : std::filesystem::directory_iterator(folder, fault)) {
         const std::string name = entry.path().filename().string();
         const auto* kind = std::find_if(std::begin(FileKinds), std::end(FileKinds),
                                         [&](const FileKind& each) { return name.ends_with(each.ending); });
@@ -230,9 +226,15 @@ bool ConsoleAddressRead(const std::string& text, ConsoleAddress& address, std::s
     return fault.empty();
 }
 
-std::string ConsoleStart(const ConsoleAddress& address, int servicePort, std::string& fault) {
+std::filesystem::path ConsoleFolder() {
+    const std::filesystem::path program = vorn::ExecutablePath();
+    return program.parent_path().parent_path() / "share" / "vornserver" / "console";
+}
+
+std::string ConsoleStart(const ConsoleAddress& address, const std::filesystem::path& folder, int servicePort,
+                         std::string& fault) {
     static Console& console = *new Console;
-    console.files = FilesRead();
+    console.files = FilesRead(folder);
     if (!console.files.contains("/index.html")) {
         fault = "its page is not built; that takes Node and npm";
         return {};

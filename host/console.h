@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include <filesystem>
 #include <string>
 #include <string_view>
 
@@ -20,10 +21,12 @@ struct ConsoleAddress {
 /// any other text and for a port that the library may take itself.
 bool ConsoleAddressRead(const std::string& text, ConsoleAddress& address, std::string& fault);
 
-/// Starts the console, once in a process, on threads of its own. `servicePort` is where `/api` goes: to be
-/// known before, since the search for it must not find the console. The page's files are those of
-/// `../share/vornserver/console`, seen from the program. Gives the link to open; the empty text, with `fault`
-/// saying why, when there is no page or no free port.
+/// The folder of the page's files: `../share/vornserver/console`, seen from the program.
+std::filesystem::path ConsoleFolder();
+
+/// Starts the console, once in a process, on threads of its own. `folder` holds the page's files, which are
+/// read once. `servicePort` is where `/api` goes. Gives the link to open; the empty text, with `fault` saying
+/// why, when there is no page or no free port.
 ///
 /// Served are only requests whose `Host` is the console's own, by number or as `localhost`, and whose
 /// `Origin`, where there is one, is the console itself: all others get 403, so that no page of the web
@@ -31,7 +34,8 @@ bool ConsoleAddressRead(const std::string& text, ConsoleAddress& address, std::s
 ///
 /// `GET /log?after=N` gives `{"next":N,"lines":[{"number":N,"time":MILLISECONDS,"text":"..."}]}`: the
 /// lines behind number N that are still kept, 500 at most, the time since 1970.
-std::string ConsoleStart(const ConsoleAddress& address, int servicePort, std::string& fault);
+std::string ConsoleStart(const ConsoleAddress& address, const std::filesystem::path& folder, int servicePort,
+                         std::string& fault);
 
 /// Keeps lines of the log of exchanges for `/log`, each with its end, in UTF-8 without control characters;
 /// the last 2000, of which each is cut at 4000 bytes. Any thread; never waits for a browser.

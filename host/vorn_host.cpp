@@ -73,7 +73,7 @@ int OwnPort(const std::vector<int>& before) {
 
 void StartConsole(const ConsoleAddress& address, int port) {
     std::string fault;
-    const std::string link = ConsoleStart(address, port, fault);
+    const std::string link = ConsoleStart(address, ConsoleFolder(), port, fault);
     Tell(link.empty() ? "VornServer has no console: " + fault + "\n"
                       : "VornServer shows its plants at " + link + "\n");
 }

@@ -37,18 +37,18 @@ function PortValues({ info }: { info: Info }) {
         <section>
             <h3>{t("values")}</h3>
             {ports.map((port) => (
-                <dl key={port} class="port">
-                    <dt class="head">{t("port")} {port}</dt>
+                <div key={port} class="port">
+                    <h4>{t("port")} {port}</h4>
                     {info.ports.filter((variable) => variable.port === port).map(({ name, item }) => {
                         const word = words[item];
                         return (
                             <div key={name} class="pair">
-                                <dt>{word ? t(word) : item}</dt>
-                                <dd><LiveValue name={name} /> <small>{unitOf(name)}</small> <ChartButton name={name} /></dd>
+                                <span class="name">{word ? t(word) : item}</span>
+                                <LiveValue name={name} /> <small>{unitOf(name)}</small> <ChartButton name={name} />
                             </div>
                         );
                     })}
-                </dl>
+                </div>
             ))}
         </section>
     );

@@ -37,7 +37,7 @@ function Cell({ text, label, save }: CellProps) {
     };
     if (!editing.value) {
         return (
-            <button type="button" class="cell" title={`${t("edit")} ${label}: ${text}`} aria-label={`${t("edit")} ${label}: ${text}`} onClick={() => (editing.value = true)}>
+            <button type="button" class="cell" title={text} aria-label={`${t("edit")} ${label}: ${short(text)}`} onClick={() => (editing.value = true)}>
                 {short(text)}
             </button>
         );

@@ -48,6 +48,10 @@ type Canvas = CanvasRenderingContext2D;
 function trace(canvas: Canvas, route: readonly number[], radius: number): void {
     const x = (at: number): number => route[at] ?? 0;
     canvas.moveTo(x(0), x(1));
+    if (radius === 0) {
+        for (let at = 2; at + 1 < route.length; at += 2) canvas.lineTo(x(at), x(at + 1));
+        return;
+    }
     for (let at = 2; at + 3 < route.length; at += 2) {
         const before = Math.hypot(x(at) - x(at - 2), x(at + 1) - x(at - 1)) / 2;
         const after = Math.hypot(x(at + 2) - x(at), x(at + 3) - x(at + 1)) / 2;
@@ -81,56 +85,71 @@ function arrow(canvas: Canvas, at: { x: number; y: number; angle: number }, size
 }
 
 /** All runs of one colour in one path: fast, whatever their number. */
-function strokeRuns(canvas: Canvas, layout: Layout, runs: readonly Run[], width: number, colour: string): void {
+function strokeRuns(
+    canvas: Canvas, layout: Layout, runs: readonly Run[], width: number, colour: string, radius = 10,
+): void {
     canvas.strokeStyle = colour;
     canvas.lineWidth = width;
     canvas.beginPath();
-    for (const run of runs) trace(canvas, layout.routes.get(run.key) ?? [], 10);
+    for (const run of runs) trace(canvas, layout.routes.get(run.key) ?? [], radius);
     canvas.stroke();
+}
+
+/** The runs in view by what flows in them, each kind in one stroke. */
+function strokeAll(canvas: Canvas, layout: Layout, view: View, look: Look, width: number): void {
+    const { palette, marked } = look;
+    const groups = new Map<Medium, Run[]>();
+    for (const run of view.runs) {
+        const group = groups.get(run.medium);
+        if (group) group.push(run);
+        else groups.set(run.medium, [run]);
+    }
+    const radius = view.scale < signScale ? 0 : 10;
+    canvas.lineCap = radius === 0 ? "butt" : "round";
+    for (const [medium, runs] of groups) {
+        canvas.setLineDash(medium === "info" ? [8, 7] : []);
+        canvas.globalAlpha = marked ? 0.22 : 1;
+        strokeRuns(canvas, layout, runs, width, palette.media[medium], radius);
+        canvas.globalAlpha = 1;
+        if (!marked) continue;
+        const inside = runs.filter((run) => marked.has(run.key));
+        strokeRuns(canvas, layout, inside, width * 1.5, palette.media[medium], radius);
+    }
+    canvas.setLineDash([]);
+}
+
+/** The moving dashes of a run in which something flows. */
+function paintFlow(canvas: Canvas, layout: Layout, run: Run, look: Look): void {
+    const flow = look.flowOf(run);
+    if (flow === null || Math.abs(flow) < 1e-9) return;
+    canvas.setLineDash([5, 15]);
+    canvas.lineDashOffset = -look.time * 26 * Math.sign(flow);
+    canvas.globalAlpha = 0.75;
+    strokeRuns(canvas, layout, [run], 1.5, look.palette.paper);
+    canvas.globalAlpha = 1;
+    canvas.setLineDash([]);
 }
 
 function paintRuns(canvas: Canvas, layout: Layout, view: View, look: Look): void {
     const { palette, marked } = look;
-    const width = Math.max(3.2, 1.3 / view.scale);
-    const groups = new Map<Medium, Run[]>();
-    for (const run of view.runs) groups.set(run.medium, [...(groups.get(run.medium) ?? [])]);
-    for (const run of view.runs) groups.get(run.medium)?.push(run);
-    canvas.lineCap = "round";
-    for (const [medium, runs] of groups) {
-        canvas.setLineDash(medium === "info" ? [8, 7] : []);
-        canvas.globalAlpha = marked ? 0.22 : 1;
-        strokeRuns(canvas, layout, runs, width, palette.media[medium]);
-        canvas.globalAlpha = 1;
-        if (!marked) continue;
-        strokeRuns(canvas, layout, runs.filter((run) => marked.has(run.key)), width * 1.5, palette.media[medium]);
-    }
-    canvas.setLineDash([]);
+    const width = Math.max(3.2, 0.9 / view.scale);
+    strokeAll(canvas, layout, view, look, width);
     for (const run of view.runs) {
-        const route = layout.routes.get(run.key) ?? [];
-        const chosen = run.key === look.selected || run.key === look.faulty;
-        if (chosen) {
-            canvas.globalAlpha = 0.35;
-            strokeRuns(canvas, layout, [run], width * 3.4, run.key === look.faulty ? palette.bad : palette.accent);
-            canvas.globalAlpha = 1;
-            strokeRuns(canvas, layout, [run], width, palette.media[run.medium]);
-        }
-        if (view.scale < signScale * 1.6) continue;
-        const flow = look.flowOf(run);
-        if (flow !== null && Math.abs(flow) > 1e-9) {
-            canvas.setLineDash([5, 15]);
-            canvas.lineDashOffset = -look.time * 26 * Math.sign(flow);
-            canvas.globalAlpha = 0.75;
-            strokeRuns(canvas, layout, [run], 1.5, palette.paper);
-            canvas.globalAlpha = 1;
-            canvas.setLineDash([]);
-        }
-        const spot = longest(route);
-        if (spot.length > 26) {
-            canvas.globalAlpha = marked && !marked.has(run.key) ? 0.3 : 1;
-            canvas.fillStyle = palette.media[run.medium];
-            arrow(canvas, spot, 7.5);
-            canvas.globalAlpha = 1;
-        }
+        if (run.key !== look.selected && run.key !== look.faulty) continue;
+        canvas.globalAlpha = 0.35;
+        strokeRuns(canvas, layout, [run], width * 3.4, run.key === look.faulty ? palette.bad : palette.accent);
+        canvas.globalAlpha = 1;
+        strokeRuns(canvas, layout, [run], width, palette.media[run.medium]);
+    }
+    if (view.scale < signScale * 1.6) return;
+    for (const run of view.runs) {
+        paintFlow(canvas, layout, run, look);
+        const spot = longest(layout.routes.get(run.key) ?? []);
+        if (spot.length < 26) continue;
+        canvas.globalAlpha = marked && !marked.has(run.key) ? 0.3 : 1;
+        canvas.fillStyle = palette.media[run.medium];
+        arrow(canvas, spot, 7.5);
+        canvas.globalAlpha = 1;
     }
 }
 
@@ -207,12 +226,11 @@ function paintDevice(
     canvas.fillStyle = palette.card;
     canvas.strokeStyle = shape.key === look.faulty ? palette.bad : palette.line;
     canvas.lineWidth = shape.key === look.selected || shape.key === look.faulty ? 2.4 : 1.2;
-    if (shape.key === look.selected) canvas.strokeStyle = palette.accent;
+    if (shape.key === look.selected && shape.key !== look.faulty) canvas.strokeStyle = palette.accent;
     canvas.beginPath();
     canvas.roundRect(box.x, box.y, box.w, box.h, 13);
     canvas.fill();
     canvas.stroke();
-    if (view.scale < signScale) return;
     if (shape.type.inside) {
         paintRoom(canvas, shape, box, look);
         return;
@@ -245,10 +263,44 @@ export function flipped(plant: Plant, layout: Layout): Set<string> {
     return new Set([...balance].filter(([, sum]) => sum < 0).map(([key]) => key));
 }
 
+/** From far away shapes are spots: all in one stroke. */
+function paintSpots(canvas: Canvas, layout: Layout, view: View, look: Look): void {
+    const least = 3 / view.scale;
+    const spots = (shapes: readonly Element[], colour: string): void => {
+        canvas.fillStyle = colour;
+        canvas.beginPath();
+        for (const shape of shapes) {
+            const box = layout.boxes.get(shape.key);
+            if (!box) continue;
+            const [w, h] = [Math.max(box.w, least), Math.max(box.h, least)];
+            canvas.rect(box.x + (box.w - w) / 2, box.y + (box.h - h) / 2, w, h);
+        }
+        canvas.fill();
+    };
+    const { palette, marked } = look;
+    canvas.globalAlpha = marked ? 0.3 : 1;
+    spots(view.shapes.filter((shape) => !shape.node), palette.soft);
+    canvas.globalAlpha = 1;
+    if (marked) spots(view.shapes.filter((shape) => marked.has(shape.key)), palette.ink);
+    for (const [key, colour] of [[look.selected, palette.accent], [look.faulty, palette.bad]] as const) {
+        const box = key === null ? undefined : layout.boxes.get(key);
+        if (!box) continue;
+        canvas.fillStyle = colour;
+        const size = Math.max(box.w, 12 / view.scale);
+        canvas.beginPath();
+        canvas.arc(box.x + box.w / 2, box.y + box.h / 2, size / 2, 0, 2 * Math.PI);
+        canvas.fill();
+    }
+}
+
 /** Paints what is in view; the canvas is already moved and scaled. */
 export function paint(canvas: Canvas, layout: Layout, view: View, look: Look, flips: ReadonlySet<string>): void {
     const { palette, marked } = look;
     paintRuns(canvas, layout, view, look);
+    if (view.scale < signScale) {
+        paintSpots(canvas, layout, view, look);
+        return;
+    }
     const nodeColours = new Map<string, string>();
     for (const run of view.runs) {
         nodeColours.set(run.from.key, palette.media[run.medium]);

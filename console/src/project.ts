@@ -162,15 +162,12 @@ function numbersOf(list: Report["DeviceInfo"], prefix: string, project: string):
     return elementNumbers(list.map(({ InstanceID }) => InstanceID), prefix, (id) => askNumber(project, id, prefix));
 }
 
-/** Above so many shapes a plant is first drawn as the document has it: the tidy layout takes its time. */
-const tidyAtOnce = 500;
 /** Milliseconds before the document's positions stand in for a tidy layout. */
-const patience = 900;
+const patience = 800;
 
 async function arrange(next: NonNullable<typeof plant.value>): Promise<void> {
     const turn = loads;
-    const large = next.shapes.length > tidyAtOnce;
-    if (plant.value?.name !== next.name) layoutKind.value = large ? "given" : "tidy";
+    if (plant.value?.name !== next.name) layoutKind.value = "tidy";
     if (layoutKind.value === "given") {
         layout.value = givenLayout(next);
         plant.value = next;

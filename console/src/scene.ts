@@ -125,6 +125,9 @@ export class Scene {
     private width = 1;
     private height = 1;
     private fitted = false;
+    /** What was brought to the middle last, and is kept there when the canvas changes its size. */
+    private sought: string | null = null;
+    private glides = 0;
     private readonly calm = matchMedia("(prefers-reduced-motion: reduce)");
 
     constructor(private readonly canvas: HTMLCanvasElement, private readonly tell: (text: string) => void) {
@@ -137,6 +140,7 @@ export class Scene {
             .on("zoom", (event: { transform: ZoomTransform; sourceEvent: unknown }) => {
                 this.transform = event.transform;
                 if (event.sourceEvent) this.fitted = false;
+                if (event.sourceEvent) this.sought = null;
                 this.dirty();
             });
         d3select(canvas).call(this.zoom).on("dblclick.zoom", null);
@@ -166,9 +170,12 @@ export class Scene {
         if (!plant || !layout) {
             this.arranged = null;
         } else if (this.arranged?.plant !== plant || this.arranged.layout !== layout) {
+            const first = this.arranged === null;
             const other = this.arranged?.plant.name !== plant.name || this.arranged.layout.width !== layout.width;
             this.arranged = new Arranged(plant, layout);
             if (other || this.fitted) this.fit(false);
+            // What is being looked at stays in view when the rest moves.
+            if (other && !first && selected.value !== null) this.reveal(selected.value);
         }
         this.dirty();
     }
@@ -182,6 +189,7 @@ export class Scene {
         const y = (this.height - height * scale) / 2;
         this.move(zoomIdentity.translate(x, y).scale(Math.max(scale, 0.02)), slowly);
         this.fitted = true;
+        this.sought = null;
     }
 
     zoomBy(factor: number): void {
@@ -198,6 +206,7 @@ export class Scene {
         const x = this.width / 2 - (box.x + box.w / 2) * scale;
         const y = this.height / 2 - (box.y + box.h / 2) * scale;
         this.fitted = false;
+        this.sought = key;
         this.move(zoomIdentity.translate(x, y).scale(scale), true);
     }
 
@@ -236,6 +245,7 @@ export class Scene {
     }
 
     private move(transform: ZoomTransform, slowly: boolean): void {
+        const turn = ++this.glides;
         // Without an animation where the page is to be calm.
         if (!slowly || this.calm.matches) {
             this.zoom.transform(d3select(this.canvas), transform);
@@ -244,12 +254,13 @@ export class Scene {
         const from = this.transform;
         const start = performance.now();
         const glide = (now: number): void => {
+            if (turn !== this.glides || this.ended.signal.aborted) return;
             const part = Math.min(1, (now - start) / 260);
             const eased = part * (2 - part);
             const mix = (one: number, other: number): number => one + (other - one) * eased;
             const next = zoomIdentity.translate(mix(from.x, transform.x), mix(from.y, transform.y));
             this.zoom.transform(d3select(this.canvas), next.scale(mix(from.k, transform.k)));
-            if (part < 1 && !this.ended.signal.aborted) requestAnimationFrame(glide);
+            if (part < 1) requestAnimationFrame(glide);
         };
         requestAnimationFrame(glide);
     }
@@ -267,6 +278,7 @@ export class Scene {
         this.canvas.width = Math.round(this.width * dots);
         this.canvas.height = Math.round(this.height * dots);
         if (this.fitted) this.fit(false);
+        if (this.sought !== null) this.reveal(this.sought);
         this.paintNow(performance.now());
     }
 

@@ -73,11 +73,12 @@ let noticeKey = 0;
 /** Tells something for some seconds; what went wrong stays longer. */
 export function tell(text: string, kind: Notice["kind"] = "plain"): void {
     const notice = { text, kind, key: ++noticeKey };
-    notices.value = [...notices.value.slice(-3), notice];
+    const others = notices.value.filter((each) => each.text !== text);
+    notices.value = [...others.slice(-3), notice];
     const drop = (): void => {
         notices.value = notices.value.filter((each) => each !== notice);
     };
-    setTimeout(drop, kind === "bad" ? 12000 : 5000);
+    setTimeout(drop, kind === "bad" ? 12000 : 4000);
 }
 
 /** The number of a value's text; null for a text that is none. */

@@ -118,7 +118,7 @@ const texts = {
     sent: ["文档已接收", "Document taken"],
     refused: ["服务拒绝", "The service refused"],
     noJson: ["这个文件不是 JSON 对象", "This file is no JSON object"],
-    complete: ["所有管网完整", "All networks are complete"],
+    complete: ["所有管网完整", "Networks complete"],
     fault_open: ["支路不完整：此处之后缺少连接", "A branch is incomplete: nothing is linked behind this element"],
     fault_unreached: ["此元件所在支路不完整", "The branch that this element is part of is incomplete"],
     fault_pressure: ["此节点所在管网缺少定压装置", "The network of this node lacks a pressure-holding device"],

@@ -63,7 +63,7 @@ function StatePill() {
 
 function Judged() {
     if (verdict.value?.good !== true) return null;
-    return <span class="state complete"><Icon name="check" size={14} /> <span class="word">{t("complete")}</span></span>;
+    return <span class="state complete" title={t("complete")}><Icon name="check" size={14} /> <span class="word">{t("complete")}</span></span>;
 }
 
 function Figure({ item, text, unit }: { item: string; text: TextKey; unit: string }) {
@@ -148,7 +148,7 @@ export function TopBar() {
             )}
             <span class="space" />
             {shown && (
-                <div class="actions">
+                <div class="actions late">
                     <ActionButton icon="check" text="check" word="NetAccess" act={load} />
                     <ActionButton icon="send" text="send" word="PjtSent" act={askForDocument} />
                     <DownloadMenu />

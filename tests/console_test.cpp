@@ -1,0 +1,141 @@
+// The console's own server: what it serves, whom it refuses, what it passes on, and the log that it keeps.
+
+#include "host/console.h"
+
+#include <gtest/gtest.h>
+#include <httplib.h>
+
+#include <fstream>
+#include <thread>
+
+#include "tests/support/working_folder.h"
+
+namespace {
+
+using std::string;
+
+TEST(ConsoleTest, ReadsAddresses) {
+    struct Row {
+        string text;
+        string host;  ///< empty for one that is refused
+        int port;
+    };
+    for (const Row& row : {Row{"127.0.0.1:8400", "127.0.0.1", 8400}, Row{"0.0.0.0", "0.0.0.0", 0},
+                           Row{"[::1]:9000", "::1", 9000}, Row{"[::1]", "::1", 0}, Row{"box:1", "box", 1},
+                           Row{"", "", 0}, Row{":8400", "", 0}, Row{"a:", "", 0}, Row{"a:b", "", 0},
+                           Row{"a:80x", "", 0}, Row{"a:-1", "", 0}, Row{"a:65536", "", 0}, Row{"[::1", "", 0},
+                           Row{"a:33360", "", 0}, Row{"a:33459", "", 0}, Row{"a:33460", "a", 33460}}) {
+        ConsoleAddress address;
+        string fault;
+        const bool read = ConsoleAddressRead(row.text, address, fault);
+        EXPECT_EQ(read, !row.host.empty()) << row.text;
+        EXPECT_EQ(fault.empty(), read) << row.text;
+        if (!read) continue;
+        EXPECT_EQ(address.host, row.host) << row.text;
+        EXPECT_EQ(address.port, row.port) << row.text;
+    }
+}
+
+/// The console before a service that answers with the body it gets. It is there once for all tests: it cannot
+/// be stopped.
+class ConsoleThreadsTest : public testing::Test {
+  protected:
+    static void SetUpTestSuite() {
+        static httplib::Server& service = *new httplib::Server;
+        service.Post("/api", [](const httplib::Request& request, httplib::Response& response) {
+            response.set_content("got " + request.body, "application/json");
+        });
+        const int port = service.bind_to_any_port("127.0.0.1");
+        std::thread([] { service.listen_after_bind(); }).detach();
+
+        const TemporaryFolder top;
+        std::ofstream(top.Path() / "secret.html") << "secret";
+        const std::filesystem::path folder = top.Path() / "page";
+        string fault;
+        EXPECT_EQ(ConsoleStart({}, folder, port, fault), "") << "there is no page yet";
+        EXPECT_NE(fault, "");
+        std::filesystem::create_directory(folder);
+        std::ofstream(folder / "index.html") << "the page";
+        std::ofstream(folder / "key.pem") << "no file of a page";
+        link_ = ConsoleStart({}, folder, port, fault);
+    }
+    void SetUp() override { ASSERT_TRUE(link_.starts_with("http://127.0.0.1:")) << link_; }
+
+    /// The console's address, as `Host` has it.
+    static string Host() { return link_.substr(7, link_.size() - 8); }
+    static httplib::Client Client() { return httplib::Client("http://" + Host()); }
+    static string Log(const string& after) { return Client().Get("/log?after=" + after)->body; }
+
+    inline static string link_;
+};
+
+TEST_F(ConsoleThreadsTest, ServesItsPageAndNothingElse) {
+    struct Row {
+        string path;
+        int status;
+    };
+    for (const Row& row :
+         {Row{"/", 200}, Row{"/index.html", 200}, Row{"/key.pem", 404}, Row{"/../secret.html", 404},
+          Row{"/..%2fsecret.html", 404}, Row{"/%2e%2e/secret.html", 404}, Row{"/api", 404},
+          Row{"//index.html", 404}, Row{"/index.html/", 404}}) {
+        EXPECT_EQ(Client().Get(row.path)->status, row.status) << row.path;
+    }
+    const auto page = Client().Get("/", {{"Accept-Encoding", "br, gzip"}, {"Range", "bytes=0-2"}});
+    EXPECT_EQ(page->body, "the page");
+    EXPECT_FALSE(page->has_header("Content-Encoding"));
+    EXPECT_EQ(page->get_header_value("X-Content-Type-Options"), "nosniff");
+    const string policy = page->get_header_value("Content-Security-Policy");
+    EXPECT_TRUE(policy.starts_with("default-src 'none'")) << policy;
+    EXPECT_EQ(policy.find("unsafe"), string::npos) << policy;
+}
+
+TEST_F(ConsoleThreadsTest, PassesOnItsOwnPagesRequestsOnly) {
+    const string port = Host().substr(Host().find(':'));
+    struct Row {
+        httplib::Headers headers;
+        int status;
+    };
+    for (const Row& row :
+         {Row{{}, 200}, Row{{{"Host", "localhost" + port}}, 200}, Row{{{"Origin", "http://" + Host()}}, 200},
+          Row{{{"Host", "localhost" + port}, {"Origin", "http://localhost" + port}}, 200},
+          Row{{{"Origin", "http://evil.example"}}, 403}, Row{{{"Origin", "null"}}, 403},
+          Row{{{"Origin", "https://" + Host()}}, 403}, Row{{{"Origin", "http://127.0.0.1:1"}}, 403},
+          Row{{{"Origin", "http://localhost" + port}}, 403}, Row{{{"Host", "evil.example" + port}}, 403},
+          Row{{{"Host", "127.0.0.1"}}, 403}, Row{{{"Host", "10.0.0.1" + port}}, 403},
+          Row{{{"Host", "evil.example" + port}, {"Origin", "http://evil.example" + port}}, 403}}) {
+        httplib::Client client = Client();
+        client.set_default_headers(row.headers);
+        const auto answer = client.Post("/api", "{\"a\":5.0}", "application/json");
+        ASSERT_TRUE(answer);
+        EXPECT_EQ(answer->status, row.status);
+        EXPECT_EQ(answer->body == "got {\"a\":5.0}", row.status == 200) << answer->body;
+        EXPECT_EQ(client.Get("/log?after=0")->status, row.status);
+    }
+}
+
+TEST_F(ConsoleThreadsTest, KeepsTheLogsLastLines) {
+    ConsoleLog("read   Get \"A\\B\"  1\nwrite  Set A 2 OK\n");
+    const string first = Log("0");
+    EXPECT_TRUE(first.starts_with("{\"next\":2,\"lines\":[{\"number\":1,\"time\":1")) << first;
+    EXPECT_NE(first.find("\"text\":\"read   Get \\\"A\\\\B\\\"  1\"}"), string::npos) << first;
+    EXPECT_EQ(first.find("\"number\":2"), Log("0").rfind("\"number\":2"));
+    EXPECT_EQ(Log("1").find("Get"), string::npos);
+    EXPECT_EQ(Log("2"), "{\"next\":2,\"lines\":[]}");
+
+    // A long line is cut between two characters.
+    ConsoleLog("x" + [] {
+        string text;
+        while (text.size() < 4200) text += "温";
+        return text;
+    }() + "\n");
+    const string cut = Log("2");
+    EXPECT_TRUE(cut.ends_with("温\"}]}"));
+    EXPECT_LT(cut.size(), 4100U);
+
+    for (int line = 0; line < 2100; ++line) ConsoleLog("write  Set A 2 OK\n");
+    EXPECT_EQ(Log("0").find("\"number\":103,") != string::npos, false) << "lines 104 to 2103 are kept";
+    EXPECT_NE(Log("0").find("{\"next\":603,\"lines\":[{\"number\":104,"), string::npos);
+    EXPECT_NE(Log("garbage").find("\"number\":104,"), string::npos);
+}
+
+}  // namespace
