@@ -31,6 +31,7 @@ else
 fi
 
 run_preset release
+scripts/test_console.sh "$@" || exit 1
 
 if [ "$full" = yes ]; then
     say "lint"
