@@ -14,10 +14,10 @@ engine() {
     echo "$2" | cc -shared -fPIC -x c - -o "$place/libVornCore.so"
     for name in VornVar VornChartCache; do echo "" | cc -shared -fPIC -x c - -o "$place/lib$name.so"; done
 }
-# linked NAME: configures with that engine, in one build folder for all, and builds.
+# linked NAME [TARGET]: configures with that engine, in one build folder for all, and builds.
 linked() {
     cmake -G "$generator" -S "$here/engine" -B "$folder/build" -DVORN_ENGINE_DIR="$folder/$1" >"$folder/log" 2>&1 \
-        && cmake --build "$folder/build" >>"$folder/log" 2>&1
+        && cmake --build "$folder/build" --target "${2:-host}" >>"$folder/log" 2>&1
 }
 expect() { # WHAT COMMAND...
     local what=$1
@@ -30,7 +30,7 @@ result() { # NUMBER: what the engine's operation gives
     [ "$status" = "$1" ]
 }
 told() { grep -q "$1" "$folder/log"; }
-refused() { ! linked "$1"; }
+refused() { ! linked "$@"; }
 
 engine first 'int Operation(void) { return 1; }'
 engine second 'int Operation(void) { return 2; }' lib
@@ -44,6 +44,6 @@ expect "the second engine is linked" linked second
 expect "its operation runs" result 2
 expect "a folder without libraries is refused" refused empty
 expect "the library and the folder are named" told "no library VornCore in $folder/empty"
-expect "an engine that lacks an operation is refused" refused lacking
+expect "an engine that lacks an operation is refused" refused lacking service
 expect "the operation is named" told "undefined reference to .Operation'"
 echo "each engine is linked as it is"

@@ -38,7 +38,7 @@ def test_readme() -> None:
         for written, meant in (("http://127.0.0.1:33360", own), ("VornServerPipe0", host.pipe),
                                ("$PWD/build/release/bin", str(PROGRAM.parent)),
                                ("vorn-send Get", f"vorn-send --port {port} Get"),
-                               ("vorn-send PjtClose", f"vorn-send --port {port} PjtClose"),
+                               ("vorn-send Pjt", f"vorn-send --port {port} Pjt"),
                                ("vorn-send --pipe ", f"vorn-send --pipe={row} ")):
             assert written in page
             page = page.replace(written, meant)

@@ -5,15 +5,19 @@
 #include <poll.h>
 #include <signal.h>
 #include <sys/socket.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include <array>
 #include <filesystem>
 #include <thread>
 
+#include "host/listening_ports.h"
+#include "host/serial_port.h"
 #include "include/vorn_contract.h"
 #include "platform/line_queue.h"
 #include "tests/support/host_process.h"
+#include "tests/support/pseudo_terminal.h"
 #include "tests/support/service_test.h"
 #include "tests/support/test_locale.h"
 
@@ -45,6 +49,12 @@ class IdleSocket {
     IdleSocket(const IdleSocket&) = delete;
     IdleSocket& operator=(const IdleSocket&) = delete;
 
+    int Port() const {
+        sockaddr_in address{};
+        socklen_t length = sizeof address;
+        getsockname(socket_, reinterpret_cast<sockaddr*>(&address), &length);
+        return ntohs(address.sin_port);
+    }
     bool Asked() const {
         pollfd readable{.fd = socket_, .events = POLLIN, .revents = 0};
         return poll(&readable, 1, 0) > 0 && (readable.revents & POLLIN) != 0;
@@ -60,6 +70,13 @@ TEST(HostThreadsTest, TellsItsOwnPortAndAsksNoNeighbour) {
     const IdleSocket silent(AF_INET, INADDR_ANY, VORN_FIRST_PORT, false);
     const IdleSocket alike(AF_INET, INADDR_ANY, VORN_FIRST_PORT, true);
     const IdleSocket beyond(AF_INET, INADDR_ANY, VORN_LAST_PORT + 1, true);
+    // This process has them too, perhaps beside a service of an earlier test.
+    const std::vector<int> ports = ListeningPorts(VORN_FIRST_PORT, VORN_LAST_PORT);
+    EXPECT_EQ(std::count(ports.begin(), ports.end(), alike.Port()), 1);
+    for (const IdleSocket* each : {&local, &wide, &silent, &beyond}) {
+        EXPECT_EQ(std::count(ports.begin(), ports.end(), each->Port()), 0) << each->Port();
+    }
+
     HostProcess host;
     const auto hi = host.Client().Get("/hi");
     EXPECT_TRUE(hi && hi->body == "Hello Quelmo!\n") << host.Output();
@@ -131,6 +148,20 @@ TEST(HostThreadsTest, TakesTheCodePageOfTheUsersLanguage) {
     unsetenv("LC_ALL");
     unsetenv("TMPDIR");
     std::filesystem::remove_all(folder);
+}
+
+TEST(SerialPortTest, SetsTheSpeedThatIsAskedFor) {
+    const PseudoTerminal terminal;
+    const std::pair<unsigned, speed_t> speeds[] = {{1200, B1200}, {57600, B57600}, {921600, B921600}};
+    for (const auto& [baud, speed] : speeds) {
+        string fault;
+        const std::intptr_t device = SerialOpen({terminal.Device(), baud}, fault);
+        ASSERT_GE(device, 0) << fault;
+        termios settings{};
+        EXPECT_EQ(tcgetattr(static_cast<int>(device), &settings), 0);
+        EXPECT_EQ(cfgetospeed(&settings), speed) << baud;
+        SerialClose(device);
+    }
 }
 
 /// Standard error as a pipe of 4096 bytes while the object lives.
