@@ -4,10 +4,15 @@ from __future__ import annotations
 
 import re
 import subprocess
+import threading
+import time
 from dataclasses import dataclass, field
 from pathlib import Path
 
 MARK = "\x01"
+SECONDS_AT_MOST = 120
+READS = re.compile(r'"command":"(Get|FlowGet|RoomGet|VarInfoGet)"')
+READ_TRIES = 100
 
 
 @dataclass
@@ -39,12 +44,46 @@ def fits(shown: list[str], got: str) -> bool:
     return re.fullmatch(form, got.rstrip("\n"), re.DOTALL) is not None
 
 
+class Shell:
+    """One shell that is given a command at a time."""
+
+    def __init__(self, folder: Path) -> None:
+        self._bash = subprocess.Popen(["bash"], cwd=folder, text=True, stdin=subprocess.PIPE,
+                                      stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
+
+    def run(self, command: str) -> str:
+        assert self._bash.stdin is not None and self._bash.stdout is not None
+        self._bash.stdin.write(f"{command}\nprintf '{MARK}\\n'\n")
+        self._bash.stdin.flush()
+        lines: list[str] = []
+        for line in self._bash.stdout:
+            if line.endswith(MARK + "\n"):
+                return "".join(lines) + line.removesuffix(MARK + "\n")
+            lines.append(line)
+        return "".join(lines) + "(the shell has ended)"
+
+    def end(self) -> None:
+        self._bash.kill()
+        self._bash.communicate()
+
+
 def play(page: str, folder: Path) -> list[tuple[str, str]]:
-    """Runs all commands of a page in one shell in the folder; gives those whose output is another than shown."""
-    steps = steps_of(page)
-    script = f"\nprintf '{MARK}'\n".join("\n".join(step.command) for step in steps)
-    done = subprocess.run(["bash", "-c", script], cwd=folder, timeout=120, text=True,
-                          stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
-    outputs = done.stdout.split(MARK)
-    outputs += ["(the shell has ended)"] * (len(steps) - len(outputs))
-    return [("\n".join(step.command), got) for step, got in zip(steps, outputs) if not fits(step.shown, got)]
+    """Runs all commands of a page in one shell in the folder; gives those whose output is another than shown. What
+    only reads is asked again for a while, since a run moves values in its own time."""
+    wrong = []
+    shell = Shell(folder)
+    watchdog = threading.Timer(SECONDS_AT_MOST, shell.end)
+    watchdog.start()
+    for step in steps_of(page):
+        command = "\n".join(step.command)
+        tries = READ_TRIES if READS.search(command) else 1
+        got = shell.run(command)
+        while not fits(step.shown, got) and tries > 1:
+            time.sleep(0.1)
+            tries -= 1
+            got = shell.run(command)
+        if not fits(step.shown, got):
+            wrong.append((command, got))
+    watchdog.cancel()
+    shell.end()
+    return wrong
