@@ -230,7 +230,8 @@ def _catalogue_page(catalogue: Json) -> str:
     lines += _table(["`VornModuleID`", "`NodeName`", ""], [
         [str(each["VornModuleID"]), each["NodeName"], each["english"]] for each in catalogue["nodes"]])
     lines += ["## Items", "", "The variable of an item is `PROJECT_MOD7_ITEM` or `PROJECT_NOD3_ITEM`.", ""]
-    lines += _table(["item", "unit", ""], [[f"`{name}`", each["unit"], each["text"]] for name, each in items.items()])
+    lines += _table(["item", "unit", "of a new module", ""], [
+        [f"`{name}`", each["unit"], str(each.get("start", 0)), each["text"]] for name, each in items.items()])
     lines += ["## Values of ports", "", "`PROJECT_MOD7_IM0_TEMP` is the temperature at port 0 of module 7.", ""]
     lines += _table(["value", "unit", ""], [
         [f"`IM0_{name}` to `IM15_{name}`", each["unit"], each["text"]] for name, each in catalogue["portValues"].items()])

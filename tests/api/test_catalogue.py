@@ -37,14 +37,16 @@ def answers() -> Any:
         report = json.loads(host.send({"command": "PjtInfoChk", "name": "ALL"}))
         variables = [json.loads(host.send({"command": "VarInfoGet", "name": f"ALL_m{number}"}))
                      for number in range(len(TYPES))]
+        starts = [json.loads(host.send({"command": "VarCacheGet", "name": f"ALL_m{number}"}))
+                  for number in range(len(TYPES))]
         nodes = json.loads(host.send({"command": "RunValueGet", "name": "ALL_n0-0"}))
         project = {name: host.send({"command": "Get", "name": f"ALL_{name}"})
                    for name in CATALOGUE["projectVariables"]}
-        yield report, variables, nodes, project
+        yield report, variables, starts, nodes, project
 
 
 def test_names_items_and_port_values(answers: Any) -> None:
-    report, variables, nodes, project = answers
+    report, variables, starts, nodes, project = answers
     names = {device["InstanceID"]: (device["VornModuleID"], device["DeviceName"]) for device in report["DeviceInfo"]}
     for number, type_ in enumerate(TYPES):
         assert names[f"m{number}"] == (type_["VornModuleID"], type_["DeviceName"])
@@ -53,6 +55,8 @@ def test_names_items_and_port_values(answers: Any) -> None:
         assert ports == [[f"IM{port}", value] for port in range(len(type_["ports"]))
                          for value in CATALOGUE["portValues"]]
         assert set(type_["items"]) <= set(CATALOGUE["items"])
+        for row in starts[number]:
+            assert row["Sets"] == 3 * [CATALOGUE["items"][row["Item"]].get("start", 0)]
     assert [row["Item"] for row in nodes] == CATALOGUE["nodeItems"]
     kinds = {"real": 0, "integer": 0, "list of reals": 7, "list of integers": 7}
     for name, variable in CATALOGUE["projectVariables"].items():

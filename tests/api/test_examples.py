@@ -87,10 +87,29 @@ def play(session: list[Json], commands: list[Json]) -> list[Exchange]:
     return exchanges
 
 
-def play_wrong_types() -> list[tuple[Json, str, str]]:
-    """Each member of each command with a value that is of no type that it could have: the request, the failure
-    that is described, and the reply."""
-    results: list[tuple[Json, str, str]] = []
+def wrong_values(schema: Json) -> list[Any]:
+    """A value of no type that a member could have, and those just beyond its limits."""
+    beyond = []
+    if "minimum" in schema and "maximum" in schema:
+        step = 1 if schema["type"] == "integer" else 0.5
+        beyond = [schema["minimum"] - step, schema["maximum"] + step]
+    return [True, *beyond]
+
+
+@dataclass(frozen=True)
+class Refusal:
+    """What a member was answered for a wrong value, and the failure that is described for a wrong type."""
+
+    command: Json
+    member: str
+    value: Any
+    reply: str
+    described: str
+
+
+def play_wrong_values() -> list[Refusal]:
+    """Each member that is told to be refused, with wrong values."""
+    results: list[Refusal] = []
     with Host() as host:
         host.send({"command": "Create", "name": "PLANT1"})
         element = host.send({"command": "AddNode", "name": "PLANT1",
@@ -101,10 +120,11 @@ def play_wrong_types() -> list[tuple[Json, str, str]]:
             for member, schema in members.items():
                 if "x-wrongType" not in schema:
                     continue
-                good = next(e for e in command["examples"] if "reply" in e)["request"]["messages"]
-                request = {"command": command["word"], "name": name, "messages": {**good, member: True}}
-                text = DESCRIPTION.failures[schema["x-wrongType"]]["text"]
-                results.append((request, text.replace("{member}", member), host.send(request)))
+                good = command["examples"][0]["request"]["messages"]
+                described = DESCRIPTION.failures[schema["x-wrongType"]]["text"].replace("{member}", member)
+                for value in wrong_values(schema):
+                    reply = host.send({"command": command["word"], "name": name, "messages": {**good, member: value}})
+                    results.append(Refusal(command, member, value, reply, described))
     return results
 
 
@@ -129,7 +149,7 @@ class Plays:
         self.families: dict[str, Future[list[Exchange]]] = {
             family.name: pool.submit(play, family.session, family.commands) for family in DESCRIPTION.families}
         self.interface = pool.submit(play, interface["session"] + interface["examples"], [])
-        self.wrong_types = pool.submit(play_wrong_types)
+        self.wrong_values = pool.submit(play_wrong_values)
         self.reports = pool.submit(play_reports)
 
     def of_commands(self, family: str, keep: Callable[[Exchange], bool] = lambda exchange: True) -> list[Exchange]:
@@ -185,10 +205,14 @@ def test_commands_wait_as_described(family: str, plays: Plays) -> None:
         assert exchange.seconds >= least, exchange.example["request"]
 
 
-def test_members_of_a_wrong_type_get_the_described_failure(plays: Plays) -> None:
-    results = plays.wrong_types.result()
-    assert len(results) > 15
-    assert [(request, reply) for request, expected, reply in results if reply != expected] == []
+def test_wrong_members_get_the_described_failure(plays: Plays) -> None:
+    results = plays.wrong_values.result()
+    of_type = [each for each in results if each.value is True]
+    assert len(of_type) > 15 and len(results) > 40
+    assert [each for each in of_type if each.reply != each.described] == []
+    for each in results:
+        meaning = meaning_of(DESCRIPTION, each.command, each.reply)
+        assert meaning is not None and meaning.failure is not None, (each.member, each.value, each.reply)
 
 
 @pytest.mark.parametrize("path", PLANTS, ids=file_name)
