@@ -141,7 +141,7 @@ TEST(WaysInThreadsTest, GoesOnWhenRequestsAreTooLargeForItsMemory) {
     EXPECT_GT(bodiesRefused, 0);
     EXPECT_FALSE(ManyHeaders(host.Port(), 4).ends_with("Hello Quelmo!\n"));
     expectServes();
-    EXPECT_EQ(host.End(), 0);
+    EXPECT_EQ(host.End(), 0) << host.WaitFor("nothing") << host.Output();
 }
 
 TEST(WaysInThreadsTest, SendsRepliesWithoutDelay) {
