@@ -1,6 +1,7 @@
 #include "host/exchange_print.h"
 
 #include <algorithm>
+#include <new>
 
 #include "include/vorn_server.h"
 #include "platform/visible.h"
@@ -36,6 +37,10 @@ std::string ExchangeLines::Take(std::string_view log) {
 }
 
 void ExchangePrinter::Poll() {
-    if (RtnSet_SxGet()) show_(writes_.Take(Rtn_Set_Get()));
-    if (RtnGet_SxGet()) show_(reads_.Take(Rtn_Get_Get()));
+    try {
+        if (RtnSet_SxGet()) show_(writes_.Take(Rtn_Set_Get()));
+        if (RtnGet_SxGet()) show_(reads_.Take(Rtn_Get_Get()));
+    } catch (const std::bad_alloc&) {
+        // These lines are not shown; the service goes on.
+    }
 }

@@ -3,8 +3,15 @@
 #include <httplib.h>
 
 #include <algorithm>
+#include <condition_variable>
 #include <exception>
+#include <functional>
+#include <list>
+#include <mutex>
+#include <new>
 #include <string>
+#include <thread>
+#include <vector>
 
 #include "include/vorn_contract.h"
 #include "include/vorn_server.h"
@@ -30,20 +37,66 @@ bool HasBody(const httplib::Request& request) {
     return request.has_header("Content-Length") || request.has_header("Transfer-Encoding");
 }
 
-/// The library's pool of workers; a connection for which there is no memory waits until there is.
-class Workers : public httplib::ThreadPool {
+/// The library's pool of workers, which it would end the process for where there is no memory: a connection
+/// waits until there is, and a worker that could not be started is done without.
+class Workers : public httplib::TaskQueue {
   public:
-    Workers() : ThreadPool(CPPHTTPLIB_THREAD_POOL_COUNT) {}
+    Workers() {
+        while (threads_.size() < CPPHTTPLIB_THREAD_POOL_COUNT && (Start() || threads_.empty())) continue;
+    }
     void enqueue(std::function<void()> work) override {
-        constexpr int RestMilliseconds = 10;
-        for (;;) {
-            try {
-                return ThreadPool::enqueue(work);
-            } catch (const std::bad_alloc&) {
-                SleepMilliseconds(RestMilliseconds);
-            }
+        for (bool queued = false; !queued;) queued = Push(work);
+        came_.notify_one();
+    }
+    void shutdown() override {
+        {
+            const std::lock_guard guard(lock_);
+            ends_ = true;
+        }
+        came_.notify_all();
+        for (std::thread& thread : threads_) thread.join();
+    }
+
+  private:
+    static constexpr int RestMilliseconds = 10;
+
+    bool Start() {
+        try {
+            threads_.reserve(CPPHTTPLIB_THREAD_POOL_COUNT);
+            threads_.emplace_back([this] { Work(); });
+            return true;
+        } catch (const std::exception&) {
+            SleepMilliseconds(RestMilliseconds);
+            return false;
         }
     }
+    bool Push(const std::function<void()>& work) {
+        try {
+            const std::lock_guard guard(lock_);
+            waiting_.push_back(work);
+            return true;
+        } catch (const std::bad_alloc&) {
+            SleepMilliseconds(RestMilliseconds);
+            return false;
+        }
+    }
+    void Work() {
+        for (;;) {
+            std::unique_lock guard(lock_);
+            came_.wait(guard, [this] { return ends_ || !waiting_.empty(); });
+            if (waiting_.empty()) return;
+            const std::function<void()> work = std::move(waiting_.front());
+            waiting_.pop_front();
+            guard.unlock();
+            work();
+        }
+    }
+
+    std::mutex lock_;  ///< guards what follows but the threads
+    std::condition_variable came_;
+    std::list<std::function<void()>> waiting_;
+    bool ends_ = false;
+    std::vector<std::thread> threads_;
 };
 
 /// The library's server. It lets a client go where the library, out of memory, would end the process, and
