@@ -11,6 +11,7 @@ from pathlib import Path
 
 MARK = "\x01"
 SECONDS_AT_MOST = 120
+BLOCK = r"(?:^```console|into a file `(\S+)`:\n\n```json)\n(.*?)^```$"
 READS = re.compile(r'"command":"(Get|FlowGet|RoomGet|VarInfoGet)"')
 READ_TRIES = 100
 
@@ -24,10 +25,10 @@ class Step:
 
 
 def steps_of(page: str) -> list[Step]:
-    """The commands of all ```console blocks, which stand behind `$ `, and the making of files that ```json FILE
-    blocks show."""
+    """The commands of all ```console blocks, which stand behind `$ `, and the making of files whose name stands
+    before a ```json block: "into a file `NAME`:"."""
     steps: list[Step] = []
-    for file, block in re.findall(r"^```(?:console|json (\S+))\n(.*?)^```$", page, re.DOTALL | re.MULTILINE):
+    for file, block in re.findall(BLOCK, page, re.DOTALL | re.MULTILINE):
         if file:
             steps.append(Step([f"cat > {file} <<'END'", *block.splitlines(), "END"]))
             continue
