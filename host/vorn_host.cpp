@@ -16,6 +16,7 @@
 #include "host/listening_ports.h"
 #include "host/options.h"
 #include "host/pipe_rows.h"
+#include "host/service_manager.h"
 #include "host/tell.h"
 #include "include/vorn_contract.h"
 #include "include/vorn_server.h"
@@ -106,8 +107,10 @@ int main(int count, char** arguments) {
                   " is free");
         End(1);
     }
-    Tell("VornServer answers on http://127.0.0.1:" + std::to_string(port) + "/api\n");
+    const std::string answers = "VornServer answers on http://127.0.0.1:" + std::to_string(port) + "/api";
+    Tell(answers + "\n");
     if (options.console) StartConsole(*options.console, port);
+    TellReady(answers);
 
     ExchangePrinter printer([&options](const std::string& lines) {
         if (!options.quiet) Tell(lines);
@@ -117,6 +120,7 @@ int main(int count, char** arguments) {
         printer.Poll();
         TellRest();
     } while (!EndAsked(100ms));
+    TellStopping();
     printer.Poll();
     Tell("VornServer has ended.\n");
     End(0);
