@@ -10,6 +10,17 @@ constexpr const char* Footer =
     "the working directory. Local programs may use the pipe that is printed too; vorn-send\n"
     "speaks both. Ctrl-C ends the program.";
 
+/// An option that may stand without its value, for the address that `address` has at first.
+void AddAddressOption(CLI::App& app, const std::string& name, const std::string& text,
+                      std::optional<ConsoleAddress>& address) {
+    AddValueOption(app, name, "ADDRESS:PORT", text, [&address](const std::string& value) {
+        std::string fault;
+        address.emplace();
+        if (!value.empty()) ConsoleAddressRead(value, *address, fault);
+        return fault;
+    })->expected(0, 1);
+}
+
 }  // namespace
 
 std::optional<int> OptionsRead(int count, const char* const* arguments, Options& options) {
@@ -22,17 +33,16 @@ std::optional<int> OptionsRead(int count, const char* const* arguments, Options&
                        SerialPortRead(text, options.serial.emplace(), fault);
                        return fault;
                    });
-    AddValueOption(
-        app, "--console", "ADDRESS:PORT",
+    AddAddressOption(
+        app, "--console",
         "show the plants to a browser there; where not told at 127.0.0.1, first free port from 8360",
-        [&options](const std::string& text) {
-            std::string fault;
-            ConsoleAddressRead(text, options.console.emplace(), fault);
-            return fault;
-        })
-        ->expected(0, 1);
+        options.console);
     app.add_flag_callback(
         "--no-console", [&options] { options.console.reset(); }, "show nothing to browsers");
+    AddAddressOption(
+        app, "--metrics",
+        "serve counters of the exchanges there, for Prometheus; where not told at 127.0.0.1:9360",
+        options.metrics);
     app.add_flag("--quiet", options.quiet, "do not print the exchanges with clients");
     app.add_flag("--trace", options.trace, "print each call that crosses to the engine, on standard error");
     return CommandLineRead(app, count, arguments);

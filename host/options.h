@@ -12,6 +12,7 @@ struct Options {
     bool quiet = false;  ///< do not print the exchanges
     std::optional<SerialPort> serial{};
     std::optional<ConsoleAddress> console{ConsoleAddress{}};  ///< where the console listens, if it is wanted
+    std::optional<ConsoleAddress> metrics{};  ///< where counters are served, if they are wanted
 };
 
 /// Reads the command line. Nothing when the program is to run with `options`; otherwise the status to end

@@ -14,6 +14,7 @@
 #include "host/end_signals.h"
 #include "host/exchange_print.h"
 #include "host/listening_ports.h"
+#include "host/metrics.h"
 #include "host/options.h"
 #include "host/pipe_rows.h"
 #include "host/service_manager.h"
@@ -79,6 +80,13 @@ void StartConsole(const ConsoleAddress& address, int port) {
                       : "VornServer shows its plants at " + link + "\n");
 }
 
+void StartMetrics(const ConsoleAddress& address) {
+    std::string fault;
+    const std::string place = MetricsStart(address, fault);
+    Tell(place.empty() ? "VornServer serves no counters: " + fault + "\n"
+                       : "VornServer counts at " + place + "\n");
+}
+
 }  // namespace
 
 int main(int count, char** arguments) {
@@ -110,11 +118,13 @@ int main(int count, char** arguments) {
     const std::string answers = "VornServer answers on http://127.0.0.1:" + std::to_string(port) + "/api";
     Tell(answers + "\n");
     if (options.console) StartConsole(*options.console, port);
+    if (options.metrics) StartMetrics(*options.metrics);
     TellReady(answers);
 
     ExchangePrinter printer([&options](const std::string& lines) {
         if (!options.quiet) Tell(lines);
         ConsoleLog(lines);
+        MetricsCount(lines);
     });
     do {
         printer.Poll();
