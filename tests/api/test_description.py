@@ -57,6 +57,13 @@ def test_schemas_are_schemas(path: Path) -> None:
     jsonschema.Draft202012Validator.check_schema(json.loads(path.read_text(encoding="utf-8")))
 
 
+def test_version_is_the_same_everywhere() -> None:
+    project = re.search(r"VERSION (\d+\.\d+\.\d+)", code("CMakeLists.txt").split("project(", 1)[1])
+    newest = re.search(r"^## \[(.*?)\]", code("CHANGELOG.md"), re.MULTILINE)
+    assert project and newest
+    assert DESCRIPTION.interface["version"] == project.group(1) == newest.group(1)
+
+
 def test_words_are_those_of_the_code() -> None:
     targets = {"NewProject": "newProject", "Project": "project", "Element": "element"}
     rows = re.findall(r'\{"(\w+)", (\w+), \w+, (\w+)\}', code("commands/command_frame.cpp"))

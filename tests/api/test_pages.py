@@ -51,9 +51,10 @@ def test_links_between_pages_lead_somewhere() -> None:
     broken = []
     for page in pages():
         text = page.read_text(encoding="utf-8")
-        for target in re.findall(r"\]\((?!https?://)([^)#\s]*)(?:#[^)]*)?\)", text):
-            if target and not (page.parent / target).exists():
-                broken.append((str(page.relative_to(REPOSITORY)), target))
+        for target, place in re.findall(r"\]\((?!https?://)([^)#\s]*)(?:#([^)]*))?\)", text):
+            file = page.parent / target if target else page
+            if not file.exists() or (place and f'<a id="{place}">' not in file.read_text(encoding="utf-8")):
+                broken.append((str(page.relative_to(REPOSITORY)), target, place))
     assert broken == []
 
 
