@@ -25,6 +25,10 @@ const char* ProjectNameGet(int slot);
 /// The slot of the open project `name`, negative when none is open.
 int ProjectNameToID(const char* name);
 /// Makes a new empty project in a free slot. False when refused.
+///
+/// Servers of several processes and machines may share one store. An engine is expected to keep a project to
+/// the one server that has it open, until it closes it or ends, however it ends: here and in
+/// `ProjectInfoRead` it refuses what another one holds.
 bool ProjectJsonAdd(const char* name);
 /// Reads the stored information of a project and gives it a slot. Only 1 means found and read.
 int ProjectInfoRead(const char* name);

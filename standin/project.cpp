@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "standin/control.h"
+#include "standin/project_lock.h"
 #include "text/fixed_text.h"
 
 namespace standin {
@@ -128,6 +129,7 @@ Project* ProjectMake(std::string_view name) {
     if (name.empty() || name.size() >= ProjectNameBytes || ProjectFind(name) != nullptr) return nullptr;
     for (Project& project : Slots()) {
         if (project.name[0] != '\0') continue;
+        if (!ProjectLockTake(SlotOf(project), name)) return nullptr;
         project = Project();
         std::transform(name.begin(), name.end(), project.name, vorn::AsciiUpper);
         project.modules.capacity = CapacityOf(ModuleTable);
@@ -140,6 +142,7 @@ Project* ProjectMake(std::string_view name) {
 }
 
 void ProjectFree(Project& project) {
+    ProjectLockRelease(SlotOf(project));
     project = Project();
     TypesPublish(project);
 }

@@ -180,7 +180,8 @@ Project* ProjectFind(std::string_view name);
 /// The slot of a project, -1 when it is in none.
 int SlotOf(const Project& project);
 /// A slot made ready for a new, empty project of that name, in upper case; null when all are taken, when a
-/// project of that name is open, and when the name is empty or too long. The lock is held.
+/// project of that name is open, here or in another server of the same store, and when the name is empty or
+/// too long. The lock is held.
 Project* ProjectMake(std::string_view name);
 /// The variables that every project has, as its first rows.
 std::vector<ProjectVariable> StandardVariables();

@@ -25,4 +25,11 @@ std::string ProjectFile(std::string_view name, std::string_view ending) {
     return folder.empty() ? folder : folder + StoredName(name) + std::string(ending);
 }
 
+std::string ProjectLockFile(std::string_view name) {
+    std::string folder = ProjectFolder(name);
+    if (folder.empty()) return folder;
+    folder.pop_back();
+    return folder + ".lock";
+}
+
 }  // namespace standin

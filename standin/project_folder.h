@@ -15,4 +15,7 @@ std::string ProjectFolder(std::string_view name);
 /// The path of one of the project's files, `../AlgProject/NAME/NAME` with `ending` behind it; empty as above.
 std::string ProjectFile(std::string_view name, std::string_view ending);
 
+/// `../AlgProject/NAME.lock`, the file of the project's lock; empty as above.
+std::string ProjectLockFile(std::string_view name);
+
 }  // namespace standin

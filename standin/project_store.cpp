@@ -12,6 +12,7 @@
 #include "platform/file_text.h"
 #include "standin/project_folder.h"
 #include "standin/project_json.h"
+#include "standin/project_lock.h"
 #include "standin/trace.h"
 
 namespace standin {
@@ -161,7 +162,10 @@ bool Write(const Project& project, std::string& path, std::error_code& fault) {
     if (text.size() > StoredBytesLimit) fault = std::make_error_code(std::errc::file_too_large);
     if (fault || !vorn::FolderMake(path, fault)) return false;
     path = PathOf(project.name);
-    return Replace(project, path, text, fault);
+    // A project that was made before there was a store has no lock yet.
+    if (!ProjectLockEnsure(SlotOf(project), project.name))
+        fault = std::make_error_code(std::errc::resource_unavailable_try_again);
+    return !fault && Replace(project, path, text, fault);
 }
 
 }  // namespace
