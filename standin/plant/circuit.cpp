@@ -39,15 +39,20 @@ struct Surroundings {
 /// where there is none below it. What is short at a temperature is convex in it, so that Newton's steps from
 /// above go down to the root and not past it.
 double CondensingAt(const Surroundings& around, double evaporating, double taken) {
+    const double shareSlope = PowerShareSlope(evaporating);
     double condensing = HighestCondensing;
-    const double needSlope = taken * PowerShare(evaporating, evaporating + 1.0);
-    for (std::size_t step = 0; step < around.circuit.condensers.size() + 2; ++step) {
-        const double need = taken * (1.0 + PowerShare(evaporating, condensing));
-        const double surplus = around.Given(condensing) - need;
-        if (step == 0 && surplus < 0.0) return std::numeric_limits<double>::infinity();
-        const double slope = around.GivenSlope() - needSlope;
-        if (slope <= 0.0 || surplus <= 0.0) break;
-        condensing -= surplus / slope;
+    // Below the evaporating temperature nothing is needed but what is taken: then once more from there down.
+    for (const bool lifts : {true, false}) {
+        if (!lifts) condensing = evaporating;
+        for (std::size_t step = 0; step < around.circuit.condensers.size() + 2; ++step) {
+            const double need = taken * (1.0 + (lifts ? shareSlope * (condensing - evaporating) : 0.0));
+            const double surplus = around.Given(condensing) - need;
+            if (lifts && step == 0 && surplus < 0.0) return std::numeric_limits<double>::infinity();
+            const double slope = around.GivenSlope() - (lifts ? taken * shareSlope : 0.0);
+            if (slope <= 0.0 || surplus <= 0.0) break;
+            condensing -= surplus / slope;
+        }
+        if (condensing >= evaporating) break;
     }
     return condensing;
 }
@@ -66,8 +71,8 @@ bool AsksTooMuch(const Surroundings& around, double evaporating, double& condens
 Heat HeatOf(const Exchange& exchange, std::span<const double> temperatures) {
     const double difference = At(temperatures, exchange.senseFrom) - At(temperatures, exchange.senseTo);
     const double watts = exchange.conductance * difference;
-    if (watts < exchange.least) return {exchange.least, 0.0};
-    if (watts > exchange.most) return {exchange.most, 0.0};
+    if (watts <= exchange.least) return {exchange.least, 0.0};
+    if (watts >= exchange.most) return {exchange.most, 0.0};
     return {watts, exchange.conductance};
 }
 
@@ -79,7 +84,11 @@ double HeatSum(std::span<const int> list, std::span<const Exchange> exchanges,
 }
 
 double PowerShare(double evaporating, double condensing) {
-    return (condensing - evaporating) / (CarnotShare * (evaporating + ZeroCelsius));
+    return std::max(condensing - evaporating, 0.0) * PowerShareSlope(evaporating);
+}
+
+double PowerShareSlope(double evaporating) {
+    return 1.0 / (CarnotShare * (evaporating + ZeroCelsius));
 }
 
 void CircuitBalance(Circuit& circuit, std::span<const Exchange> exchanges,

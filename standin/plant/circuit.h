@@ -55,7 +55,9 @@ void CircuitBalance(Circuit& circuit, std::span<const Exchange> exchanges, std::
 double HeatSum(std::span<const int> list, std::span<const Exchange> exchanges,
                std::span<const double> temperatures);
 
-/// Power over heat taken: 1 / COP.
+/// Power over heat taken: 1 / COP; 0 where there is nothing to lift.
 double PowerShare(double evaporating, double condensing);
+/// How it grows with the condensing temperature, where there is.
+double PowerShareSlope(double evaporating);
 
 }  // namespace standin

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
+#include <numeric>
 
 #include "standin/plant/layout.h"
 
@@ -9,9 +11,16 @@ namespace standin {
 
 namespace {
 
-constexpr int MostSteps = 40;
-constexpr int DampedFrom = 20;
-constexpr double LongestStep = 50.0;  // K that a correction goes at most
+constexpr int MostSteps = 100;
+constexpr double LongestStep = 50.0;    // K that a correction goes at most
+constexpr double LongestOldStep = 1.0;  // K that one goes that factors of an earlier step told
+
+// A correction that does not help is taken back and made again with each place held to where it is, by that
+// part of what streams and exchanges bring it, as if the plant took its time.
+constexpr double FirstEase = 0.1;
+constexpr double LeastEase = 1e-3;
+constexpr double EaseFalls = 0.25;
+constexpr double MostEase = 10.0;
 
 /// What holds a place that nothing else holds to its temperature: part of what streams bring it, and W/K. So
 /// small that it does not count in any balance.
@@ -21,7 +30,14 @@ constexpr double Hold = 1e-6;
 // How far from its balance a place may stay: part of what is exchanged there and of what streams bring it at
 // a difference of 1 K; and how far rounding alone may bring it.
 constexpr double BalanceShare = 1e-9;
+constexpr double LeastTraffic = 1.0;  // W
+constexpr double Resolution = 1e-14;  // K that a temperature can be told to
 constexpr double RoundingShare = 1e-12;
+
+/// A temperature that a way to a solution may lead over.
+bool Reckonable(double temperature) {
+    return std::abs(temperature) < 1e4;
+}
 
 double HoldOf(double turnover) {
     return HoldShare * turnover + Hold;
@@ -57,7 +73,8 @@ double HeatSolver::Measure(const HeatTask& task, const std::vector<double>& temp
     }
     double worst = 0.0;
     for (std::size_t place = 0; place < count; ++place) {
-        const double border = BalanceShare * (turnover_[place] + traffic_[place] + 1e-3);
+        const double border = BalanceShare * (turnover_[place] + traffic_[place] + LeastTraffic) +
+                              Resolution * task.places[place].capacity / task.seconds;
         worst = std::max(worst, std::abs(lack_[place]) / border);
     }
     return worst;
@@ -76,7 +93,7 @@ void CircuitRows(const Circuit& circuit, const HeatTask& task, const std::vector
     const double share = PowerShare(evaporating, At(temperatures, circuit.condensing));
     const double taken = HeatSum(circuit.evaporators, task.exchanges, temperatures);
     // How the share grows with the condensing and with the evaporating temperature.
-    const double byCondensing = PowerShare(evaporating, evaporating + 1.0);
+    const double byCondensing = share > 0.0 ? PowerShareSlope(evaporating) : 0.0;
     const double byEvaporating = -byCondensing - share / (evaporating + ZeroCelsius);
     const bool unloads = circuit.drive != Drive::Free;
     const double takenInEnergy = unloads ? 1.0 + share : 1.0;
@@ -97,7 +114,7 @@ void CircuitRows(const Circuit& circuit, const HeatTask& task, const std::vector
     }
     if (unloads) {
         entries.emplace_back(energy, circuit.evaporating, -taken * byEvaporating + Hold);
-        entries.emplace_back(energy, circuit.condensing, -taken * byCondensing);
+        entries.emplace_back(energy, circuit.condensing, -taken * byCondensing + Hold);
         const bool low = circuit.drive == Drive::LowLimit;
         // The temperature at its limit stays; the energy's row finds the other.
         entries.emplace_back(lift, low ? circuit.evaporating : circuit.condensing, 1.0);
@@ -111,7 +128,7 @@ void CircuitRows(const Circuit& circuit, const HeatTask& task, const std::vector
 }  // namespace
 
 /// Makes the factors of how the lacks fall with the temperatures. False where there are none.
-bool HeatSolver::Factor(const HeatTask& task, const std::vector<double>& temperatures) {
+bool HeatSolver::Factor(const HeatTask& task, const std::vector<double>& temperatures, double ease) {
     const auto count = static_cast<int>(task.places.size());
     std::vector<char> own(task.places.size());  ///< places whose row is no balance
     for (int place = 0; place < count; ++place) At(own, place) = At(task.places, place).pinned ? 1 : 0;
@@ -124,7 +141,8 @@ bool HeatSolver::Factor(const HeatTask& task, const std::vector<double>& tempera
     };
     for (int place = 0; place < count; ++place) {
         const double held = At(task.places, place).capacity / task.seconds + HoldOf(At(turnover_, place));
-        if (At(own, place) == 0) entries.emplace_back(place, place, held + At(turnover_, place));
+        const double eased = ease * (At(turnover_, place) + At(traffic_, place));
+        if (At(own, place) == 0) entries.emplace_back(place, place, held + At(turnover_, place) + eased);
         if (At(own, place) == 1) entries.emplace_back(place, place, 1.0);
     }
     for (const Stream& stream : task.streams) add(stream.to, stream.from, -stream.rate);
@@ -147,34 +165,46 @@ bool HeatSolver::Factor(const HeatTask& task, const std::vector<double>& tempera
 bool HeatSolver::Solve(HeatTask& task, std::vector<double>& temperatures) {
     const std::vector<double> last = temperatures;
     const auto count = static_cast<Eigen::Index>(task.places.size());
-    if (count == 0) return true;
     if (factored_ && factors_.rows() != count) factored_ = false;
-    double before = 0.0;
-    bool fresh = false;
+    lack_.resize(task.places.size());
+    const Eigen::Map<const Eigen::VectorXd> lacks(lack_.data(), count);
+    double before = std::numeric_limits<double>::infinity();
+    double ease = 0.0;
     for (int step = 0; step <= MostSteps; ++step) {
         for (Circuit& circuit : task.circuits) CircuitBalance(circuit, task.exchanges, temperatures);
         const double worst = Measure(task, temperatures);
         if (worst <= (step == 0 ? RoundingShare / BalanceShare : 1.0)) return true;
-        const bool shrinks = step > 0 && worst < 0.1 * before;
-        if (!factored_ || (step > 0 && !shrinks && !(fresh && step < 2))) {
-            if (!Factor(task, temperatures)) break;
-            fresh = true;
+        const double sum = std::accumulate(lack_.begin(), lack_.end(), 0.0,
+                                           [](double all, double lack) { return all + std::abs(lack); });
+        // Factors of an earlier step are good as long as the corrections made with them shrink fast.
+        if (ease > 0.0 || sum > 0.1 * before) factored_ = false;
+        if (sum < before) {
+            ease = ease < LeastEase ? 0.0 : ease * std::max(sum / before, EaseFalls);
+        } else if (fresh_) {
+            ease = std::clamp(ease * sum / before, FirstEase, MostEase);
         }
-        before = worst;
-        const Eigen::VectorXd change = factors_.solve(Eigen::Map<const Eigen::VectorXd>(lack_.data(), count));
+        before = sum;
+        fresh_ = !factored_;
+        if (fresh_ && !Factor(task, temperatures, ease)) break;
+        Eigen::VectorXd change = factors_.solve(lacks);
+        if (!fresh_ && !(change.allFinite() && change.cwiseAbs().maxCoeff() < LongestOldStep)) {
+            fresh_ = true;
+            if (!Factor(task, temperatures, ease)) break;
+            change = factors_.solve(lacks);
+        }
+        // The balances of the circuits find these two by themselves.
+        for (const Circuit& circuit : task.circuits)
+            change[circuit.evaporating] = change[circuit.condensing] = 0.0;
         const double longest = change.cwiseAbs().maxCoeff();
-        if (!std::isfinite(longest)) {
-            factored_ = false;
-            break;
-        }
-        double share = longest > LongestStep ? LongestStep / longest : 1.0;
-        if (step >= DampedFrom) share *= 0.5;
+        if (!change.allFinite()) break;
+        const double share = longest > LongestStep ? LongestStep / longest : 1.0;
         for (Eigen::Index place = 0; place < count; ++place) {
             temperatures[static_cast<std::size_t>(place)] += share * change[place];
         }
     }
-    temperatures = last;
     factored_ = false;
+    // On the way is nearer than where it began; the next step goes on from there.
+    if (!std::all_of(temperatures.begin(), temperatures.end(), Reckonable)) temperatures = last;
     return false;
 }
 

@@ -45,12 +45,13 @@ class HeatSolver {
 
   private:
     double Measure(const HeatTask& task, const std::vector<double>& temperatures);
-    bool Factor(const HeatTask& task, const std::vector<double>& temperatures);
+    bool Factor(const HeatTask& task, const std::vector<double>& temperatures, double ease);
 
     std::vector<double> lack_;      ///< W that each balance is short of
     std::vector<double> turnover_;  ///< W/K by place: what streams bring it
     std::vector<double> traffic_;   ///< W by place: what it exchanges
     bool factored_ = false;
+    bool fresh_ = false;  ///< the factors were made at the last temperatures
     /// Of an earlier step perhaps: good as long as corrections made with it shrink.
     Eigen::SparseLU<Eigen::SparseMatrix<double>> factors_;
 };

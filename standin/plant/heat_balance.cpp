@@ -25,6 +25,8 @@ constexpr double DeviceCapacity = 50e3;  // J/K, of each device in a room
 constexpr double RoomLeak = 100.0;       // W/K
 constexpr double StoreLeak = 30.0;
 
+constexpr double LeastFlow = 1e-9;  // kg/s that carry heat; less is what rounding leaves of nothing
+
 constexpr double NoLimit = std::numeric_limits<double>::infinity();
 
 double Temperature(double value) {
@@ -99,7 +101,7 @@ double HeatBalance::RateOf(int net) const {
 HeatBalance::Ends HeatBalance::EndsOf(int aisle, const Hydraulics& hydraulics) const {
     const Aisle& is = At(layout_.aisles, aisle);
     const double flow = At(hydraulics.Flows(), aisle);
-    const double rate = std::abs(flow) * RateOf(is.net);
+    const double rate = std::abs(flow) < LeastFlow ? 0.0 : std::abs(flow) * RateOf(is.net);
     return flow < 0.0 ? Ends{is.outlet, is.inlet, rate} : Ends{is.inlet, is.outlet, rate};
 }
 
@@ -142,7 +144,7 @@ void HeatBalance::AddContents(const PlantInputs& inputs, const Hydraulics& hydra
         const Mouth& mouth = layout_.mouths[number];
         const int net = At(layout_.points, mouth.point).net;
         const double flow = hydraulics.MouthFlows()[number];
-        if (flow == 0.0 || At(layout_.nets, net).fluid == Fluid::Refrigerant) continue;
+        if (std::abs(flow) < LeastFlow || At(layout_.nets, net).fluid == Fluid::Refrigerant) continue;
         const int content = FirstContent() + mouth.content;
         const double rate = std::abs(flow) * RateOf(net);
         if (flow > 0.0) {
@@ -185,8 +187,8 @@ void HeatBalance::AddCoupled(const PlantInputs& inputs, const Hydraulics& hydrau
     const Device& device = At(layout_.devices, number);
     int own = -1;
     int other = -1;
-    for (std::size_t port = 0; port < device.points.size(); ++port) {
-        const int aisle = device.aisles[port];
+    for (const AisleType& type : device.type->aisles) {
+        const int aisle = device.aisles[static_cast<std::size_t>(type.inlet)];
         if (aisle >= 0) (IsCircuit(aisle) && own < 0 ? own : other) = aisle;
     }
     if (own < 0 || !hydraulics.Driven(own)) return;
@@ -202,7 +204,7 @@ void HeatBalance::AddCoupled(const PlantInputs& inputs, const Hydraulics& hydrau
         exchange.most = Positive(inputs.Get(device, Item::Power), MostPower, 0.0) * PascalPerKilo;
         exchange.conductance = exchange.most / CoolerDifference;
         sense = feel = room;
-    } else if (other >= 0 && other != own) {
+    } else if (other >= 0) {
         if (At(layout_.nets, At(layout_.aisles, other).net).fluid == Fluid::Refrigerant) return;
         const Ends ends = EndsOf(other, hydraulics);
         exchange.conductance = ToConstant(transfer, ends.rate);
@@ -222,7 +224,7 @@ void HeatBalance::AddCoupled(const PlantInputs& inputs, const Hydraulics& hydrau
     const int added = Add(exchange);
     At(condenser ? condensers_ : evaporators_, net).push_back(added);
     if (!condenser) At(evaporatorAisles_, added) = own;
-    if (other >= 0 && other != own && device.type->role != Role::AirCooler) {
+    if (other >= 0 && device.type->role != Role::AirCooler) {
         At(exchangeOf_, other) = added;
         At(gives_, other) = condenser ? 0 : 1;
     }

@@ -15,7 +15,7 @@ class HeatBalance {
   public:
     explicit HeatBalance(const Layout& layout);
 
-    /// Solves a step. False where no temperatures were found; then they are as they were.
+    /// Solves a step. False where the balances are not yet met; the next steps go on with them.
     bool Step(const PlantInputs& inputs, const Hydraulics& hydraulics, double seconds);
 
     double PointTemperature(int point) const { return At(temperatures_, point); }

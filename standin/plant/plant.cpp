@@ -113,9 +113,12 @@ void Plant::TellItems(PlantOutputs& outputs) const {
         if (role == Role::ColdStore || stands) {
             const int room = role == Role::ColdStore ? number : device.room;
             outputs.items.push_back({number, row, balance_.RoomTemperature(room)});
-        } else if (role == Role::Evaporator && device.aisles[2] >= 0) {
-            outputs.items.push_back(
-                {number, row, balance_.LeavingTemperature(device.aisles[2], hydraulics_)});
+            continue;
+        }
+        for (const AisleType& type : device.type->aisles) {
+            const int aisle = device.aisles[static_cast<std::size_t>(type.inlet)];
+            if (aisle < 0 || At(layout_.nets, At(layout_.aisles, aisle).net).circuit) continue;
+            outputs.items.push_back({number, row, balance_.LeavingTemperature(aisle, hydraulics_)});
         }
     }
 }
@@ -157,7 +160,8 @@ PlantOutputs Plant::Step(const PlantInputs& inputs, double seconds) {
     outputs.faults = hydraulics_.TakeFaults();
     if (!heatSolved && !heatTold_) {
         heatTold_ = true;
-        outputs.faults.emplace_back("its heat has no solution that 40 steps lead to; temperatures keep");
+        outputs.faults.emplace_back(
+            "its heat is not balanced within 100 steps of one step; the next go on with it");
     }
     outputs.unsolvedNets = hydraulics_.UnsolvedNets();
     outputs.converged = outputs.unsolvedNets == 0 && heatSolved;
