@@ -88,7 +88,7 @@ std::string_view IdentityOf(std::string_view name) {
     return name;
 }
 
-std::string Run(const CommandRow* row, std::string name, const std::string& messages) {
+std::string CommandRun(const CommandRow* row, std::string name, const std::string& messages) {
     const auto served = [row](Target target) { return row != nullptr && row->target == target; };
     if (served(NewProject)) return row->handler({.name = name, .messages = messages});
 
@@ -117,7 +117,7 @@ std::string Run(const CommandRow* row, std::string name, const std::string& mess
 
 void ProjectCommand(const std::string& command, const std::string& name, const std::string& messages,
                     std::string& reply) {
-    reply = Run(CommandFind(command), name, messages);
+    reply = CommandRun(CommandFind(command), name, messages);
 }
 
 bool CommandWrites(std::string_view command) {

@@ -39,7 +39,7 @@ std::string MoveMN(const Request& request) {
 
     const auto move = request.midstate == ModuleKind ? ProjectModuleXYSet : ProjectNodeXYSet;
     move(ProjectNameGet(request.pjtnb), request.midnb, x, z);
-    RefreshAndWait(request.pjtnb);
+    PjtRefWait(request.pjtnb);
     return "OK";
 }
 

@@ -61,14 +61,14 @@ constexpr Placement NodePlacement{.kind = NodeKind,
                                   .add = ProjectAddNode,
                                   .identify = NodeInstanceIDSet};
 
-void ReadPlace(RequestFields& fields, NewElement& element) {
+void PlaceRead(RequestFields& fields, NewElement& element) {
     RequestInt(fields, "PageNb", element.page);
     RequestPosition(fields, "PositionX", element.x, PositionForm::DoubleOrInt);
     RequestPosition(fields, "PositionZ", element.z, PositionForm::DoubleOrInt);
 }
 
-std::string Place(int pjtnb, const Placement& placement, const RequestFields& fields,
-                  const NewElement& element) {
+std::string ElementPlace(int pjtnb, const Placement& placement, const RequestFields& fields,
+                         const NewElement& element) {
     if (element.type < 0) return placement.notFound;
     if (element.number < 0) return placement.full;
     if (fields.failed) return fields.reply;
@@ -79,7 +79,7 @@ std::string Place(int pjtnb, const Placement& placement, const RequestFields& fi
                        element.z)) {
         return "出现莫名错误,请联系技术支持";
     }
-    RefreshAndWait(pjtnb);
+    PjtRefWait(pjtnb);
     std::string id = InstanceIdText(placement.kind, element.number);
     placement.identify(pjtnb, element.number, id.c_str());
     return id;
@@ -88,18 +88,18 @@ std::string Place(int pjtnb, const Placement& placement, const RequestFields& fi
 }  // namespace
 
 std::string AddModule(const Request& request) {
-    // The room in the table is asked for before the request is read, and told of only after it.
+    // Asks for room in the table before it reads the request, and replies that there is none after it.
     NewElement element{.number = ProjectModuleNbCheck(request.pjtnb)};
     RequestFields fields;
     RequestParse(fields, request.messages);
     std::int64_t oneId = 0;
     if (RequestInt64(fields, "VornModuleID", oneId)) element.type = ModuleOneID_ToID(oneId);
-    ReadPlace(fields, element);
+    PlaceRead(fields, element);
     std::string typeTestedOnly;
     RequestText(fields, "ModelID", typeTestedOnly);
     RequestText(fields, "RoomID", typeTestedOnly);
     RequestText(fields, "DeviceName", element.name);
-    return Place(request.pjtnb, ModulePlacement, fields, element);
+    return ElementPlace(request.pjtnb, ModulePlacement, fields, element);
 }
 
 std::string AddNode(const Request& request) {
@@ -108,9 +108,9 @@ std::string AddNode(const Request& request) {
     RequestParse(fields, request.messages);
     int id = 0;
     if (RequestInt(fields, "VornModuleID", id)) element.type = NodeKindFromId(id);
-    ReadPlace(fields, element);
+    PlaceRead(fields, element);
     RequestText(fields, "NodeName", element.name);
-    return Place(request.pjtnb, NodePlacement, fields, element);
+    return ElementPlace(request.pjtnb, NodePlacement, fields, element);
 }
 
 }  // namespace vorn

@@ -51,7 +51,7 @@ std::string PjtClose(const Request& request) {
 
 std::string PjtClear(const Request& request) {
     Pipe_ProjectInfoClear(request.pjtnb);
-    RefreshAndWait(request.pjtnb);
+    PjtRefWait(request.pjtnb);
     return "OK";
 }
 

@@ -13,6 +13,9 @@ namespace {
 /// By element kind, from 1.
 constexpr std::string_view Prefixes[] = {"MOD", "NOD", "JMP", "LNK"};
 constexpr std::size_t PrefixBytes = 3;
+static_assert(std::size(Prefixes) == LinkKind && Prefixes[ModuleKind - 1] == "MOD" &&
+              Prefixes[NodeKind - 1] == "NOD" && Prefixes[JumpKind - 1] == "JMP" &&
+              Prefixes[LinkKind - 1] == "LNK");
 
 }  // namespace
 

@@ -16,7 +16,7 @@ void GuiRefWait(int pjtnb) {
     for (int waits = 0; GuiRef_Get(pjtnb) && waits < BusyWaits; ++waits) SleepMilliseconds(1);
 }
 
-void RefreshAndWait(int pjtnb) {
+void PjtRefWait(int pjtnb) {
     Pipe_PjtRef(pjtnb);
     SleepMilliseconds(RefreshMilliseconds);
 }

@@ -9,6 +9,6 @@ namespace vorn {
 void GuiRefWait(int pjtnb);
 
 /// Tells the engine that the project's structure or layout changed, and waits 300 ms.
-void RefreshAndWait(int pjtnb);
+void PjtRefWait(int pjtnb);
 
 }  // namespace vorn

@@ -14,9 +14,9 @@ enum ElementKind { NoKind = 0, ModuleKind = 1, NodeKind = 2, JumpKind = 3, LinkK
 /// What a link carries.
 enum LinkType { PipeLink = 0, InformationLink = 1, WireLink = 2, MechanicalLink = 3 };
 
-/// Ports of each element, from 0. The lower ones of a node are its inlets, the others its outlets.
+/// Ports of each element, from 0. The lower half of a node's are its inlets, the upper half its outlets.
 inline constexpr int PortsPerElement = 16;
-inline constexpr int NodeInletCount = 8;
+inline constexpr int NodeInletCount = PortsPerElement / 2;
 
 /// Kinds of node, by what flows through them.
 enum NodeFlow { FluidNode = 0, InfoNode = 1, PowerNode = 2, MechNode = 3 };
@@ -29,12 +29,12 @@ inline constexpr int ModuleTypeCount = 600;
 inline constexpr int CacheSetCount = 3;
 
 /// One link between two element ports. A caller writes it to add a link; a snapshot shows it as a row.
-/// `F_` is the upstream end, `S_` the downstream end. Element kinds: 1 module, 2 node, 3 jump, 4 link.
+/// `F_` is the upstream end, `S_` the downstream end.
 struct LinkSxCache {
     bool InUse = false;       ///< true in each record that a caller writes; marks a row that exists
     std::int32_t Type = 0;    ///< a `LinkType`
     std::int32_t PageNb = 0;  ///< page of the drawing
-    std::int32_t F_Sx = 0;    ///< element kind of the upstream end
+    std::int32_t F_Sx = 0;    ///< the `ElementKind` of the upstream end
     std::int32_t F_Nb = 0;    ///< its element number
     std::int32_t F_PortNb = 0;
     bool F_Type2 = false;  ///< the port's flag: true for a through port; false for a node

@@ -4,17 +4,11 @@
 #include <iterator>
 #include <string_view>
 
-#include "elements/catalogue_ids.h"
+#include "engine/vorn_type_ids.h"
 
 namespace vorn {
 
 namespace {
-
-constexpr std::int64_t DuctOneID = 25082921244318233;
-constexpr std::int64_t CopperOneID = 25083017561574261;
-constexpr std::int64_t CastIronReducerOneID = 24032321240010392;
-constexpr std::int64_t DuctReducerOneID = 25082923170872582;
-constexpr std::int64_t CopperReducerOneID = 25083018524631661;
 
 // ---- The series of sizes, in millimetres ----
 

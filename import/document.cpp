@@ -138,7 +138,7 @@ const char* ProjectDocumentImport(int pjtnb, const char* text) {
     LinkExpansion(pjtnb, std::move(lists));
     ProjectInfoWrite(ProjectNameGet(pjtnb));
     ProjectDBWrite(ProjectNameGet(pjtnb));
-    RefreshAndWait(pjtnb);
+    PjtRefWait(pjtnb);
     return "OK";
 }
 

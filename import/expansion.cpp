@@ -10,6 +10,7 @@
 #include "elements/grid.h"
 #include "elements/instance_id.h"
 #include "engine/vorn_core.h"
+#include "engine/vorn_type_ids.h"
 #include "import/fitting.h"
 #include "import/import_lists.h"
 #include "import/parameters.h"
@@ -63,9 +64,7 @@ GridPlace PlaceByPosition(const DeviceEntry& device, std::int64_t shift) {
             .z = GridCut(GridFromPosition(device.PositionZ) + shift)};
 }
 
-/// Modules of this type stand along the edge of the drawing: down its left side, then along its foot.
-constexpr std::int64_t EdgeGridOneID = 25092208120526336;
-
+/// The rooms stand along the edge of the drawing: down its left side, then along its foot.
 class EdgeGrid {
   public:
     GridPlace Next() {
@@ -112,7 +111,7 @@ void PlaceModule(int pjtnb, const DeviceEntry& device, std::int64_t index, EdgeG
     if (number < 0) return;
     // The edge grid moves on also where the type then turns out to be unknown.
     const GridPlace place =
-        device.ModuleOneID == EdgeGridOneID ? edge.Next() : PlaceByPosition(device, index * ModuleShift);
+        device.ModuleOneID == RoomOneID ? edge.Next() : PlaceByPosition(device, index * ModuleShift);
     const int type = ModuleOneID_ToID(device.ModuleOneID);
     if (type < 0 || type >= ModuleTypeCount) return;
     ProjectAddModule(ProjectNameGet(pjtnb), number, type, FirstPage, place.x, place.z);
@@ -146,7 +145,7 @@ void TiePipes(int pjtnb, std::vector<ConnectionEntry>& connections) {
 }
 
 /// The devices that stand in a room and heat or cool it.
-constexpr std::int64_t RoomLinkedOneID[] = {25092117291321127, 25092119192771617, 25092119192766817};
+constexpr std::int64_t RoomLinkedOneID[] = {FanCoilOneID, AirCoolerOneID, RadiatorOneID};
 /// The identity under which a document lists an air outlet a second time, for its room.
 constexpr std::int64_t AirOutletOneID = 12;
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "elements/catalogue_ids.h"
+#include "engine/vorn_type_ids.h"
 #include "import/catalog.h"
 
 namespace vorn {

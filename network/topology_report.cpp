@@ -47,7 +47,8 @@ struct Report {
 
     TextStream stream;
     rapidjson::PrettyWriter<TextStream> writer;
-    std::array<std::optional<std::string>, ModuleTypeCount> midName{};  ///< by type, as far as asked for
+    std::array<std::optional<std::string>, ModuleTypeCount>
+        midName{};  ///< by type; empty until it is asked for
 };
 
 void ValueWrite(Report& report, int value) {

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <iterator>
 
+#include "engine/vorn_type_ids.h"
+
 namespace standin {
 
 namespace {
@@ -43,29 +45,29 @@ constexpr std::array<string_view, 1> StoreItems{"BKT_TEMP"};
 constexpr std::array<string_view, 3> JunctionItems{"Pressure", "Temperature", "Flow"};
 
 constexpr ModuleType Types[] = {
-    {24032022192805856, "铸铁管道", InlinePorts, OneAisle, PipeItems},
-    {25032321491014823, "导线", InlinePorts, OneAisle, WireItems},
-    {25082921244318233, "矩形风管", InlinePorts, OneAisle, DuctItems},
-    {25083017561574261, "铜管", InlinePorts, OneAisle, PipeItems},
-    {24032321240010392, "铸铁异径管", InlinePorts, OneAisle, PipeItems},
-    {25082923170872582, "风管异径管", InlinePorts, OneAisle, DuctItems},
-    {25083018524631661, "铜异径管", InlinePorts, OneAisle, PipeItems},
-    {25092208120526336, "房间", {}, {}, RoomItems},
-    {25092117291321127, "风机盘管", InlinePorts, OneAisle, PowerItems},
-    {25092119192771617, "冷风机", InlinePorts, OneAisle, AirCoolerItems},
-    {25092119192766817, "散热器", InlinePorts, OneAisle, PowerItems},
-    {26010100000000011, "水泵", DrivenPorts, OneAisle, PumpItems},
-    {26010100000000012, "阀门", InlinePorts, OneAisle, OpeningItems},
-    {26010100000000013, "板式换热器", ExchangerPorts, TwoAisles, AreaItems},
-    {26010100000000014, "膨胀水箱", VesselPorts, {}, VolumeItems},
-    {26010100000000015, "冷却塔", VesselPorts, {}, PowerItems},
-    {26010100000000016, "压缩机", DrivenPorts, OneAisle, PowerItems},
-    {26010100000000017, "冷凝器", ExchangerPorts, TwoAisles, AreaItems},
-    {26010100000000018, "蒸发器", ExchangerPorts, TwoAisles, EvaporatorItems},
-    {26010100000000019, "膨胀阀", InlinePorts, OneAisle, OpeningItems},
-    {26010100000000020, "储液器", VesselPorts, {}, VolumeItems},
-    {26010100000000021, "电源", SourcePorts, {}, VoltageItems},
-    {26010100000000022, "冷库", {}, {}, StoreItems},
+    {PipeOneID, "铸铁管道", InlinePorts, OneAisle, PipeItems},
+    {WireOneID, "导线", InlinePorts, OneAisle, WireItems},
+    {DuctOneID, "矩形风管", InlinePorts, OneAisle, DuctItems},
+    {CopperOneID, "铜管", InlinePorts, OneAisle, PipeItems},
+    {CastIronReducerOneID, "铸铁异径管", InlinePorts, OneAisle, PipeItems},
+    {DuctReducerOneID, "风管异径管", InlinePorts, OneAisle, DuctItems},
+    {CopperReducerOneID, "铜异径管", InlinePorts, OneAisle, PipeItems},
+    {RoomOneID, "房间", {}, {}, RoomItems},
+    {FanCoilOneID, "风机盘管", InlinePorts, OneAisle, PowerItems},
+    {AirCoolerOneID, "冷风机", InlinePorts, OneAisle, AirCoolerItems},
+    {RadiatorOneID, "散热器", InlinePorts, OneAisle, PowerItems},
+    {PumpOneID, "水泵", DrivenPorts, OneAisle, PumpItems},
+    {ValveOneID, "阀门", InlinePorts, OneAisle, OpeningItems},
+    {ExchangerOneID, "板式换热器", ExchangerPorts, TwoAisles, AreaItems},
+    {TankOneID, "膨胀水箱", VesselPorts, {}, VolumeItems},
+    {CoolingTowerOneID, "冷却塔", VesselPorts, {}, PowerItems},
+    {CompressorOneID, "压缩机", DrivenPorts, OneAisle, PowerItems},
+    {CondenserOneID, "冷凝器", ExchangerPorts, TwoAisles, AreaItems},
+    {EvaporatorOneID, "蒸发器", ExchangerPorts, TwoAisles, EvaporatorItems},
+    {ExpansionValveOneID, "膨胀阀", InlinePorts, OneAisle, OpeningItems},
+    {ReceiverOneID, "储液器", VesselPorts, {}, VolumeItems},
+    {PowerSourceOneID, "电源", SourcePorts, {}, VoltageItems},
+    {ColdStoreOneID, "冷库", {}, {}, StoreItems},
 };
 
 }  // namespace

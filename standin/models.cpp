@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "engine/vorn_core.h"
+#include "engine/vorn_type_ids.h"
 #include "engine/vorn_var.h"
 #include "standin/project.h"
 #include "standin/trace.h"
@@ -73,12 +74,12 @@ struct ModelFamily {
 };
 
 constexpr ModelFamily Families[] = {
-    {24032022192805856, "DN", 1, 1, "", "铸铁管道", Diameter},
-    {25082921244318233, "", 2, 2, "", "风管", Section},
-    {25083017561574261, "", 1, 3, "英寸", "铜管", InchDiameter},
-    {24032321240010392, "", 2, 2, "", "RDC", Diameter},
-    {25082923170872582, "", 4, 4, "", "", Section},
-    {25083018524631661, "", 1, 3, "英寸", "铜异径管", InchDiameter},
+    {PipeOneID, "DN", 1, 1, "", "铸铁管道", Diameter},
+    {DuctOneID, "", 2, 2, "", "风管", Section},
+    {CopperOneID, "", 1, 3, "英寸", "铜管", InchDiameter},
+    {CastIronReducerOneID, "", 2, 2, "", "RDC", Diameter},
+    {DuctReducerOneID, "", 4, 4, "", "", Section},
+    {CopperReducerOneID, "", 1, 3, "英寸", "铜异径管", InchDiameter},
 };
 
 /// The values of the model of that name, none where the type has no such model.

@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+#include "engine/vorn_type_ids.h"
+
 namespace standin {
 
 namespace {
@@ -30,17 +32,27 @@ struct RoleRow {
 };
 
 constexpr RoleRow Roles[] = {
-    {24032022192805856, Role::CastIronPipe},   {24032321240010392, Role::CastIronPipe, true},
-    {25082921244318233, Role::Duct},           {25082923170872582, Role::Duct, true},
-    {25083017561574261, Role::CopperPipe},     {25083018524631661, Role::CopperPipe, true},
-    {25092208120526336, Role::Room},           {25092117291321127, Role::Terminal},
-    {25092119192771617, Role::AirCooler},      {25092119192766817, Role::Terminal},
-    {26010100000000011, Role::Pump},           {26010100000000012, Role::Valve},
-    {26010100000000013, Role::Exchanger},      {26010100000000014, Role::Tank},
-    {26010100000000015, Role::Tower},          {26010100000000016, Role::Compressor},
-    {26010100000000017, Role::Condenser},      {26010100000000018, Role::Evaporator},
-    {26010100000000019, Role::ExpansionValve}, {26010100000000020, Role::Receiver},
-    {26010100000000022, Role::ColdStore},
+    {PipeOneID, Role::CastIronPipe},
+    {CastIronReducerOneID, Role::CastIronPipe, true},
+    {DuctOneID, Role::Duct},
+    {DuctReducerOneID, Role::Duct, true},
+    {CopperOneID, Role::CopperPipe},
+    {CopperReducerOneID, Role::CopperPipe, true},
+    {RoomOneID, Role::Room},
+    {FanCoilOneID, Role::Terminal},
+    {AirCoolerOneID, Role::AirCooler},
+    {RadiatorOneID, Role::Terminal},
+    {PumpOneID, Role::Pump},
+    {ValveOneID, Role::Valve},
+    {ExchangerOneID, Role::Exchanger},
+    {TankOneID, Role::Tank},
+    {CoolingTowerOneID, Role::Tower},
+    {CompressorOneID, Role::Compressor},
+    {CondenserOneID, Role::Condenser},
+    {EvaporatorOneID, Role::Evaporator},
+    {ExpansionValveOneID, Role::ExpansionValve},
+    {ReceiverOneID, Role::Receiver},
+    {ColdStoreOneID, Role::ColdStore},
 };
 
 DeviceType Made(const ModuleType& type) {

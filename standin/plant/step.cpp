@@ -24,7 +24,7 @@ PlantRows RowsOf(const Project& project) {
         if (project.nodes.rows[number].inUse) rows.nodes.push_back(static_cast<int>(number));
     }
     std::copy_if(project.links.rows.begin(), project.links.rows.end(), std::back_inserter(rows.links),
-                 [](const LinkSxCache& link) { return link.InUse && link.Type == 0; });
+                 [](const LinkSxCache& link) { return link.InUse && link.Type == PipeLink; });
     return rows;
 }
 
