@@ -1,5 +1,7 @@
 // The commands NetAccess and PjtInfoChk on plants that stand in the engine: snapshot, page links and report.
 
+#include <rapidjson/document.h>
+
 #include <algorithm>
 
 #include "engine/vorn_core.h"
@@ -7,6 +9,7 @@
 #include "network/net_access.h"
 #include "network/topology_report.h"
 #include "tests/support/service_test.h"
+#include "tests/support/working_folder.h"
 
 namespace {
 
@@ -69,10 +72,11 @@ TEST_F(NetworkReportTest, TellsThePlantAndUsesTheAnalysisUp) {
     PlantMake();
     const auto calls = CallsOf("NetAccess", "PLANT");
     const auto loading = Split(
-        R"(ProjectNameGet(0); ProjectInfoGet("PLANT"); ProjectInfoJumpLinkPressing(0); ModulePortInfo(0,2,0,5))");
+        R"(ProjectNameGet(0); ProjectInfoGet("PLANT"); ProjectInfoJumpLinkPressing(0); ModulePortInfo(0,2,0,5);
+        ModulePortInfo(0,3,2,5); ModuleAisleSx(0,2,0,2))");
     const auto first = std::find(calls.begin(), calls.end(), loading[0]);
-    ASSERT_GE(calls.end() - first, 4);
-    EXPECT_EQ(std::vector(first, first + 4), loading);
+    ASSERT_GE(calls.end() - first, 6);
+    EXPECT_EQ(std::vector(first, first + 6), loading);
     EXPECT_EQ(Send("NetAccess", "PLANT"),
               "出错啦,此支路号:1不完整,缺少下游链接。尾部的设备和通路,分别是设备(InstanceID) "
               ":MOD3,通路号:1,设备VornmoduleID:26010100000000013\n");
@@ -105,11 +109,16 @@ TEST_F(NetworkReportTest, NamesOutsideTheTablesAreEmpty) {
     Own.ProjectCheck.ModuleSx[0].TypeNb = 600;
     Own.ProjectCheck.ModuleSx[2].TypeNb = -1;
     Own.ProjectCheck.NodeSx[0].Kind = 4;
+    Own.ProjectCheck.PageLinkSx[0].S_Sx = JumpKind;
+    Own.ReportText.reserve(1000000);
     vorn::TopologyReport(Own);
+    EXPECT_LT(Own.ReportText.capacity(), 100000U);  // the memory of a larger one is given back
     const std::string report = Packed(Own.ReportText);
     EXPECT_NE(report.find(R"("MOD0","DeviceName": "","VornModuleID": 0,)"), std::string::npos) << report;
     EXPECT_NE(report.find(R"(\"A\"","DeviceName": "","VornModuleID": 0,)"), std::string::npos) << report;
     EXPECT_NE(report.find(R"("NodeName": "","VornModuleID": 3004,)"), std::string::npos) << report;
+    EXPECT_NE(report.find(R"("ConnectionNb": 4,)"), std::string::npos)
+        << report;  // also a page link to a jump
 }
 
 TEST_F(NetworkReportTest, PageLinksJoinAllThatMeetsAtAJump) {
@@ -146,6 +155,41 @@ TEST_F(NetworkReportTest, PageLinksJoinAllThatMeetsAtAJump) {
     vorn::SnapshotLoad(Own, 1);
     EXPECT_EQ(Own.ProjectCheck.PageLinkNb, PageLinkCapacity);
     EXPECT_TRUE(vorn::SnapshotAnalyse(Own, 1));
+    vorn::TopologyReport(Own);  // larger than what is gathered at a time
+    rapidjson::Document report;
+    report.Parse(Own.ReportText.c_str());
+    ASSERT_TRUE(report.IsObject());
+    EXPECT_EQ(report["ConnectionNb"].GetInt(), PageLinkCapacity);
+    EXPECT_EQ(report["ConnectionInfo"].Size(), static_cast<unsigned>(PageLinkCapacity));
+}
+
+TEST_F(NetworkReportTest, AsksForTheNameOfATypeOnce) {
+    ProjectJsonAdd("TYPES");
+    for (int module = 0; module < 3; ++module) ProjectAddModule("TYPES", module, 7, 0, 0, 0);
+    const auto calls = CallsOf("PjtInfoChk", "TYPES");
+    EXPECT_EQ(std::count(calls.begin(), calls.end(), "ModuleNameGet(7)"), 1);
+    EXPECT_EQ(std::count(calls.begin(), calls.end(), "ModuleOneID_Get(7)"), 3);
+}
+
+TEST_F(NetworkReportTest, VacantModulesHaveNoAisles) {
+    const WorkingFolder folder;
+    const auto aisleOf = [](int module) { return ModulePortInfo(0, module, 0, 5).AisleNb; };
+    PlantMake();
+    EXPECT_EQ(aisleOf(0), -1);  // an end port
+    EXPECT_EQ(aisleOf(1), -1);  // deleted
+    EXPECT_EQ(aisleOf(2), 0);
+    EXPECT_EQ(ModuleAisleSx(0, 3, 1, 2).OutPortNb, 3);
+    EXPECT_EQ(ModuleAisleSx(0, 1, 0, 2).OutPortNb, -1);
+    Pipe_ProjectInfoClear(0);
+    EXPECT_EQ(aisleOf(2), -1);
+    ProjectAddModule("PLANT", 2, 0, 0, 0, 0);
+    EXPECT_EQ(aisleOf(2), 0);
+    ProjectDBWrite("PLANT");
+    ProjectInfoRemove("PLANT");
+    EXPECT_EQ(aisleOf(2), -1);
+    ASSERT_EQ(ProjectInfoRead("PLANT"), 1);
+    ProjectDBRead("PLANT");
+    EXPECT_EQ(aisleOf(2), 0);
 }
 
 }  // namespace

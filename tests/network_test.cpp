@@ -46,6 +46,10 @@ const struct {
      "l0 n0.8 m4.0 l0 m4.1 i1.0 l0 i1.8 m5.0 l0 m5.1 n2.0 l0 e6.0 m7.0 l0 m7.1 n0.1",
      "0 n0.8 4/0 n1.0\n0 n1.8 5/0 n2.0\n0 e6.0 7/0 n0.1\n0 \n2 \n",
      {NetWithoutPressure, -1, 2}},
+    {"modules outside the table",
+     "l0 n0.8 m-2.0 l0 m9000.-1 n1.0 l0 m-2.-1 m9000.0",
+     "0 n0.8 -2/-1 9000/-1 n1.0\n0 1 \n",
+     {NetWithoutPressure, -1, 0}},
     // The later branch stands at the doubled port: the other's front is not named there, and leads there.
     {"doubled above", "l0 n0.8 m4.0 l0 m4.1 n1.0 l0 e6.0 m5.0 l0 m5.1 n1.0",
      "0 n0.8 4/0 n1.0\n0 e6.0 5/0 n1.0\n0 1 \n"},
@@ -174,7 +178,8 @@ std::string PlainSweeps() {
     }
     std::vector<int> taking;
     for (int node = 0; node < count; ++node) {
-        if (check.NodeSx[node].InUse && check.NodeSx[node].Kind != InfoNode) taking.push_back(node);
+        const NodeRow& row = check.NodeSx[node];
+        if (row.InUse && row.Kind != InfoNode && row.Kind <= MechNode) taking.push_back(node);
     }
     std::vector<std::vector<int>> nets;
     std::vector<int> netOf(count, -1);
@@ -239,8 +244,9 @@ std::string RandomRows(Below below) {
     const auto number = [&](int usual) { return std::to_string(below(wild) == 0 ? below(40) - 3 : usual); };
     const auto end = [&](int port, int nodesInTen) {
         const int kind = below(40);
-        if (kind < 4 * nodesInTen) return " n" + number(below(3)) + "." + number(below(16));
-        if (kind == 39) return std::string(" j1.0");
+        if (kind < 4 * nodesInTen)
+            return (below(8) == 0 ? " N" : " n") + number(below(3)) + "." + number(below(16));
+        if (kind == 39) return std::string(below(2) == 0 ? " j1.0" : " J1.0");
         const int module = 5 - below(modules);  // exchangers and pipes
         const int aisle = module < Exchangers ? below(2) : 0;
         return (kind > 34 ? " e" : " m") + number(module) + "." + number(port + 2 * aisle);
@@ -283,7 +289,7 @@ TEST_F(NetworkTest, NetsAgreeWithPlainSweeps) {
         ProjectCheckCache& check = Net.ProjectCheck;
         check.NodeNb = below(7);
         for (int node = 0; node < check.NodeNb; ++node) {
-            check.NodeSx[node] = {.InUse = below(10) > 0, .Kind = below(4)};
+            check.NodeSx[node] = {.InUse = below(10) > 0, .Kind = below(5)};
         }
         Net.BranchTable.resize(below(9));
         const int ports = 1 + below(4);  // few ports, so that branches share some

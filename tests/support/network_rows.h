@@ -38,20 +38,20 @@ inline bool ReadEnd(std::istream& line, std::int32_t& kind, std::int32_t& number
     char letter = 0;
     char dot = 0;
     line >> letter >> number >> dot >> port;
-    const bool node = letter == 'n' || letter == 'i';
-    kind = node ? 2 : letter == 'j' ? 3 : 1;
+    const bool node = letter == 'n' || letter == 'N' || letter == 'i';
+    kind = node ? NodeKind : letter == 'j' || letter == 'J' ? JumpKind : ModuleKind;
     ProjectCheckCache& check = Net.ProjectCheck;
     for (; node && number < NodeCapacity && check.NodeNb <= number; ++check.NodeNb) {
         check.NodeSx[check.NodeNb] = NodeRow();
     }
     if (node && NodeRowFind(check, number) != nullptr)
         check.NodeSx[number] = {.InUse = true, .Kind = letter == 'i' ? InfoNode : FluidNode};
-    return letter == 'm';
+    return letter == 'm' || letter == 'N' || letter == 'J';
 }
 
 /// Fills the tables with rows told a line each: `l` link or `p` page link, its type or `-` for a vacant row,
 /// and two ends: `n2.8` a node's port, of kind INFO with `i`, `m4.0` a through port, `e4.0` an end port,
-/// `j1.0`.
+/// `j1.0` a jump; `N` and `J` with the flag that only modules should have.
 inline void Rows(const std::string& lines) {
     ProjectCheckCache& check = Net.ProjectCheck;
     check.NodeNb = check.LinkNb = check.PageLinkNb = 0;
