@@ -70,7 +70,7 @@ TEST(HttpThreadsTest, TakesTheRequestsOfOneConnectionOneByOne) {
     EXPECT_EQ(greetings, 6U);
 
     // What stands in a body that nobody reads, or behind one that is broken, is no request.
-    for (const char* head : {"GET /hi HTTP/1.1\r\nContent-Length: 9999\r\n\r\n",
+    for (const char* head : {"NONSENSE\r\n", "GET /hi HTTP/1.1\r\nContent-Length: 9999\r\n\r\n",
                              "POST /api HTTP/1.1\r\nTransfer-Encoding: chunked\r\n\r\nzz\r\n",
                              "POST /none HTTP/1.1\r\nTransfer-Encoding: chunked\r\n\r\nzz\r\n"}) {
         const RawClient client(host.Port());
@@ -209,7 +209,7 @@ TEST(HttpThreadsTest, TakesTheLastPortAndEndsWhenNoneIsFree) {
     std::vector<std::unique_ptr<HeldPort>> held;
     for (int port = 33360; port <= 33458; ++port) held.push_back(std::make_unique<HeldPort>(port));
     HostProcess last;
-    EXPECT_EQ(last.Port(), 33459);
+    ASSERT_EQ(last.Port(), 33459);
     EXPECT_EQ(last.Client().Get("/hi")->status, 200);
     HostProcess host;
     EXPECT_EQ(host.Port(), 0);

@@ -20,28 +20,35 @@ constexpr const char* Mishap = "出现莫名错误,请联系技术支持";
 /// Longer than what a text holds without asking for memory.
 const string LongName = "PLANT1_" + string(40, 'X');
 
-/// Runs `request` again and again, each time with a later `new` failing, until none fails any more; `look` is
-/// then asked after each.
+/// Runs `request` again and again, each time with a later `new` failing, alone or with the one behind it,
+/// until none fails any more; `look` is then asked after each.
 void FailEach(const std::function<void()>& request, const std::function<void()>& look) {
-    int count = 0;
-    for (bool fails = true; fails; ++count) {
-        FailNew(count);
-        request();
-        fails = NewFailed();
-        FailNew(-1);
-        look();
+    for (const int failing : {2, 1}) {
+        int count = 0;
+        for (bool fails = true; fails; ++count) {
+            FailNew(count, failing);
+            request();
+            fails = NewFailed();
+            FailNew(-1);
+            look();
+        }
+        EXPECT_GT(count, 1) << "the request asks for no memory";
     }
-    EXPECT_GT(count, 1) << "the request asks for no memory";
 }
 
 class MemoryTest : public ServiceTest {
   protected:
     MemoryTest() { Rtn_Get_Get(); }
-    /// The log holds whole lines only: the next exchange has one of its own.
+    /// The log holds whole lines only: the next exchange has one of its own. Behind that both of its texts
+    /// are left with little room, so that the next request makes them ask for more.
     static void ExpectWholeLines() {
         Send("Fdp", "P");
         const string log = Rtn_Get_Get();
-        EXPECT_TRUE(log == "Fdp P  0" || log.ends_with("\nFdp P  0")) << log;
+        EXPECT_TRUE(log == "Fdp P  0" || log.ends_with("\nFdp P  0")) << log.substr(0, 100);
+        for (int text = 0; text < 2; ++text) {
+            Send("Fdp", "P", string(30000, 'm'));
+            Rtn_Get_Get();
+        }
     }
 };
 
@@ -57,14 +64,20 @@ TEST_F(MemoryTest, LetsARequestFailAndNotTheSerialLine) {
 }
 
 TEST_F(MemoryTest, LetsARequestFailAndNotTheDispatcher) {
-    const string messages(300, 'm');
     string reply;
-    FailEach(
-        [&] {
-            const std::lock_guard guard(vorn::DispatchLock);
-            vorn::ServerDispatch("Get", LongName, messages, reply);
-        },
-        ExpectWholeLines);
+    const struct {
+        size_t nameBytes, messagesBytes;
+    } cases[] = {{50, 300}, {50, 15000}, {50, 30000}, {60000, 1}};
+    for (const auto& [nameBytes, messagesBytes] : cases) {
+        const string name(nameBytes, 'n');
+        const string messages(messagesBytes, 'm');
+        FailEach(
+            [&] {
+                const std::lock_guard guard(vorn::DispatchLock);
+                vorn::ServerDispatch("Get", name, messages, reply);
+            },
+            ExpectWholeLines);
+    }
     EXPECT_EQ(reply, NoVariable);
 }
 

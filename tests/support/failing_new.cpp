@@ -5,13 +5,15 @@
 
 namespace {
 
-thread_local int newsLeft = -1;
+thread_local int newsLeft = 0;     // that still succeed
+thread_local int newsFailing = 0;  // behind those
 thread_local bool failed = false;
 
 }  // namespace
 
-void FailNew(int count) {
+void FailNew(int count, int failing) {
     newsLeft = count;
+    newsFailing = count < 0 ? 0 : failing;
     failed = false;
 }
 
@@ -20,8 +22,8 @@ bool NewFailed() {
 }
 
 void* operator new(std::size_t size) {
-    const bool fails = newsLeft == 0;
-    if (newsLeft >= 0) --newsLeft;
+    const bool fails = newsFailing > 0 && newsLeft-- <= 0;
+    if (fails) --newsFailing;
     void* const block = fails ? nullptr : std::malloc(size == 0 ? 1 : size);
     failed = failed || fails;
     if (block == nullptr) throw std::bad_alloc();
