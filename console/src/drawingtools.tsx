@@ -5,7 +5,7 @@ import type { Medium } from "./catalogue";
 import { scene } from "./scene";
 import { Icon } from "./icons";
 import { layoutSet } from "./project";
-import { inView, layingOut, layoutKind, media, plant, quantity, type Quantity } from "./state";
+import { inView, layingOut, layoutKind, media, plant, quantity, type Quantity, verdict } from "./state";
 import { t } from "./text";
 
 const quantities: readonly Quantity[] = ["TEMP", "PRE", "FLOW", "NONE"];
@@ -22,6 +22,15 @@ function Quantities() {
                 </button>
             ))}
         </div>
+    );
+}
+
+function Judged() {
+    if (verdict.value?.good !== true) return null;
+    return (
+        <span class="pill good">
+            <Icon name="check" size={14} /> {t("complete")}
+        </span>
     );
 }
 
@@ -49,8 +58,9 @@ export function Tools() {
         <>
             <div class="over top">
                 <Quantities />
-                {far && <span class="hint">{t("zoomForValues")}</span>}
-                {layingOut.value && <span class="hint" role="status">{t("layingOut")}</span>}
+                <Judged />
+                {far && <span class="pill">{t("zoomForValues")}</span>}
+                {layingOut.value && <span class="pill" role="status">{t("layingOut")}</span>}
             </div>
             <div class="over corner">
                 <button type="button" class="tool" title={t("zoomIn")} aria-label={t("zoomIn")} onClick={() => scene.current?.zoomBy(1.4)}>

@@ -1,7 +1,7 @@
 // Where everything is drawn: by ELK in a worker, or at the positions that the document gives.
 
 import ELK, { type ELK as Elk, type ElkExtendedEdge, type ElkNode } from "elkjs/lib/elk-api";
-import type { Element, Plant, Run } from "./plant";
+import type { Element, End, Plant, Run } from "./plant";
 
 export interface Box {
     readonly x: number;
@@ -35,9 +35,12 @@ function labelWidth(text: string): number {
     return Math.min(width, 150);
 }
 
-function elkNode(shape: Element): ElkNode {
+/** A device's lines end apart, at its ports; those of a node all at one place. */
+const portId = (end: End): string => (end.key.startsWith("MOD") ? `${end.key} ${end.port}` : end.key);
+
+function elkNode(shape: Element, ports: readonly string[]): ElkNode {
     const { w, h } = sizeOf(shape);
-    const node: ElkNode = { id: shape.key, width: w, height: h };
+    const node: ElkNode = { id: shape.key, width: w, height: h, ports: ports.map((id) => ({ id })) };
     if (!shape.node && !shape.type.inside) {
         node.labels = [{ id: `${shape.key} label`, text: shape.id, width: labelWidth(shape.id), height: labelHeight }];
         node.layoutOptions = { "elk.nodeLabels.placement": "H_CENTER V_BOTTOM OUTSIDE" };
@@ -47,6 +50,10 @@ function elkNode(shape: Element): ElkNode {
 
 function elkGraph(plant: Plant, aspect: number): ElkNode {
     const large = plant.shapes.length > 400;
+    const ports = new Map<string, Set<string>>();
+    for (const end of plant.runs.flatMap((run) => [run.from, run.to])) {
+        if (portId(end) !== end.key) ports.set(end.key, (ports.get(end.key) ?? new Set()).add(portId(end)));
+    }
     return {
         id: "plant",
         layoutOptions: {
@@ -62,10 +69,11 @@ function elkGraph(plant: Plant, aspect: number): ElkNode {
             "elk.layered.spacing.edgeNodeBetweenLayers": "22",
             "elk.layered.spacing.edgeEdgeBetweenLayers": "16",
             "elk.layered.nodePlacement.strategy": large ? "BRANDES_KOEPF" : "NETWORK_SIMPLEX",
+            "elk.layered.mergeEdges": "true",
             "elk.layered.thoroughness": large ? "2" : "12",
         },
-        children: plant.shapes.map(elkNode),
-        edges: plant.runs.map((run) => ({ id: run.key, sources: [run.from.key], targets: [run.to.key] })),
+        children: plant.shapes.map((shape) => elkNode(shape, [...(ports.get(shape.key) ?? [])])),
+        edges: plant.runs.map((run) => ({ id: run.key, sources: [portId(run.from)], targets: [portId(run.to)] })),
     };
 }
 

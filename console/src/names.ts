@@ -27,7 +27,7 @@ export function shownVariables(plant: Plant, quantity: Quantity): Map<string, st
     for (const run of plant.runs) if (run.medium !== "power") outlet(run.from.key, run.from.port);
     for (const run of plant.runs) if (run.medium !== "power") outlet(run.to.key, run.to.port);
     for (const shape of plant.shapes) {
-        if (shape.node) names.set(shape.key, `${plant.name}_${shape.key}_${nodeItems[quantity]}`);
+        if (shape.node && shape.typeName === "FLUID") names.set(shape.key, `${plant.name}_${shape.key}_${nodeItems[quantity]}`);
         else if (shape.type.inside && quantity === "TEMP") {
             names.set(shape.key, `${plant.name}_${shape.key}_${shape.type.inside}`);
         }

@@ -39,6 +39,9 @@ export interface View {
 
 const font = (size: number, weight = 500): string => `${weight} ${size}px system-ui, "Noto Sans CJK SC", sans-serif`;
 
+/** How much larger labels are drawn than planned, to stay readable from a little farther away. */
+const growth = (scale: number): number => Math.min(1.4, Math.max(1, 0.85 / scale));
+
 /** Below this scale there are no labels, below the next no signs. */
 export const labelScale = 0.42;
 const signScale = 0.16;
@@ -153,14 +156,15 @@ function paintRuns(canvas: Canvas, layout: Layout, view: View, look: Look): void
     }
 }
 
-function pill(canvas: Canvas, text: string, x: number, y: number, palette: Palette, colour: string): void {
-    canvas.font = font(12, 600);
+function pill(canvas: Canvas, text: string, x: number, y: number, grow: number, palette: Palette, colour: string): void {
+    canvas.font = font(12 * grow, 600);
     const width = canvas.measureText(text).width + 12;
+    const height = 18 * grow;
     canvas.fillStyle = palette.card;
     canvas.strokeStyle = palette.line;
     canvas.lineWidth = 1;
     canvas.beginPath();
-    canvas.roundRect(x - width / 2, y - 9, width, 18, 9);
+    canvas.roundRect(x - width / 2, y - height / 2, width, height, height / 2);
     canvas.fill();
     canvas.stroke();
     canvas.fillStyle = colour;
@@ -197,13 +201,14 @@ function paintNode(canvas: Canvas, shape: Element, box: Box, view: View, look: L
     canvas.fill();
     canvas.stroke();
     if (view.scale < labelScale) return;
-    canvas.font = font(11);
+    const grow = growth(view.scale);
+    canvas.font = font(11 * grow);
     canvas.textAlign = "center";
     canvas.textBaseline = "bottom";
     canvas.fillStyle = look.palette.soft;
     canvas.fillText(shape.id, x, box.y - 5);
     const value = look.valueAt(shape.key);
-    if (value !== null) pill(canvas, value, x, box.y + box.h + 13, look.palette, look.palette.ink);
+    if (value !== null) pill(canvas, value, x, box.y + box.h + 4 + 9 * grow, grow, look.palette, look.palette.ink);
 }
 
 function paintRoom(canvas: Canvas, shape: Element, box: Box, look: Look): void {
@@ -238,13 +243,14 @@ function paintDevice(
     const x = box.x + box.w / 2;
     symbolDraw(canvas, shape.type.symbol, x, box.y + box.h / 2, 38, flip, palette.ink, palette.tint);
     if (view.scale < labelScale) return;
-    canvas.font = font(12);
+    const grow = growth(view.scale);
+    canvas.font = font(12 * grow);
     canvas.textAlign = "center";
     canvas.textBaseline = "top";
     canvas.fillStyle = palette.ink;
-    canvas.fillText(fitted(canvas, shape.id, 150), x, box.y + box.h + 5);
+    canvas.fillText(fitted(canvas, shape.id, 150 * grow), x, box.y + box.h + 5);
     const value = look.valueAt(shape.key);
-    if (value !== null) pill(canvas, value, x, box.y + box.h + 30, palette, palette.ink);
+    if (value !== null) pill(canvas, value, x, box.y + box.h + 8 + 22 * grow, grow, palette, palette.ink);
 }
 
 /** True for a device that the flow leaves to the left. */
@@ -322,8 +328,9 @@ export function paint(canvas: Canvas, layout: Layout, view: View, look: Look, fl
     for (const run of view.runs) {
         const value = look.valueAt(run.key);
         const spot = longest(layout.routes.get(run.key) ?? []);
-        if (value === null || spot.length < 60) continue;
+        if (value === null || spot.length < 84) continue;
         const level = Math.abs(Math.cos(spot.angle)) > 0.5;
-        pill(canvas, value, spot.x + (level ? 0 : 0), spot.y + (level ? -15 : 18), palette, palette.media[run.medium]);
+        const [x, y] = level ? [spot.x, spot.y - 16] : [spot.x, spot.y + 22];
+        pill(canvas, value, x, y, growth(view.scale), palette, palette.media[run.medium]);
     }
 }

@@ -182,7 +182,7 @@ async function arrange(next: NonNullable<typeof plant.value>): Promise<void> {
     // A layout that takes long is not waited for.
     const timer = setTimeout(given, patience);
     try {
-        const tidy = await tidyLayout(next, 1.7);
+        const tidy = await tidyLayout(next, Math.min(1.7, innerWidth / innerHeight));
         if (current.value !== next.name || turn !== loads) return;
         layout.value = tidy;
         plant.value = next;

@@ -183,10 +183,13 @@ export class Scene {
     fit(slowly = true): void {
         if (!this.arranged) return;
         const { width, height } = this.arranged.layout;
-        const margin = Math.min(48, this.width / 12);
-        const scale = Math.min((this.width - 2 * margin) / width, (this.height - 2 * margin) / height, 1.25);
-        const x = (this.width - width * scale) / 2;
-        const y = (this.height - height * scale) / 2;
+        // Room for what lies over the drawing: the quantities above, the buttons to the right, the legend below.
+        const narrow = this.width < 600;
+        const [left, top, right, bottom] = narrow ? [12, 100, 12, 20] : [30, 64, 70, 52];
+        const [w, h] = [this.width - left - right, this.height - top - bottom];
+        const scale = Math.min(w / width, h / height, 1.25);
+        const x = left + (w - width * scale) / 2;
+        const y = top + (h - height * scale) / 2;
         this.move(zoomIdentity.translate(x, y).scale(Math.max(scale, 0.02)), slowly);
         this.fitted = true;
         this.sought = null;

@@ -9,7 +9,7 @@ import { load, pauseOrResume, run, step, stop, underWay } from "./project";
 import { runState } from "./runstate";
 import { askForDocument } from "./documents";
 import { ProjectMenu } from "./projects";
-import { beat, current, follows, plant, short, values, verdict } from "./state";
+import { beat, current, follows, plant, short, values } from "./state";
 import { language, languageSet, t, type TextKey } from "./text";
 
 interface Action {
@@ -59,11 +59,6 @@ function StatePill() {
             {steps !== undefined && <span class="steps">{`${t("steps")} ${steps}`}</span>}
         </span>
     );
-}
-
-function Judged() {
-    if (verdict.value?.good !== true) return null;
-    return <span class="state complete" title={t("complete")}><Icon name="check" size={14} /> <span class="word">{t("complete")}</span></span>;
 }
 
 function Figure({ item, text, unit }: { item: string; text: TextKey; unit: string }) {
@@ -138,7 +133,6 @@ export function TopBar() {
             <ProjectMenu />
             {shown && <RunControl />}
             {shown && plant.value && <StatePill />}
-            {shown && <Judged />}
             {shown && (
                 <div class="figures">
                     <Figure item="GTemp" text="temperature" unit="°C" />
