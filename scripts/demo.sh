@@ -189,3 +189,25 @@ for drawing in PjtPngGet PjtChartGet; do
     printf '%s\n' "$reply" >"$folder/$drawing.svg"
     note "$drawing: $folder/$drawing.svg, to be opened in a browser"
 done
+
+heading "A plant that goes on, to be looked at in the console"
+project=COLD
+ask Create "$project" '""'
+expect OK
+plant cold_store.json OK
+# begin ELEMENT ROW VALUE: what a run is to begin with, in cache set 0.
+begin() {
+    ask VarCacheSet "${project}_$1" "{\"Row\":$2,\"Column\":1,\"Value\":\"$3\"}" >/dev/null
+    expect OK
+}
+note "areas, powers and temperatures to begin with"
+begin compressor 0 6
+begin condenser 0 12
+begin evaporator 0 4
+for cooler in 1 2 3; do begin "air cooler $cooler" 0 4; done
+begin 'cooling tower' 0 30
+begin 'cold room' 0 4
+begin 'packing room' 0 18
+begin 'packing room' 1 28
+ask PjtRun "$project" '""'
+expect OK

@@ -127,15 +127,15 @@ function paintFlow(canvas: Canvas, layout: Layout, run: Run, look: Look): void {
     if (flow === null || Math.abs(flow) < 1e-9) return;
     canvas.setLineDash([5, 15]);
     canvas.lineDashOffset = -look.time * 26 * Math.sign(flow);
-    canvas.globalAlpha = 0.75;
-    strokeRuns(canvas, layout, [run], 1.5, look.palette.paper);
+    canvas.globalAlpha = 0.9;
+    strokeRuns(canvas, layout, [run], 1.9, look.palette.paper);
     canvas.globalAlpha = 1;
     canvas.setLineDash([]);
 }
 
 function paintRuns(canvas: Canvas, layout: Layout, view: View, look: Look): void {
     const { palette, marked } = look;
-    const width = Math.max(3.2, 0.9 / view.scale);
+    const width = Math.max(3.6, 0.9 / view.scale);
     strokeAll(canvas, layout, view, look, width);
     for (const run of view.runs) {
         if (run.key !== look.selected && run.key !== look.faulty) continue;
