@@ -24,7 +24,7 @@ const labelHeight = 38;
 
 function sizeOf(shape: Element): { w: number; h: number } {
     if (shape.node) return { w: nodeSize, h: nodeSize };
-    if (shape.type.inside) return { w: 132, h: 64 };
+    if (shape.type.inside) return { w: 150, h: 64 };
     return { w: deviceSize, h: deviceSize };
 }
 

@@ -218,7 +218,7 @@ function paintRoom(canvas: Canvas, shape: Element, box: Box, look: Look): void {
     canvas.textBaseline = "middle";
     canvas.fillStyle = palette.soft;
     canvas.font = font(12);
-    canvas.fillText(fitted(canvas, shape.id, 74), box.x + 54, box.y + 20);
+    canvas.fillText(fitted(canvas, shape.id, 92), box.x + 54, box.y + 20);
     canvas.fillStyle = palette.ink;
     canvas.font = font(17, 650);
     canvas.fillText(look.valueAt(shape.key) ?? "", box.x + 54, box.y + 43);
