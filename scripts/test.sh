@@ -42,5 +42,11 @@ if [ "$full" = yes ]; then
     # Under ThreadSanitizer only the tests with threads are worth their time.
     run_preset tsan -R Threads
     scripts/fuzz.sh || exit 1
+    say "packages, installed in a fresh Debian"
+    scripts/package.sh || exit 1
+    lintian --fail-on error build/package/packages/*.deb || fail "the packages' form"
+    tests/install_test.sh build/package/packages || fail "the installation"
+    say "the proxy and the fleet"
+    /usr/bin/python3 -B -m pytest -q -p no:cacheprovider tests/deploy || fail "the tests of the deployment"
 fi
 say "test: all passed"
