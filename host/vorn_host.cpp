@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
-#include <clocale>
 #include <cstdlib>
 #include <optional>
 #include <string>
@@ -17,6 +16,7 @@
 #include "host/metrics.h"
 #include "host/options.h"
 #include "host/pipe_rows.h"
+#include "host/program_start.h"
 #include "host/service_manager.h"
 #include "host/tell.h"
 #include "include/vorn_contract.h"
@@ -91,11 +91,9 @@ void StartMetrics(const ConsoleAddress& address) {
 
 int main(int count, char** arguments) {
     Options options;
-    const std::optional<int> ended = OptionsRead(count, arguments, options);
+    const std::optional<int> ended = OptionsRead(count, ProgramStart(arguments), options);
     if (ended) return *ended;
-    if (options.trace) setenv("VORN_ENGINE_TRACE", "1", 1);
-    // The system's code page is the one of the user's language; numbers keep their decimal point.
-    std::setlocale(LC_CTYPE, "");
+    if (options.trace) EnvironmentSet("VORN_ENGINE_TRACE", "1");
     EndSignalsHold();
 
     std::string fault;

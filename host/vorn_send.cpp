@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "host/pipe_rows.h"
+#include "host/program_start.h"
 #include "host/send_options.h"
 #include "include/vorn_contract.h"
 #include "platform/file_text.h"
@@ -102,7 +103,7 @@ int Fail(int status, const std::string& fault) {
 
 int main(int count, char** arguments) {
     SendOptions options;
-    const std::optional<int> ended = SendOptionsRead(count, arguments, options);
+    const std::optional<int> ended = SendOptionsRead(count, ProgramStart(arguments), options);
     if (ended) return *ended;
     std::error_code unread;
     if (!options.file.empty() && !MessagesRead(options.file, options.messages, unread)) {

@@ -1,8 +1,6 @@
 // The named-pipe service, both ends: what a request and a reply become on the wire, and what clients may do
 // without holding the service up.
 
-#include <sys/wait.h>
-
 #include <algorithm>
 #include <chrono>
 #include <thread>
@@ -13,56 +11,13 @@
 #include "service/pipe_service.h"
 #include "service/server_root.h"
 #include "tests/support/host_process.h"
-#include "tests/support/service_test.h"
-#include "tests/support/system.h"
+#include "tests/support/peer.h"
+#include "tests/support/pipe_test.h"
 
 namespace {
 
 using std::string;
 using std::chrono::milliseconds;
-
-/// `bytes` bytes of text in which a lost or moved piece shows.
-string Pattern(size_t bytes) {
-    string text;
-    for (size_t number = 0; text.size() < bytes; ++number) text += std::to_string(number) + ".";
-    text.resize(bytes);
-    return text;
-}
-
-/// Serves a pipe of its own name, client by client, on a thread.
-class PipeThreadsTest : public ServiceTest {
-  protected:
-    PipeThreadsTest() : name_("VornTestPipe" + std::to_string(getpid())) {
-        EXPECT_TRUE(vorn::PipeOpen(name_.c_str(), vorn::PipeHandle));
-    }
-    ~PipeThreadsTest() override {
-        Join();
-        vorn::PipeHoldSet(60000);
-        vorn::CloseHandle(vorn::PipeHandle);
-        vorn::PipeHandle = nullptr;
-    }
-    /// Serves so many clients, those included that are let go.
-    void Serve(int clients) {
-        Join();
-        server_ = std::thread([clients] {
-            for (int client = 0; client < clients; ++client) vorn::PipeServeClient();
-        });
-    }
-    void Join() {
-        if (server_.joinable()) server_.join();
-    }
-    /// What comes back for one request from a client that waits at the end of it.
-    string Ask(const string& request) {
-        const RawClient client(name_);
-        EXPECT_TRUE(client.Connected() && client.Send(request));
-        return client.Receive();
-    }
-
-    const string name_;
-
-  private:
-    std::thread server_;
-};
 
 TEST_F(PipeThreadsTest, SplitsAtTheFirstTwoSlashes) {
     const auto logged = [](const string& text) {
@@ -116,22 +71,6 @@ TEST_F(PipeThreadsTest, ReadsRequestsWhole) {
     }
 }
 
-TEST_F(PipeThreadsTest, TakesTheEndOfWritingOrSilenceForTheEndOfARequest) {
-    ASSERT_EQ(Send("Create", "ABC"), "OK");
-    Serve(2);
-    {
-        const RawClient byteByByte(name_);
-        for (const char byte : string("Fdp/ABC")) ASSERT_TRUE(byteByByte.Send({byte}));
-        byteByByte.EndSending();
-        EXPECT_EQ(byteByByte.Receive(), "1");
-    }
-    const RawClient pausing(name_);
-    ASSERT_TRUE(pausing.Send("Fdp/AB"));
-    std::this_thread::sleep_for(milliseconds(100));
-    pausing.Send("C");
-    EXPECT_EQ(pausing.Receive(), "0");
-}
-
 TEST_F(PipeThreadsTest, CarriesRepliesWholeAndNoneForTheEmptyText) {
     Serve(2);
     EXPECT_EQ(Ask("none\r\n"), NoProject);
@@ -182,35 +121,6 @@ TEST_F(PipeThreadsTest, LetsGoOfClientsThatHoldItUp) {
     server.join();
 }
 
-TEST_F(PipeThreadsTest, AnswersTwoHundredClientsInTurn) {
-    Send("Create", "P1");
-    std::vector<std::unique_ptr<RawClient>> clients;
-    for (int client = 0; client < 200; ++client) {
-        clients.push_back(std::make_unique<RawClient>(name_));
-        ASSERT_TRUE(clients.back()->Send("Fdp/P" + std::to_string(client % 3)));
-        clients.back()->EndSending();
-    }
-    Serve(200);
-    for (size_t client = 0; client < 200; ++client)
-        EXPECT_EQ(clients[client]->Receive(), client % 3 == 1 ? "1" : "0");
-}
-
-TEST_F(PipeThreadsTest, KeepsToItsOwnUser) {
-    if (geteuid() != 0) GTEST_SKIP() << "needs root, to become another user";
-    Serve(2);
-    const pid_t child = fork();
-    if (child == 0) {
-        if (setuid(65534) != 0) _exit(99);
-        const RawClient stranger(name_);
-        stranger.Send("Create/STRANGER");
-        _exit(stranger.Receive().find("OK") == string::npos ? 0 : 1);
-    }
-    int status = 0;
-    waitpid(child, &status, 0);
-    EXPECT_EQ(status, 0);
-    EXPECT_EQ(Ask("Fdp/STRANGER"), "0");
-}
-
 TEST_F(PipeThreadsTest, DoesNotWaitForEverOnAPipeThatNobodyServes) {
     vorn::PipeHoldSet(50);
     EXPECT_EQ(vorn::PipeExchange(name_.c_str(), "Fph/x"), "");
@@ -218,12 +128,11 @@ TEST_F(PipeThreadsTest, DoesNotWaitForEverOnAPipeThatNobodyServes) {
     vorn::NamedPipe* second = nullptr;
     EXPECT_FALSE(vorn::PipeOpen(name_.c_str(), second));
     EXPECT_EQ(second, nullptr);
-    EXPECT_FALSE(vorn::PipeOpen(string(108, 'x').c_str(), second));
+    EXPECT_FALSE(vorn::PipeOpen(string(300, 'x').c_str(), second));
 }
 
 /// Takes all free names, starts the service and gives one name back at its first pause.
-void WaitForAName() {
-    alarm(60);
+int WaitForAName(const string& /*argument*/) {
     vorn::PipeHoldSet(1);
     std::vector<vorn::NamedPipe*> held(VORN_PIPE_NAMES);
     for (int row = 0; row < VORN_PIPE_NAMES; ++row) {
@@ -245,10 +154,10 @@ void WaitForAName() {
     PipeServerThread(nullptr);  // returns: the first one answers its probe
     std::_Exit(vorn::PipeName(vorn::PipeSlot) == name ? 0 : 1);
 }
+const Peer waitForAName("wait for a name", WaitForAName);
 
 TEST(PipeWalkThreadsTest, WaitsForAFreeNameAndHoldsOnlyOne) {
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
-    EXPECT_EXIT(WaitForAName(), testing::ExitedWithCode(0), "");
+    EXPECT_EQ(PeerStart("wait for a name").Wait(), 0);
 }
 
 TEST(PipeWalkThreadsTest, GivesEachDirectoryOneServerAndEachServerOneName) {

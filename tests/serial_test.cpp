@@ -5,7 +5,6 @@
 #include "host/serial_line.h"
 #include "include/vorn_server.h"
 #include "tests/support/host_process.h"
-#include "tests/support/pseudo_terminal.h"
 #include "tests/support/service_test.h"
 
 namespace {
@@ -94,14 +93,16 @@ TEST(SerialLineTest, ReadsDeviceAndSpeed) {
     EXPECT_EQ(read("/dev/ttyS0"), "/dev/ttyS0 115200");
     EXPECT_EQ(read("/dev/ttyS0:9600"), "/dev/ttyS0 9600");
     EXPECT_EQ(read("/dev/pci-0:1.0-port0"), "/dev/pci-0:1.0-port0 115200");
+    EXPECT_EQ(read("COM12:9600"), "COM12 9600");
     EXPECT_EQ(read("/dev/ttyS0:9601"), "refused");
     string fault;
-    EXPECT_FALSE(SerialStart({.device = "/dev/null"}, fault));
-    EXPECT_EQ(fault, "/dev/null is no serial port");
+    EXPECT_FALSE(SerialStart({.device = NullDevice}, fault));
+    EXPECT_EQ(fault, string(NullDevice) + " is no serial port");
 }
 
 TEST(SerialThreadsTest, AnswersATerminal) {
-    const PseudoTerminal terminal;
+    const SerialLink terminal;
+    if (!terminal.Made()) GTEST_SKIP() << terminal.Lacks();
     HostProcess host({"--quiet", "--serial", terminal.Device() + ":9600"});
     ASSERT_GT(host.Port(), 0) << host.Output();
     host.Client().Post("/api", R"({"command":"Create","name":"P"})", "application/json");

@@ -1,76 +1,21 @@
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <bit>
-#include <csignal>
-#include <filesystem>
-#include <fstream>
+#include <chrono>
+#include <cstdio>
 #include <limits>
 #include <random>
-#include <set>
+#include <thread>
 #include <tuple>
 
 #include "engine/vorn_core.h"
-#include "platform/file_text.h"
-#include "standin/project.h"
-#include "standin/project_json.h"
 #include "standin/project_store.h"
 #include "tests/support/file_faults.h"
-#include "tests/support/service_test.h"
-#include "tests/support/working_folder.h"
+#include "tests/support/peer.h"
+#include "tests/support/store_test.h"
 
 using namespace standin;
 namespace fs = std::filesystem;
 
 namespace {
-
-class StoreTest : public ServiceTest {
-  protected:
-    std::string FileOf(const std::string& name) { return (Folder(name) / (name + ".json")).string(); }
-    fs::path Folder(const std::string& name) { return folder_.Projects() / name; }
-    std::string Read(const std::string& path) {
-        std::string text;
-        std::error_code fault;
-        return vorn::FileRead(path, 1 << 20, text, fault) ? text : "not read";
-    }
-    void Write(const std::string& path, const std::string& text) {
-        fs::create_directories(fs::path(path).parent_path());
-        std::ofstream(path, std::ios::binary) << text;
-    }
-
-    /// The names in a project's folder, each with a space behind it.
-    std::string FilesOf(const std::string& name) {
-        std::set<std::string> names;
-        std::error_code error;
-        for (const auto& entry : fs::directory_iterator(Folder(name), error)) {
-            names.insert(entry.path().filename().string());
-        }
-        std::string text;
-        for (const std::string& each : names) text += each + ' ';
-        return text;
-    }
-
-  private:
-    WorkingFolder folder_;
-};
-
-std::string Json(int slot) {
-    std::string text;
-    ProjectToJson(*ProjectFind(slot), text);
-    return text;
-}
-
-bool Holds(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
-}
-
-/// A document of that many nodes.
-std::string Nodes(int count) {
-    std::string text = R"({"DeviceInfo":[)";
-    for (int node = 0; node < count; ++node) text += R"({"DeviceID":3000,"PositionX":1.5},)";
-    return text + "0]}";
-}
 
 /// A project with something in each of its fields, and a vacant row in each table.
 void FillProject(Project& project) {
@@ -198,38 +143,6 @@ TEST_F(StoreTest, KeepsADamagedFileAndTheProjectThatReplacesIt) {
     EXPECT_EQ(ProjectFind(0)->nodes.rows.size(), 2U);
 }
 
-TEST_F(StoreTest, TellsWhyItCannotReadOrWrite) {
-    const std::string cannotStore = "project store: P: the project cannot be stored: ";
-    const std::string file = ": ../AlgProject/P/P.json\n";
-    Send("Create", "P");
-    Send("PjtSent", "P", Nodes(3));
-    const std::string whole = Read(FileOf("P"));
-    testing::internal::CaptureStderr();
-    rlimit before{};
-    getrlimit(RLIMIT_NOFILE, &before);
-    const rlimit none{.rlim_cur = 0, .rlim_max = before.rlim_max};
-    setrlimit(RLIMIT_NOFILE, &none);
-    EXPECT_FALSE(StoreRead(*ProjectFind(0)) || StoreWrite(*ProjectFind(0)));
-    setrlimit(RLIMIT_NOFILE, &before);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              "project store: P: the stored file cannot be read: Too many open files" + file + cannotStore +
-                  "Too many open files" + file);
-    EXPECT_EQ(Read(FileOf("P")), whole);
-    EXPECT_EQ(FilesOf("P"), "P.json ");
-
-    fs::remove(FileOf("P"));
-    fs::create_directory(FileOf("P"));
-    testing::internal::CaptureStderr();
-    EXPECT_FALSE(StoreWrite(*ProjectFind(0)));
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), cannotStore + "Is a directory" + file);
-    // Nor can a project be stored where a file stands in the place of its folder.
-    fs::remove_all(Folder("P"));
-    Write(Folder("").string() + "P", "a file");
-    testing::internal::CaptureStderr();
-    EXPECT_EQ(Send("PjtSent", "P", Nodes(1)), "OK");
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), cannotStore + "Not a directory: ../AlgProject/P/\n");
-}
-
 TEST_F(StoreTest, RefusesContentThatDoesNotFit) {
     Send("Create", "P");
     ModuleAdd(*ProjectFind(0), 0, 0, 0, 1, 2);
@@ -323,50 +236,52 @@ TEST_F(StoreTest, IsTheOldOrTheNewProjectWhicheverStepFails) {
     }
 }
 
+/// Stores the project P with one more node, and stops at a step, which it tells by `k`; `d` when there is no
+/// such step.
+int StoreAndStop(const std::string& step) {
+    const auto tell = [](char what) {
+        std::printf("%c\n", what);
+        std::fflush(stdout);
+        for (;;) std::this_thread::sleep_for(std::chrono::hours(1));
+    };
+    Send("Open", "P");
+    NodeAdd(*ProjectFind(0), 0, 0, 0, 0, 0);
+    FileFaultSet(std::stoi(step), StepFault::Stop, [&] { tell('k'); });
+    StoreWrite(*ProjectFind(0));
+    tell('d');
+    return 1;
+}
+const Peer storeAndStop("store and stop", StoreAndStop);
+
 TEST_F(StoreTest, IsTheOldOrTheNewProjectWhereverTheProcessIsKilled) {
     Send("Create", "P");
     ASSERT_TRUE(StoreWrite(*ProjectFind(0)));
     const std::string first = Json(0);
     NodeAdd(*ProjectFind(0), 0, 0, 0, 0, 0);
     const std::string second = Json(0);
+    ChildProcess bystander = PeerStart("store and stop", "1");
+    const std::string begun = "P.json.new." + std::to_string(bystander.Number());
     int leftovers = 0;
-    char told = 'k';
-    for (int step = 0; told == 'k'; ++step) {
+    std::string told;
+    while (told.empty()) ASSERT_TRUE(bystander.Read(told));
+    for (int step = 0; told.starts_with('k'); ++step) {
         SCOPED_TRACE(step);
-        int ends[2] = {};
-        ASSERT_EQ(pipe(ends), 0);
-        pid_t child = -1;
-        {
-            // No other thread of this process may hold the lock in the moment of the fork.
-            const std::lock_guard guard(EngineLock());
-            child = fork();
-        }
-        ASSERT_GE(child, 0);
-        if (child == 0) {
-            const auto tell = [&](char what) {
-                if (write(ends[1], &what, 1) == 1) pause();
-                _exit(1);
-            };
-            FileFaultSet(step, StepFault::Stop, [&] { tell('k'); });
-            StoreWrite(*ProjectFind(0));
-            tell('d');
-        }
-        close(ends[1]);
-        ASSERT_EQ(read(ends[0], &told, 1), 1);
-        kill(child, SIGKILL);
-        ASSERT_EQ(waitpid(child, nullptr, 0), child);
-        close(ends[0]);
+        told.clear();
+        ChildProcess child = PeerStart("store and stop", std::to_string(step));
+        const std::string leftover = ".new." + std::to_string(child.Number());
+        while (told.empty()) ASSERT_TRUE(child.Read(told));
+        child.Kill();
+        child.Wait();
 
-        leftovers += Holds(FilesOf("P"), ".new." + std::to_string(child));
+        leftovers += Holds(FilesOf("P"), leftover);
         ASSERT_TRUE(StoreRead(*ProjectFind(0)));
         // The file is renamed by the step before the last.
         EXPECT_EQ(Json(0), step < 5 ? first : second);
         ProjectEmpty(*ProjectFind(0));
         // What a process that is there began is left to it.
-        Write(FileOf("P") + ".new.1", "begun");
+        Write((Folder("P") / begun).string(), "begun");
         ASSERT_TRUE(StoreWrite(*ProjectFind(0)));
-        EXPECT_EQ(FilesOf("P"), "P.json P.json.new.1 ");
-        NodeAdd(*ProjectFind(0), 0, 0, 0, 0, 0);
+        EXPECT_EQ(FilesOf("P"), "P.json " + begun + " ");
     }
     EXPECT_EQ(leftovers, 3);
 }

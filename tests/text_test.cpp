@@ -2,14 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <clocale>
 #include <cmath>
 #include <cstdlib>
 #include <limits>
 
 #include "elements/grid.h"
-#include "platform/code_page.h"
-#include "text/ansi_to_utf8.h"
 #include "text/fixed_text.h"
 #include "text/number_text.h"
 
@@ -112,14 +109,6 @@ TEST(TextTest, CutsTextsBetweenCharacters) {
     char field[4] = {'x', 'x', 'x', 'x'};
     vorn::TextCopy(field, "ab水");
     EXPECT_EQ(string(field, 4), string("ab\0\0", 4));
-}
-
-TEST(TextTest, TakesTheCLocaleAsUtf8AndReplacesWhatIsNone) {
-    EXPECT_STREQ(vorn::AnsiToUtf8("水泵"), "水泵");
-    EXPECT_STREQ(vorn::AnsiToUtf8("a\xff水\xe6\xb0"), "a\uFFFD水\uFFFD\uFFFD");
-    EXPECT_EQ(vorn::CodePageFromUtf8("水\xff-"), "水?-");
-    const string large(100000, 'x');
-    EXPECT_EQ(vorn::Utf8FromCodePage(large), large);
 }
 
 }  // namespace

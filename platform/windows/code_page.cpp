@@ -43,6 +43,12 @@ std::wstring WideFromCodePage(std::string_view text) {
     return wide;
 }
 
+std::wstring WideFromUtf8(std::string_view text) {
+    std::wstring wide;
+    AppendWide(wide, text, CP_UTF8, 0);
+    return wide;
+}
+
 std::string NarrowFromWide(std::wstring_view text, unsigned codePage, bool* lossy) {
     const unsigned page = codePage == CP_ACP ? GetACP() : codePage;
     // UTF-8 has every character and takes none of the other pages' settings.
@@ -67,9 +73,7 @@ std::string Utf8FromCodePage(std::string_view text) {
 }
 
 std::string CodePageFromUtf8(std::string_view text) {
-    std::wstring wide;
-    AppendWide(wide, text, CP_UTF8, 0);
-    return NarrowFromWide(wide, CP_ACP);
+    return NarrowFromWide(WideFromUtf8(text), CP_ACP);
 }
 
 }  // namespace vorn

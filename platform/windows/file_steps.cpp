@@ -47,7 +47,7 @@ std::vector<std::string> Names(const std::string& path) {
     const HANDLE search = FindFirstFileW((pattern + L'*').c_str(), &found);
     if (search == INVALID_HANDLE_VALUE) return names;
     do {
-        names.push_back(NarrowFromWide(found.cFileName, CP_ACP));
+        names.push_back(NarrowFromWide(found.cFileName, CP_UTF8));
     } while (FindNextFileW(search, &found));
     FindClose(search);
     return names;

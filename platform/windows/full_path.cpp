@@ -9,7 +9,7 @@ namespace vorn {
 std::wstring FullPath(const std::string& path) {
     std::error_code error;
     const std::filesystem::path folder = std::filesystem::current_path(error);
-    const std::wstring full = (folder / WideFromCodePage(path)).lexically_normal().make_preferred().wstring();
+    const std::wstring full = (folder / WideFromUtf8(path)).lexically_normal().make_preferred().wstring();
     if (full.starts_with(LR"(\\?\)")) return full;
     return full.starts_with(LR"(\\)") ? LR"(\\?\UNC)" + full.substr(1) : LR"(\\?\)" + full;
 }

@@ -17,9 +17,8 @@
 #include "include/vorn_contract.h"
 #include "platform/line_queue.h"
 #include "tests/support/host_process.h"
-#include "tests/support/pseudo_terminal.h"
+#include "tests/support/linux/locale_files.h"
 #include "tests/support/service_test.h"
-#include "tests/support/test_locale.h"
 
 namespace {
 
@@ -151,7 +150,7 @@ TEST(HostThreadsTest, TakesTheCodePageOfTheUsersLanguage) {
 }
 
 TEST(SerialPortTest, SetsTheSpeedThatIsAskedFor) {
-    const PseudoTerminal terminal;
+    const SerialLink terminal;
     const std::pair<unsigned, speed_t> speeds[] = {{1200, B1200}, {57600, B57600}, {921600, B921600}};
     for (const auto& [baud, speed] : speeds) {
         string fault;
@@ -219,6 +218,16 @@ TEST(LineQueueTest, KeepsWhatNobodyReadsInBoundsAndSaysWhatItDropped) {
     queue.Put(full + "a\n");
     for (const string& lines : {dropped, dropped, string("b\n")}) queue.Put(lines);
     EXPECT_EQ(Drain(error, queue, full), "Fa\n" + notice + "b\n");
+}
+
+TEST(SendThreadsTest, TellsThatItsReplyCannotBeWritten) {
+    const HostProcess host;
+    const string send = ProgramBeside("vorn-send").string() + " --port " + std::to_string(host.Port());
+    std::FILE* const output = popen((send + " Fdp P 2>&1 >/dev/full").c_str(), "r");
+    string text(100, '\0');
+    text.resize(std::fread(text.data(), 1, text.size(), output));
+    EXPECT_EQ(pclose(output), 1 << 8);
+    EXPECT_EQ(text, "vorn-send: the reply cannot be written\n");
 }
 
 }  // namespace

@@ -23,7 +23,7 @@ bool StepGoes(std::error_code& fault) {
     if (kind == StepFault::Stop) stop();
     fault = std::error_code(
         static_cast<int>(kind == StepFault::DiskFull ? std::errc::no_space_on_device : std::errc::io_error),
-        std::system_category());
+        std::generic_category());
     return false;
 }
 

@@ -22,9 +22,11 @@ inline std::filesystem::path ProgramBeside(const std::string& name) {
 /// A program that runs beside the test. Its output and its errors come in one stream.
 class ChildProcess {
   public:
-    /// Runs the file `program` in `folder`; all texts are UTF-8.
+    /// Runs the file `program` in `folder` with `input`, a few lines, as its standard input; all texts are
+    /// UTF-8.
     ChildProcess(const std::filesystem::path& program, const std::vector<std::string>& arguments,
-                 const std::filesystem::path& folder = std::filesystem::current_path());
+                 const std::filesystem::path& folder = std::filesystem::current_path(),
+                 const std::string& input = "");
     /// Kills it if it still runs.
     ~ChildProcess();
     ChildProcess(const ChildProcess&) = delete;
@@ -70,6 +72,30 @@ class RawClient {
     bool ofPipe_;
     bool connected_ = false;
 };
+
+/// A serial line without a device: the test has its one end, a host opens the other.
+class SerialLink {
+  public:
+    SerialLink();
+    ~SerialLink();
+    SerialLink(const SerialLink&) = delete;
+    SerialLink& operator=(const SerialLink&) = delete;
+
+    /// False where there is none, for want of what `Lacks` tells.
+    bool Made() const { return end_ != -1; }
+    static const char* Lacks();
+    /// What a host opens.
+    std::string Device() const;
+    void Write(const std::string& text) const;
+    /// The next line without its end; "timeout" behind it when it does not come in 20 seconds.
+    std::string ReadLine() const;
+
+  private:
+    std::intptr_t end_;
+};
+
+/// A device that is no serial port.
+extern const char* const NullDevice;
 
 /// A port that is held while the object lives, as another program's server would hold it.
 class HeldPort {

@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
+#include <stdlib.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <sys/wait.h>
@@ -32,7 +33,18 @@ bool Connect(int socket, const void* address, std::size_t size, int seconds) {
     return connect(socket, static_cast<const sockaddr*>(address), static_cast<socklen_t>(size)) == 0;
 }
 
+bool WriteAll(int descriptor, const std::string& text) {
+    for (std::size_t done = 0; done < text.size();) {
+        const ssize_t written = write(descriptor, text.data() + done, text.size() - done);
+        if (written <= 0) return false;
+        done += static_cast<std::size_t>(written);
+    }
+    return true;
+}
+
 }  // namespace
+
+const char* const NullDevice = "/dev/null";
 
 unsigned ProcessNumber() {
     return static_cast<unsigned>(getpid());
@@ -43,16 +55,18 @@ std::filesystem::path TestProgram() {
 }
 
 ChildProcess::ChildProcess(const std::filesystem::path& program, const std::vector<std::string>& arguments,
-                           const std::filesystem::path& folder) {
+                           const std::filesystem::path& folder, const std::string& input) {
     std::vector<std::string> texts{program.string()};
     texts.insert(texts.end(), arguments.begin(), arguments.end());
     std::vector<char*> words;
     for (std::string& text : texts) words.push_back(text.data());
     words.push_back(nullptr);
     std::array<int, 2> ends{};
-    if (pipe2(ends.data(), O_CLOEXEC) != 0) return;
+    std::array<int, 2> inputEnds{};
+    if (pipe2(ends.data(), O_CLOEXEC) != 0 || pipe2(inputEnds.data(), O_CLOEXEC) != 0) return;
     process_ = fork();
     if (process_ == 0) {
+        dup2(inputEnds[0], STDIN_FILENO);
         dup2(ends[1], STDOUT_FILENO);
         dup2(ends[1], STDERR_FILENO);
         if (chdir(folder.c_str()) != 0) _exit(126);
@@ -61,6 +75,9 @@ ChildProcess::ChildProcess(const std::filesystem::path& program, const std::vect
     }
     close(ends[1]);
     output_ = ends[0];
+    close(inputEnds[0]);
+    WriteAll(inputEnds[1], input);
+    close(inputEnds[1]);
 }
 
 ChildProcess::~ChildProcess() {
@@ -148,4 +165,37 @@ HeldPort::HeldPort(int port) : socket_(socket(AF_INET, SOCK_STREAM, 0)) {
 
 HeldPort::~HeldPort() {
     close(static_cast<int>(socket_));
+}
+
+SerialLink::SerialLink() : end_(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC)) {
+    grantpt(static_cast<int>(end_));
+    unlockpt(static_cast<int>(end_));
+}
+
+SerialLink::~SerialLink() {
+    close(static_cast<int>(end_));
+}
+
+const char* SerialLink::Lacks() {
+    return "no pseudo-terminals on this machine";
+}
+
+std::string SerialLink::Device() const {
+    return ptsname(static_cast<int>(end_));
+}
+
+void SerialLink::Write(const std::string& text) const {
+    WriteAll(static_cast<int>(end_), text);
+}
+
+std::string SerialLink::ReadLine() const {
+    std::string line;
+    pollfd readable{.fd = static_cast<int>(end_), .events = POLLIN, .revents = 0};
+    while (poll(&readable, 1, PatienceMilliseconds) > 0) {
+        char byte = 0;
+        if (read(readable.fd, &byte, 1) != 1) break;
+        if (byte == '\n' && line.ends_with('\r')) return line.substr(0, line.size() - 1);
+        line += byte;
+    }
+    return line + "timeout";
 }

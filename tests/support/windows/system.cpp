@@ -4,7 +4,9 @@
 #include <winsock2.h>
 
 #include <array>
+#include <cstdlib>
 
+#include "host/serial_port.h"
 #include "platform/listen_socket.h"
 
 namespace {
@@ -74,7 +76,19 @@ struct Operation : OVERLAPPED {
     Operation& operator=(const Operation&) = delete;
 };
 
+BOOL WINAPI PassOver(DWORD /*kind*/) {
+    return TRUE;
+}
+
+/// The two ends of a null modem, `COM20,COM21`: a host opens the first, the test the second.
+std::string SerialEnds() {
+    const char* const ends = std::getenv("VORN_TEST_PORTS");
+    return ends == nullptr ? "" : ends;
+}
+
 }  // namespace
+
+const char* const NullDevice = "NUL";
 
 unsigned ProcessNumber() {
     return GetCurrentProcessId();
@@ -87,18 +101,23 @@ std::filesystem::path TestProgram() {
 }
 
 ChildProcess::ChildProcess(const std::filesystem::path& program, const std::vector<std::string>& arguments,
-                           const std::filesystem::path& folder) {
+                           const std::filesystem::path& folder, const std::string& input) {
     std::wstring line = Quoted(program.wstring());
     for (const std::string& argument : arguments) line += L' ' + Quoted(Wide(argument));
-    HANDLE end = nullptr;
-    HANDLE childsEnd = nullptr;
-    if (!CreatePipe(&end, &childsEnd, nullptr, 0)) return;
-    SetHandleInformation(childsEnd, HANDLE_FLAG_INHERIT, HANDLE_FLAG_INHERIT);
+    HANDLE outputEnd = nullptr;
+    HANDLE childsOutput = nullptr;
+    HANDLE inputEnd = nullptr;
+    HANDLE childsInput = nullptr;
+    if (!CreatePipe(&outputEnd, &childsOutput, nullptr, 0)) return;
+    if (!CreatePipe(&childsInput, &inputEnd, nullptr, static_cast<DWORD>(input.size()))) return;
     STARTUPINFOW start{};
     start.cb = sizeof start;
     start.dwFlags = STARTF_USESTDHANDLES;
-    start.hStdOutput = childsEnd;
-    start.hStdError = childsEnd;
+    start.hStdInput = childsInput;
+    start.hStdOutput = childsOutput;
+    start.hStdError = childsOutput;
+    for (HANDLE each : {childsInput, childsOutput})
+        SetHandleInformation(each, HANDLE_FLAG_INHERIT, HANDLE_FLAG_INHERIT);
     PROCESS_INFORMATION process{};
     // With a console of its own, at which it can be asked to end.
     if (CreateProcessW(program.c_str(), line.data(), nullptr, nullptr, TRUE, CREATE_NO_WINDOW, nullptr,
@@ -106,8 +125,10 @@ ChildProcess::ChildProcess(const std::filesystem::path& program, const std::vect
         CloseHandle(process.hThread);
         process_ = NumberOf(process.hProcess);
     }
-    CloseHandle(childsEnd);
-    output_ = NumberOf(end);
+    DWORD written = 0;
+    WriteFile(inputEnd, input.data(), static_cast<DWORD>(input.size()), &written, nullptr);
+    for (HANDLE each : {childsInput, childsOutput, inputEnd}) CloseHandle(each);
+    output_ = NumberOf(outputEnd);
 }
 
 ChildProcess::~ChildProcess() {
@@ -139,7 +160,8 @@ void ChildProcess::AskToEnd() {
     if (process_ == 0) return;
     FreeConsole();
     if (!AttachConsole(GetProcessId(HandleOf(process_)))) return;
-    SetConsoleCtrlHandler(nullptr, TRUE);
+    // This process is asked as well for the moment. A handler, unlike the refusal of all, is not inherited.
+    SetConsoleCtrlHandler(PassOver, TRUE);
     GenerateConsoleCtrlEvent(CTRL_C_EVENT, 0);
     FreeConsole();
 }
@@ -238,4 +260,40 @@ HeldPort::HeldPort(int port) : socket_(SocketMake()) {
 
 HeldPort::~HeldPort() {
     closesocket(static_cast<SOCKET>(socket_));
+}
+
+SerialLink::SerialLink() : end_(-1) {
+    const std::string ends = SerialEnds();
+    std::string fault;
+    if (!ends.empty()) end_ = SerialOpen({.device = ends.substr(ends.find(',') + 1), .baud = 9600}, fault);
+}
+
+SerialLink::~SerialLink() {
+    SerialClose(end_);
+}
+
+const char* SerialLink::Lacks() {
+    return "no pair of serial ports is told by VORN_TEST_PORTS";
+}
+
+std::string SerialLink::Device() const {
+    const std::string ends = SerialEnds();
+    return ends.substr(0, ends.find(','));
+}
+
+void SerialLink::Write(const std::string& text) const {
+    SerialWrite(end_, text);
+}
+
+std::string SerialLink::ReadLine() const {
+    COMMTIMEOUTS waits{};
+    waits.ReadTotalTimeoutConstant = PatienceMilliseconds;
+    SetCommTimeouts(HandleOf(end_), &waits);
+    std::string line;
+    DWORD read = 0;
+    for (char byte = 0; ReadFile(HandleOf(end_), &byte, 1, &read, nullptr) && read == 1;) {
+        if (byte == '\n' && line.ends_with('\r')) return line.substr(0, line.size() - 1);
+        line += byte;
+    }
+    return line + "timeout";
 }

@@ -1,0 +1,10 @@
+// What a program does first, so that its texts are UTF-8 on each system.
+
+#pragma once
+
+/// Gives the words of the command line in UTF-8, as many as `arguments` has. What the program prints is shown
+/// by a terminal as UTF-8, and goes into a file or a pipe byte for byte.
+char** ProgramStart(char** arguments);
+
+/// Sets a variable of this process's environment, for the library in it.
+void EnvironmentSet(const char* name, const char* value);
