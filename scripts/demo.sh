@@ -35,6 +35,19 @@ expect() {
     esac
 }
 
+# await TEXT COMMAND NAME MESSAGES: asks until the reply begins with TEXT, for ten seconds at most.
+await() {
+    local text=$1
+    shift
+    for _ in {1..50}; do
+        ask "$@" >/dev/null
+        case "$reply" in "$text"*) break ;; esac
+        sleep 0.2
+    done
+    ask "$@"
+    expect "$text"
+}
+
 place() { # OneID name X Z
     ask AddModule "$project" "{\"VornModuleID\":$1,\"DeviceName\":\"$2\",\"PositionX\":$3,\"PositionZ\":$4}"
     expect MOD
@@ -124,15 +137,39 @@ ask VarCacheGet "${project}_liquid line to expansion valve 1" '""'
 expect '[{"Row":0,"Item":"PL"'
 
 heading "The plant runs"
+note "what its devices are: $(wc -l <"$examples/cold_store.values") values of cold_store.values into cache set 0, as this one"
+while IFS='|' read -r element row value; do
+    ask VarCacheSet "${project}_$element" "{\"Row\":$row,\"Column\":1,\"Value\":\"$value\"}" >/dev/null
+    expect OK
+done <"$examples/cold_store.values"
+ask VarCacheSet "${project}_cold room" '{"Row":0,"Column":1,"Value":"-2"}'
+expect OK
 ask PjtRun "$project" '""'
 expect OK
-live="{\"VarName\":[\"${project}_GStep\",\"${project}_GTemp\",\"${project}_WAll\",\"${project}_GSeries\"]}"
+live="{\"VarName\":[\"${project}_GStep\",\"${project}_GTemp\",\"${project}_COP\",\"${project}_WAll\",\"${project}_GSeries\"]}"
 note "two batches, half a second apart: the values live"
 ask Get json "$live"
 expect '["'
 sleep 0.5
 ask Get json "$live"
 expect '["'
+note "the brine that its pump drives, in kg/s; the room that it cools, twice"
+await 1. FlowGet "${project}_brine pump" '""'
+ask RoomGet "${project}_packing room" '""'
+expect '{"InsideTemperature":"2'
+sleep 1
+ask RoomGet "${project}_packing room" '""'
+expect '{"InsideTemperature":"23.'
+note "an expansion valve closes: its cooler gets no more refrigerant, its neighbour takes over and evaporates colder"
+ask FlowGet "${project}_air cooler 2" '""'
+expect 0.0
+ask RunValueSet "${project}_expansion valve 1" '{"Row":0,"Value":"0"}'
+expect OK
+await 0.000000 FlowGet "${project}_air cooler 1" '""'
+ask FlowGet "${project}_air cooler 2" '""'
+expect 0.0
+ask Get "${project}_GTemp" '""'
+expect -
 note "pause; one step; stop"
 ask PjtPause "$project" '""'
 expect OK
@@ -151,7 +188,7 @@ expect '{"InsideTemperature":"21.500000"'
 ask CacheToRun "${project}_packing room" '"1"'
 expect OK
 ask RoomGet "${project}_packing room" '""'
-expect '{"InsideTemperature":"0.000000"'
+expect '{"InsideTemperature":"23.'
 note "one element moved, one deleted"
 ask MoveMN "${project}_evaporator" '{"PositionX":23.0,"PositionZ":18.5}'
 expect OK
