@@ -236,15 +236,17 @@ TEST_F(StoreTest, IsTheOldOrTheNewProjectWhicheverStepFails) {
     }
 }
 
-/// Stores the project P with one more node, and stops at a step, which it tells by `k`; `d` when there is no
-/// such step.
-int StoreAndStop(const std::string& step) {
+/// Stores a project, named before a step's number, with one more node, and stops at that step, which it tells
+/// by `k`; `d` when there is no such step.
+int StoreAndStop(const std::string& projectAndStep) {
+    const std::size_t blank = projectAndStep.find(' ');
+    const std::string step = projectAndStep.substr(blank + 1);
     const auto tell = [](char what) {
         std::printf("%c\n", what);
         std::fflush(stdout);
         for (;;) std::this_thread::sleep_for(std::chrono::hours(1));
     };
-    Send("Open", "P");
+    Send("Open", projectAndStep.substr(0, blank));
     NodeAdd(*ProjectFind(0), 0, 0, 0, 0, 0);
     FileFaultSet(std::stoi(step), StepFault::Stop, [&] { tell('k'); });
     StoreWrite(*ProjectFind(0));
@@ -259,7 +261,7 @@ TEST_F(StoreTest, IsTheOldOrTheNewProjectWhereverTheProcessIsKilled) {
     const std::string first = Json(0);
     NodeAdd(*ProjectFind(0), 0, 0, 0, 0, 0);
     const std::string second = Json(0);
-    ChildProcess bystander = PeerStart("store and stop", "1");
+    ChildProcess bystander = PeerStart("store and stop", "Q 1");
     const std::string begun = "P.json.new." + std::to_string(bystander.Number());
     int leftovers = 0;
     std::string told;
@@ -267,14 +269,15 @@ TEST_F(StoreTest, IsTheOldOrTheNewProjectWhereverTheProcessIsKilled) {
     for (int step = 0; told.starts_with('k'); ++step) {
         SCOPED_TRACE(step);
         told.clear();
-        ChildProcess child = PeerStart("store and stop", std::to_string(step));
+        ASSERT_EQ(Send("PjtClose", "P"), "OK");  // one server has it open at a time
+        ChildProcess child = PeerStart("store and stop", "P " + std::to_string(step));
         const std::string leftover = ".new." + std::to_string(child.Number());
         while (told.empty()) ASSERT_TRUE(child.Read(told));
         child.Kill();
         child.Wait();
 
         leftovers += Holds(FilesOf("P"), leftover);
-        ASSERT_TRUE(StoreRead(*ProjectFind(0)));
+        ASSERT_EQ(Send("Open", "P"), "OK");
         // The file is renamed by the step before the last.
         EXPECT_EQ(Json(0), step < 5 ? first : second);
         ProjectEmpty(*ProjectFind(0));
