@@ -1,5 +1,6 @@
 #include "network/branch_walk.h"
 
+#include <array>
 #include <bit>
 #include <utility>
 
@@ -46,8 +47,7 @@ struct Walk {
     OutletRows& outlets;
     std::vector<BranchStep>& steps;
     std::vector<std::int32_t> nextWaiting;  ///< by branch: the one that came before it to wait for its row
-    PlaceSet visits;                        ///< of this pass: the rows that branches wait for
-    PlaceSet nextVisits;
+    std::array<PlaceSet, 2> visits;         ///< the rows that branches wait for: in this pass, in the next
 };
 
 /// The row that branches with this tail wait for, all rows before place `from` having had their turn in this
@@ -56,7 +56,7 @@ struct Walk {
 std::int32_t PlaceAwait(Walk& walk, const BranchElement& tail, std::int32_t from) {
     const int port = ModuleAisleSx(walk.project, tail.Module, tail.Aisle, AisleSelector).OutPortNb;
     const std::int32_t place = OutletRowFind(walk.outlets, tail.Module, port, from);
-    if (place != NoPlace) PlaceJoin(place < from ? walk.nextVisits : walk.visits, place);
+    if (place != NoPlace) PlaceJoin(walk.visits[place < from ? 1 : 0], place);
     return place;
 }
 
@@ -108,14 +108,13 @@ void BranchesWalk(std::vector<BranchSx>& branches, int project, OutletRows& outl
               .outlets = outlets,
               .steps = steps,
               .nextWaiting = std::vector<std::int32_t>(branches.size(), NoBranch),
-              .visits = PlaceSet(outlets.rows.size()),
-              .nextVisits = PlaceSet(outlets.rows.size())};
+              .visits = {PlaceSet(outlets.rows.size()), PlaceSet(outlets.rows.size())}};
     for (std::int32_t branch = 0; branch < static_cast<std::int32_t>(branches.size()); ++branch) {
         BranchWait(walk, branch, PlaceAwait(walk, steps[branch].element, FirstPlace));
     }
-    for (int pass = 0; pass < PassLimit && walk.visits.any; ++pass) {
-        PlacesTake(walk.visits, [&walk](std::int32_t place) { RowVisit(walk, place); });
-        std::swap(walk.visits, walk.nextVisits);
+    for (int pass = 0; pass < PassLimit && walk.visits[0].any; ++pass) {
+        PlacesTake(walk.visits[0], [&walk](std::int32_t place) { RowVisit(walk, place); });
+        std::swap(walk.visits[0], walk.visits[1]);
     }
 }
 

@@ -85,7 +85,8 @@ std::int32_t OutletRowFind(OutletRows& outlets, int module, int port, std::int32
     const auto first = std::lower_bound(outlets.keys.begin() + outlets.begins[part], end, KeyOf(port, 0));
     if (first == end || !SamePort(*first, KeyOf(port, 0))) return NoPlace;
     const std::int32_t place = LeftFrom(outlets, PlaceOf(*first));
-    if (place == NoPlace || place >= from) return place;
+    const bool onlyOne = first + 1 == end || !SamePort(first[1], *first);
+    if (onlyOne || place == NoPlace || place >= from) return place;
 
     const auto next = std::lower_bound(first, end, KeyOf(port, from));
     if (next == end || !SamePort(*next, *first)) return place;
