@@ -38,6 +38,11 @@ if [ "$full" = yes ]; then
     git ls-files '*.cpp' ':!tests' ':!bench' ':!*/windows/*' | xargs -P "$(nproc)" -n 4 clang-tidy -p build/release --quiet 2>/dev/null \
         || fail "the lint check"
     mypy || fail "the types of the Python code"
+    if npm --prefix clients/mcp ci --no-progress >/dev/null 2>&1; then
+        npm --prefix clients/mcp run --silent check || fail "the types and style of the tool server"
+    else
+        say "tool server: types and style not checked: npm could not fetch the tools"
+    fi
     run_preset asan
     # Under ThreadSanitizer only the tests with threads are worth their time.
     run_preset tsan -R Threads

@@ -1,0 +1,98 @@
+// What a tool is, and how one is made from the commands that it uses.
+
+import type { CallToolResult, Tool as Listed } from "@modelcontextprotocol/sdk/types.js";
+import { type Command, commandOf, type Description, meaningOf } from "./description.js";
+import { checker, inputSchema } from "./schema.js";
+import type { Service } from "./service.js";
+import { type JsonObject, textOf, without, writeJson } from "./wire.js";
+
+/** What tools work with. */
+export interface Kit {
+    readonly description: Description;
+    readonly service: Service;
+}
+
+export type Content = CallToolResult["content"];
+
+/** Does the work with arguments that fit the schema; gives a text or a JSON value for the assistant. */
+export type Work = (kit: Kit, args: JsonObject, signal: AbortSignal) => Promise<JsonObject | string | Content>;
+
+/** A row of a tool table. */
+export interface Row {
+    readonly name: string;
+    /** The commands that it uses; the first one gives title, text and schema. None for a tool of its own. */
+    readonly uses: readonly string[];
+    readonly title?: string;
+    /** Said before the command's own text, or instead of it where `whole`. */
+    readonly text?: string;
+    readonly whole?: boolean;
+    /** Parameters beside the command's own; `required` names those that must stand. */
+    readonly also?: JsonObject;
+    readonly required?: readonly string[];
+    /** Parameters of the command that the tool fills in itself. */
+    readonly hides?: readonly string[];
+    readonly idempotent?: boolean;
+    readonly work?: Work;
+}
+
+export interface Tool {
+    readonly listed: Listed;
+    readonly faults: (args: unknown) => string;
+    readonly work: Work;
+}
+
+/** What a command is sent: its name, and its messages as JSON. */
+export function requestOf(description: Description, command: Command, args: JsonObject): [name: string, messages?: string] {
+    const target = description.interface.targets[command.target];
+    const parameters = target?.parameters ?? [];
+    const name = (target?.form ?? "").replace(/\{([a-z]+)\}/g, (_, parameter: string) => textOf(args[parameter]));
+    const rest = without(args, parameters);
+    const { form: kind, parameter } = command.messages;
+    if (kind === "none") return [name];
+    const value = parameter === undefined ? rest : rest[parameter] ?? "";
+    return [name, writeJson(value, description.spelling)];
+}
+
+/** Sends the one command; the reply comes with its meaning. */
+function sends(id: string): Work {
+    return async ({ description, service }, args) => {
+        const command = commandOf(description, id);
+        const reply = await service.ask(id, ...requestOf(description, command, args));
+        const meaning = meaningOf(description, command, reply);
+        return meaning && "reply" in meaning ? `${reply}\n${meaning.reply.meaning}` : reply;
+    };
+}
+
+function descriptionOf(row: Row, command: Command | undefined): string {
+    if (!command || row.whole) return row.text ?? "";
+    const waits = command.waits.filter(({ milliseconds }) => milliseconds >= 1000)
+        .map(({ milliseconds, when }) => `It takes ${milliseconds / 1000} s (${when}).`);
+    return [row.text, command.text, ...waits].filter(Boolean).join(" ");
+}
+
+/** Makes a tool. Its annotations are those of the commands that it uses. */
+export function toolOf(description: Description, row: Row): Tool {
+    const used = row.uses.map((id) => commandOf(description, id));
+    const first = used[0];
+    const base = first ? inputSchema(description, first) : { type: "object", properties: {}, required: [], additionalProperties: false };
+    const kept = Object.entries(base["properties"] as JsonObject).filter(([name]) => !row.hides?.includes(name));
+    const needed = (base["required"] as string[]).filter((name) => !row.hides?.includes(name) && !(row.also && name in row.also));
+    const schema: JsonObject = {
+        ...base, properties: { ...Object.fromEntries(kept), ...row.also }, required: [...needed, ...row.required ?? []],
+    };
+    const title = row.title ?? first?.title ?? row.name;
+    return {
+        listed: {
+            name: row.name, title, description: descriptionOf(row, first), inputSchema: schema as Listed["inputSchema"],
+            annotations: {
+                title,
+                readOnlyHint: used.every(({ effect }) => effect === "reads"),
+                destructiveHint: used.some(({ effect }) => effect === "destroys"),
+                idempotentHint: row.idempotent ?? used.every(({ idempotent }) => idempotent),
+                openWorldHint: false,
+            },
+        },
+        faults: checker(schema),
+        work: row.work ?? sends(row.uses[0] ?? ""),
+    };
+}

@@ -1,0 +1,85 @@
+// The table of all tools.
+
+import type { Description } from "./description.js";
+import { plantRows } from "./plant.js";
+import { ToolError } from "./service.js";
+import { type Content, type Row, type Tool, toolOf, type Work } from "./tool.js";
+import { valueRows } from "./values.js";
+import { type Json, type JsonObject, textOf } from "./wire.js";
+
+const status: Work = async ({ service }, args) => {
+    const address = await service.address();
+    const project = typeof args["project"] === "string" ? args["project"] : null;
+    return { address, ...(project === null ? {} : { project, open: (await service.ask("Fdp", project)) === "1" }) };
+};
+
+const moduleTypes: Work = ({ description: { catalogue } }, args) => {
+    const wanted = textOf(args["contains"]).toLowerCase();
+    const types = catalogue.types.filter((type) => [type.VornModuleID, type.DeviceName, type.english].some((text) => text.toLowerCase().includes(wanted)));
+    const used = new Set(types.flatMap(({ items }) => items));
+    return Promise.resolve({
+        types: types as unknown as Json, items: Object.fromEntries(Object.entries(catalogue.items).filter(([item]) => used.has(item))),
+        nodes: [...catalogue.nodes], portValues: catalogue.portValues, projectVariables: catalogue.projectVariables,
+    });
+};
+
+const step: Work = ({ service }, args) => service.together(async (ask) => {
+    const count = Number(args["count"] ?? 1);
+    for (let each = 0; each < count; ++each) await ask("PjtStep", textOf(args["project"]));
+    return `OK: ${count} steps are asked for.`;
+});
+
+const picture: Work = async ({ service }, args): Promise<Content> => {
+    const project = textOf(args["project"]);
+    const chart = args["of"] === "run";
+    const most = Number(args["maxBytes"] ?? 200000);
+    const text = await service.ask(chart ? "PjtChartGet" : "PjtPngGet", project);
+    const bytes = Buffer.byteLength(text);
+    if (bytes > most) throw new ToolError(`The picture has ${bytes} bytes, more than maxBytes ${most}. plant_summary tells the plant in words.`);
+    const uri = `vorn://pictures/${project}/${chart ? "run" : "drawing"}.svg`;
+    return [{ type: "resource", resource: { uri, mimeType: "image/svg+xml", text } }];
+};
+
+const maxBytes: JsonObject = { type: "integer", minimum: 1000, maximum: 2000000, default: 200000, description: "The most bytes to give." };
+
+const rows: readonly Row[] = [
+    {
+        name: "status", uses: ["Fdp"], title: "Look for the service", whole: true, required: [], work: status,
+        text: "Tells the address of the running service and, with project, whether that project is open. Ask it first.",
+        also: { project: { type: "string", pattern: "^[A-Za-z0-9]{1,64}$", description: "A project's name." } },
+    },
+    {
+        name: "module_types", uses: [], title: "Look into the catalogue of module types", whole: true, work: moduleTypes, idempotent: true,
+        text: "The types of modules with their VornModuleID, ports (direction, aisle) and items with units; node kinds; what the values of "
+            + "ports and the project's variables mean. Needed to write a project document. Of the stand-in engine.",
+        also: { contains: { type: "string", default: "", description: "Only types whose number or name contains this, such as pump." } },
+    },
+    { name: "create_project", uses: ["Create"] },
+    { name: "open_project", uses: ["Open"] },
+    { name: "close_project", uses: ["PjtClose"] },
+    { name: "add_module", uses: ["AddModule"], text: "For a plant of more than a few elements use make_plant." },
+    { name: "add_node", uses: ["AddNode"] },
+    { name: "add_link", uses: ["AddLink"] },
+    { name: "move_element", uses: ["MoveMN"], text: "Numbers may be whole here: they are sent as the command wants them." },
+    { name: "delete_element", uses: ["DeleteMNL"] },
+    { name: "run", uses: ["PjtRun"] },
+    { name: "pause", uses: ["PjtPause"] },
+    {
+        name: "step", uses: ["PjtStep"], work: step,
+        also: { count: { type: "integer", minimum: 1, maximum: 1000, default: 1, description: "How many steps, one after the other." } },
+    },
+    { name: "stop", uses: ["PjtStop"] },
+    { name: "save_run_values", uses: ["PjtRunToCache"] },
+    { name: "load_run_values", uses: ["PjtCacheToRun"] },
+    { name: "performance", uses: ["PjtCerGet"] },
+    {
+        name: "picture", uses: ["PjtPngGet", "PjtChartGet"], work: picture, title: "Draw a plant or the course of its run", required: ["of"],
+        also: { of: { enum: ["drawing", "run"], description: "The plant's drawing, or the chart of its run." }, maxBytes },
+    },
+];
+
+/** All tools by their names. */
+export function allTools(description: Description): ReadonlyMap<string, Tool> {
+    const all = [...rows.slice(0, 2), ...plantRows(description), ...rows.slice(2), ...valueRows];
+    return new Map(all.map((row) => [row.name, toolOf(description, row)]));
+}

@@ -1,0 +1,197 @@
+// The tool server as an assistant meets it: the SDK's client before it, a real host behind it.
+
+import assert from "node:assert/strict";
+import { after, before, test } from "node:test";
+import type { Client } from "@modelcontextprotocol/sdk/client/index.js";
+import { ask, connect, Host } from "./support.js";
+
+const host = new Host();
+let client: Client;
+const used = new Set<string>();
+
+/** Calls a tool that has to succeed. */
+async function call(name: string, args: Record<string, unknown> = {}) {
+    used.add(name);
+    const answer = await ask(client, name, args);
+    assert.equal(answer.failed, false, `${name}: ${answer.text}`);
+    return answer;
+}
+
+/** Calls a tool that has to fail with a text of this form. */
+async function fails(name: string, args: Record<string, unknown>, form: RegExp) {
+    const answer = await ask(client, name, args);
+    assert.equal(answer.failed, true, `${name} did not fail: ${answer.text}`);
+    assert.match(answer.text, form, name);
+}
+
+before(async () => {
+    await host.start();
+    client = await connect(["--address", host.api]);
+});
+after(async () => {
+    await client.close();
+    await host.remove();
+});
+
+test("tools tell what they do to a plant", async () => {
+    const { tools } = await client.listTools();
+    const hints = new Map(tools.map(({ name, annotations }) =>
+        [name, annotations?.readOnlyHint ? "reads" : annotations?.destructiveHint ? "destroys" : "changes"]));
+    const expected = {
+        reads: ["status", "check_plant", "plant_summary", "read_topology", "module_types", "read_variables", "watch_variables", "picture"],
+        changes: ["create_project", "add_link", "run", "pause", "step", "stop", "write_variables", "set_stored_value"],
+        destroys: ["make_plant", "close_project", "delete_element", "save_run_values", "load_run_values"],
+    };
+    for (const [hint, names] of Object.entries(expected)) for (const name of names) assert.equal(hints.get(name), hint, name);
+    assert.equal(tools.find(({ name }) => name === "pause")?.annotations?.idempotentHint, false, "a toggle");
+    for (const { name, description, inputSchema } of tools) {
+        assert.ok(description, name);
+        for (const each of Object.values(inputSchema.properties ?? {})) assert.ok((each as { description?: string }).description, name);
+    }
+});
+
+test("resources are the schemas, the reference and the examples, as they stand", async () => {
+    const { resources } = await client.listResources();
+    const uris = new Set(resources.map(({ uri }) => uri));
+    for (const uri of ["vorn://schemas/project_document.schema.json", "vorn://reference/run.md", "vorn://docs/concepts.md", "vorn://examples/cold_store.json"]) {
+        assert.ok(uris.has(uri), uri);
+        const { contents } = await client.readResource({ uri });
+        assert.ok(contents[0] && "text" in contents[0] && contents[0].text.length > 100, uri);
+    }
+    await assert.rejects(client.readResource({ uri: "vorn://docs/../SECURITY.md" }), /no resource/);
+});
+
+test("a plant is made, judged, mended and read", async () => {
+    const faulty = (await call("make_plant", { project: "COLD", example: "cold_store_faulty" })).json;
+    assert.equal(faulty.complete, false);
+    assert.match(faulty.element, /MOD10 "air cooler 2"/);
+    assert.match(faulty.branch, /^NOD0 "liquid line".* > MOD10 "air cooler 2" > nothing$/);
+    assert.match((await call("check_plant", { project: "COLD" })).json.todo, /Link the module's outlet/);
+
+    const { contents } = await client.readResource({ uri: "vorn://examples/cold_store.json" });
+    const text = contents[0] && "text" in contents[0] ? contents[0].text : "";
+    const made = (await call("make_plant", { project: "COLD", document: text })).json;
+    assert.deepEqual([made.complete, made.modules, made.nodes, made.leftOut], [true, 36, 2, undefined]);
+
+    const summary = (await call("plant_summary", { project: "COLD", net: 0 })).json;
+    assert.deepEqual(summary.nets[0].nodes, ['NOD0 "liquid line"', 'NOD1 "suction line"']);
+    assert.equal(summary.modulesByType.pump, 2);
+    assert.ok(summary.branchesByNet.entries.every(({ net }: { net: number }) => net === 0));
+    const seen = new Set<string>();
+    for (let offset: number | undefined = 0; offset !== undefined;) {
+        const page: { entries: { InstanceID: string }[]; next?: number } =
+            (await call("read_topology", { project: "COLD", part: "devices", offset, maxBytes: 1000 })).json;
+        for (const { InstanceID } of page.entries) seen.add(InstanceID);
+        assert.ok(JSON.stringify(page.entries).length < 1100);
+        offset = page.next;
+    }
+    assert.equal(seen.size, 36, "the pages together are the whole list");
+});
+
+test("long integers and whole lengths reach the service as they are meant", async () => {
+    const pump = (await call("module_types", { contains: "pump" })).json.types[0].VornModuleID as string;
+    assert.equal(pump, "26010100000000011");
+    const document = {
+        DeviceInfo: [{ InstanceID: "p", VornModuleID: pump }, { InstanceID: "n", VornModuleID: 3000, FluidType: 0 }, { InstanceID: "x", VornModuleID: "7" }],
+        ConnectionInfo: [{ ConnectionID: "c", StartDeviceInstanceID: "p", StartPortID: "1", EndDeviceInstanceID: "n", Length: 5 }],
+    };
+    const made = (await call("make_plant", { project: "SMALL", document })).json;
+    assert.deepEqual(made.leftOut.devices, ["x"]);
+    const pipe = (await call("element_values", { project: "SMALL", element: "c" })).json;
+    assert.deepEqual(pipe.items[0].sets.slice(0, 2), [5, 5]);
+    assert.equal((await call("read_topology", { project: "SMALL", part: "devices" })).json.entries[0].VornModuleID, pump);
+    await fails("make_plant", { project: "SMALL", document: { DeviceInfo: [{ InstanceID: "p", VornModuleID: Number(pump) }] } }, /as a text of digits/);
+});
+
+test("a run is begun, steered, watched and ended", async () => {
+    const project = "COLD";
+    const stored = (await call("set_stored_value", { project, element: "brine pump", item: "Head", set: 0, value: 12 })).json;
+    assert.deepEqual(stored.Sets, [12, 20, 20]);
+    await call("pause", { project });
+    await call("run", { project });
+    await call("step", { project, count: 3 });
+    assert.deepEqual((await call("read_variables", { VarName: ["COLD_GStep", "COLD_MOD14_Head", "COLD_No"] })).json, {
+        COLD_GStep: 3, COLD_MOD14_Head: 12, COLD_No: { failure: "none varname 找不到变量名称", meaning: "There is no variable of this name." },
+    });
+    const written = (await call("write_variables", { VarName: ["COLD_MOD14_Head", "COLD_No"], VarValue: [15, "1"] })).json;
+    assert.deepEqual([written.written, Object.keys(written.failed), written.now.COLD_MOD14_Head], [1, ["COLD_No"], 15]);
+    const course = (await call("watch_variables", { VarName: ["COLD_GStep", "COLD_GSeries"], samples: 3, everyMs: 50 })).json;
+    assert.deepEqual(course.values.COLD_GStep, [3, 3, 3], "it is paused");
+    assert.equal(course.values.COLD_GSeries[0].length, 8);
+    await call("stop", { project });
+    await call("save_run_values", { project, set: 2 });
+    const values = (await call("element_values", { project, element: "brine pump" })).json;
+    assert.deepEqual(values.items[0], { item: "Head", name: "COLD_MOD14_Head", unit: "m", run: 15, sets: [12, 20, 15] });
+    await call("load_run_values", { project, set: 0 });
+    assert.deepEqual((await call("read_variables", { VarName: ["COLD_MOD14_Head"] })).json, { COLD_MOD14_Head: 12 });
+    assert.match((await call("performance", { project })).text, /COP/);
+    for (const of of ["drawing", "run"]) assert.match((await call("picture", { project, of })).text, /^<\?xml.*<\/svg>\s*$/s);
+});
+
+test("single elements are placed, linked, moved and deleted", async () => {
+    const project = "HAND";
+    await call("create_project", { project });
+    const tank = { project, VornModuleID: "26010100000000014", DeviceName: "膨胀水箱" };
+    assert.match((await call("add_module", tank)).text, /^MOD0\n/);
+    assert.match((await call("add_node", { project, VornModuleID: 3000, NodeName: "FLUID" })).text, /^NOD0\n/);
+    assert.match((await call("add_link", { project, F_InstanceID: "MOD0", F_PortNb: 1, S_InstanceID: "NOD0" })).text, /MOD1、LNK0、LNK1/);
+    await call("move_element", { project, element: "NOD0", PositionX: 3, PositionZ: 1.5 });
+    assert.equal((await call("read_topology", { project, part: "nodes" })).json.entries[0].PositionX, 3);
+    await call("delete_element", { project, element: "MOD1" });
+    assert.equal((await call("check_plant", { project })).json.connections, 0);
+    await call("close_project", { project });
+    assert.equal((await call("status", { project })).json.open, false);
+    await call("open_project", { project });
+});
+
+test("no tool was left out", async () => {
+    assert.deepEqual((await client.listTools()).tools.map(({ name }) => name).filter((name) => !used.has(name)), []);
+});
+
+test("wrong input is told with what to do", async () => {
+    const project = "COLD";
+    const table: [string, Record<string, unknown>, RegExp][] = [
+        ["run", {}, /required property 'project'/],
+        ["run", { project: "no such" }, /must match pattern/],
+        ["run", { project: "NOSUCH" }, /项目名称找不到.*\nMeaning: .*open project.*\nWhat to do: /],
+        ["run", { project, now: true }, /additional properties/],
+        ["create_project", { project }, /项目已打开/],
+        ["add_link", { project, F_InstanceID: "MOD0", F_PortNb: 16, S_InstanceID: "NOD0" }, /F_PortNb: must be <= 15/],
+        ["add_link", { project, F_InstanceID: "MOD99", S_InstanceID: "NOD0" }, /Meaning: /],
+        ["element_values", { project, element: "nothing" }, /无法识别name/],
+        ["set_stored_value", { project, element: "brine pump", item: "Colour", set: 0, value: 1 }, /It has: Head, Power/],
+        ["load_run_values", { project, set: 3 }, /must be equal to one of/],
+        ["write_variables", { VarName: ["COLD_GTemp"], VarValue: ["warm"] }, /would write 0/],
+        ["write_variables", { VarName: ["COLD_GTemp"], VarValue: [1, 2] }, /1 entries and VarValue 2/],
+        ["make_plant", { project }, /either document or example/],
+        ["make_plant", { project, document: "{" }, /no JSON/],
+        ["make_plant", { project, document: { DeviceInfo: [{ VornModuleID: 3000 }] } }, /required property 'InstanceID'/],
+        ["make_plant", { project, example: "../api/interface" }, /must be equal to one of/],
+        ["picture", { project, of: "drawing", maxBytes: 1000 }, /more than maxBytes/],
+    ];
+    for (const [name, args, form] of table) await fails(name, args, form);
+    await assert.rejects(client.callTool({ name: "fly", arguments: {} }), /no tool fly/);
+    await call("run", { project });
+    await fails("make_plant", { project, example: "cold_store" }, /project is runing.*PjtStop/s);
+    await call("stop", { project });
+});
+
+test("without an address the service of the lowest port is found", async () => {
+    const finder = await connect([]);
+    const { address } = (await ask(finder, "status")).json;
+    await finder.close();
+    assert.match(address, /^http:\/\/127\.0\.0\.1:33[34]\d\d\/api$/);
+    assert.ok(address <= host.api, "another one may run on this machine, at a lower port");
+});
+
+test("the service goes and comes back", async () => {
+    await host.end();
+    await fails("status", {}, /Ask the user to start vorn-host/);
+    await fails("read_variables", { VarName: ["COLD_GTemp"] }, /No service answers/);
+    const { api } = host;
+    await host.start();
+    assert.equal(host.api, api, "its port was taken meanwhile");
+    assert.equal((await call("status", { project: "COLD" })).json.open, false);
+    await call("open_project", { project: "COLD" });
+    assert.equal((await call("check_plant", { project: "COLD" })).json.complete, true, "the plant was stored");
+});
