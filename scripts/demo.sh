@@ -136,12 +136,18 @@ note "length, elbows and the diameter that came with the fitting"
 ask VarCacheGet "${project}_liquid line to expansion valve 1" '""'
 expect '[{"Row":0,"Item":"PL"'
 
+# values FILE: what a run is to begin with, into cache set 0.
+values() {
+    local element row value
+    while IFS='|' read -r element row value; do
+        ask VarCacheSet "${project}_$element" "{\"Row\":$row,\"Column\":1,\"Value\":\"$value\"}" >/dev/null
+        expect OK
+    done <"$examples/$1"
+}
+
 heading "The plant runs"
 note "what its devices are: $(wc -l <"$examples/cold_store.values") values of cold_store.values into cache set 0, as this one"
-while IFS='|' read -r element row value; do
-    ask VarCacheSet "${project}_$element" "{\"Row\":$row,\"Column\":1,\"Value\":\"$value\"}" >/dev/null
-    expect OK
-done <"$examples/cold_store.values"
+values cold_store.values
 ask VarCacheSet "${project}_cold room" '{"Row":0,"Column":1,"Value":"-2"}'
 expect OK
 ask PjtRun "$project" '""'
@@ -232,19 +238,6 @@ project=COLD
 ask Create "$project" '""'
 expect OK
 plant cold_store.json OK
-# begin ELEMENT ROW VALUE: what a run is to begin with, in cache set 0.
-begin() {
-    ask VarCacheSet "${project}_$1" "{\"Row\":$2,\"Column\":1,\"Value\":\"$3\"}" >/dev/null
-    expect OK
-}
-note "areas, powers and temperatures to begin with"
-begin compressor 0 6
-begin condenser 0 12
-begin evaporator 0 4
-for cooler in 1 2 3; do begin "air cooler $cooler" 0 4; done
-begin 'cooling tower' 0 30
-begin 'cold room' 0 4
-begin 'packing room' 0 18
-begin 'packing room' 1 28
+values cold_store.values
 ask PjtRun "$project" '""'
 expect OK

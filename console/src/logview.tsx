@@ -45,11 +45,15 @@ export function LogView() {
         return (held.value ?? entries.value).filter(fits).slice(-shownAtMost);
     });
     const last = rows.value.at(-1)?.number;
+    const atEnd = useRef(true);
     useEffect(() => {
         // Follows the end, unless a person has scrolled up.
         const box = list.current;
-        if (box && box.scrollHeight - box.scrollTop - box.clientHeight < 160) box.scrollTop = box.scrollHeight;
+        if (box && atEnd.current) box.scrollTop = box.scrollHeight;
     }, [last]);
+    const scrolled = (box: HTMLElement): void => {
+        atEnd.current = box.scrollHeight - box.scrollTop - box.clientHeight < 40;
+    };
     const tick = (text: string, on: { value: boolean }) => (
         <label class="tick">
             <input type="checkbox" checked={on.value} onChange={(event) => (on.value = event.currentTarget.checked)} /> {text}
@@ -66,7 +70,7 @@ export function LogView() {
                     <input type="checkbox" checked={held.value !== null} onChange={(event) => (held.value = event.currentTarget.checked ? entries.value : null)} /> {t("hold")}
                 </label>
             </div>
-            <ul ref={list} class="log-lines" tabIndex={0} aria-label={t("log")}>
+            <ul ref={list} class="log-lines" tabIndex={0} aria-label={t("log")} onScroll={(event) => scrolled(event.currentTarget)}>
                 {rows.value.map((entry) => <Line key={entry.number} entry={entry} />)}
             </ul>
             {rows.value.length === 0 && <p class="count">{t("logEmpty")}</p>}

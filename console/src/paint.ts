@@ -299,6 +299,33 @@ function paintSpots(canvas: Canvas, layout: Layout, view: View, look: Look): voi
     }
 }
 
+const overlap = (one: Box, other: Box): boolean =>
+    one.x < other.x + other.w && other.x < one.x + one.w && one.y < other.y + other.h && other.y < one.y + one.h;
+
+/** The values of runs, where they cover neither a shape with its labels nor one another. */
+function paintRunValues(canvas: Canvas, layout: Layout, view: View, look: Look): void {
+    const grow = growth(view.scale);
+    const taken = view.shapes.flatMap((shape): Box[] => {
+        const box = layout.boxes.get(shape.key);
+        if (!box) return [];
+        const above = shape.node ? 18 * grow : 0;
+        return [{ x: box.x - 26, y: box.y - above, w: box.w + 52, h: box.h + above + 8 + 32 * grow }];
+    });
+    for (const run of view.runs) {
+        const value = look.valueAt(run.key);
+        if (value === null) continue;
+        const spot = longest(layout.routes.get(run.key) ?? []);
+        const level = Math.abs(Math.cos(spot.angle)) > 0.5;
+        const [w, h] = [(value.length * 7 + 14) * grow, 18 * grow];
+        const shifts = level ? [-16, 16] : [22, -22, 0];
+        const places = shifts.map((shift): Box => ({ x: spot.x - w / 2, y: spot.y + shift - h / 2, w, h }));
+        const free = places.find((place) => !taken.some((other) => overlap(place, other)));
+        if (!free) continue;
+        taken.push(free);
+        pill(canvas, value, free.x + w / 2, free.y + h / 2, grow, look.palette, look.palette.media[run.medium]);
+    }
+}
+
 /** Paints what is in view; the canvas is already moved and scaled. */
 export function paint(canvas: Canvas, layout: Layout, view: View, look: Look, flips: ReadonlySet<string>): void {
     const { palette, marked } = look;
@@ -324,13 +351,5 @@ export function paint(canvas: Canvas, layout: Layout, view: View, look: Look, fl
         else paintDevice(canvas, shape, box, view, look, flips.has(shape.key));
     }
     canvas.globalAlpha = 1;
-    if (view.scale < labelScale * 1.3) return;
-    for (const run of view.runs) {
-        const value = look.valueAt(run.key);
-        const spot = longest(layout.routes.get(run.key) ?? []);
-        if (value === null || spot.length < 84) continue;
-        const level = Math.abs(Math.cos(spot.angle)) > 0.5;
-        const [x, y] = level ? [spot.x, spot.y - 16] : [spot.x, spot.y + 22];
-        pill(canvas, value, x, y, growth(view.scale), palette, palette.media[run.medium]);
-    }
+    if (view.scale >= labelScale * 1.3) paintRunValues(canvas, layout, view, look);
 }

@@ -88,7 +88,8 @@ async function pollOnce(): Promise<boolean> {
     try {
         await logFollow();
         await valuesFetch();
-        if (current.value === null) await askQuietly("Fdp");
+        // Without a project there is nothing to ask the service for; the host has answered.
+        if (current.value === null) serviceUp.value = true;
         return serviceUp.value;
     } catch (fault) {
         if (!(fault instanceof Gone) && !(fault instanceof TypeError)) throw fault;

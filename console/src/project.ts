@@ -48,8 +48,11 @@ function addressed(): string[] {
     return /^[A-Z0-9]{1,64}$/.test(name) ? [name] : [];
 }
 
-/** The project to begin with: the address's, else one that is open. */
+let chosen = false;
+
+/** The project to begin with: the address's, else one that is open; null once a person has opened one. */
 export function firstProject(): string | null {
+    if (chosen) return null;
     const wanted = addressed()[0];
     const open = known.value.filter((project) => project.open).map(({ name }) => name);
     return open.find((name) => name === wanted) ?? open[0] ?? null;
@@ -93,6 +96,7 @@ export async function order(word: string, name: string, messages: unknown = ""):
 }
 
 export async function openProject(text: string): Promise<void> {
+    chosen = true;
     const name = text.trim().toUpperCase();
     const reply = await command("Open", name);
     if (reply === null) return;

@@ -73,8 +73,8 @@ const texts = {
     chartAdd: ["加入曲线", "Add to chart"],
     chartRemove: ["移出曲线", "Take off the chart"],
     chartEmpty: [
-        "点击任一数值旁的曲线图标，或在下面输入变量名。",
-        "Use the chart sign beside any value, or type a variable name below.",
+        "点击任一数值旁的曲线图标，或输入变量名。",
+        "Use the chart sign beside any value, or type a variable name.",
     ],
     chartVariable: ["变量名", "Variable name"],
     add: ["添加", "Add"],
