@@ -242,6 +242,11 @@ void FindNodePorts(const PlantRows& rows, const Ends& ends, Layout& layout) {
         if (link.F_Sx == NodeKind) add(link, true);
         if (link.S_Sx == NodeKind) add(link, false);
     }
+    // So that they are written as they lie.
+    std::sort(layout.nodePorts.begin(), layout.nodePorts.end(),
+              [](const NodePort& one, const NodePort& other) {
+                  return std::pair(one.node, one.port) < std::pair(other.node, other.port);
+              });
 }
 
 }  // namespace

@@ -77,6 +77,7 @@ NetSolver::NetSolver(const Layout& layout, const Net& net, std::span<const doubl
     }
 
     std::vector<Eigen::Triplet<double>> entries;
+    entries.reserve(static_cast<std::size_t>(unknownCount_) + edges_.size());
     for (int row = 0; row < unknownCount_; ++row) entries.emplace_back(row, row, 1.0);
     for (const Edge& edge : edges_) {
         const int from = At(unknowns_, edge.from);
@@ -262,7 +263,9 @@ bool NetSolver::Solve(std::span<const Law> laws) {
                 factored_ = false;
             } else if (found) {
                 Rest(laws);
-                for (std::size_t edge = 0; edge < edges_.size(); ++edge) carried_[edge] = Carries(edge, laws);
+                for (std::size_t edge = 0; edge < edges_.size(); ++edge) {
+                    carried_[edge] = Carries(edge, laws) ? 1 : 0;
+                }
                 return true;
             }
         }

@@ -1,8 +1,8 @@
 #include "standin/plant/step.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstdio>
-#include <cstring>
 
 #include "standin/plant/plant.h"
 #include "standin/plant/project_values.h"
@@ -52,13 +52,14 @@ PlantInputs InputsOf(const Project& project, const Layout& layout) {
 
 /// True where nobody has written the value since it was read; a NaN is what was read, too.
 bool Untouched(double value, double read) {
-    return std::memcmp(&value, &read, sizeof value) == 0;
+    return std::bit_cast<std::uint64_t>(value) == std::bit_cast<std::uint64_t>(read);
 }
 
-PortValues& PortOf(Element& element, std::size_t port, std::size_t count) {
+/// The run values of an element's ports, at least as many as it has.
+PortValues* PortsOf(Element& element, std::size_t count) {
     std::vector<PortValues>& ports = element.layers[RunLayer].ports;
     if (ports.size() < count) ports.resize(count);
-    return ports[port];
+    return ports.data();
 }
 
 void Write(PortValues& values, const PortState& state) {
@@ -74,15 +75,14 @@ void WriteDevices(Project& project, const Layout& layout, const PlantInputs& inp
         Module& module = At(project.modules.rows, device.number);
         const bool vessel = IsVessel(device.type->role);
         const double now = vessel ? VesselTemperature(module) : 0.0;
-        const bool written = vessel && !Untouched(now, inputs.vessels[number]);
         const bool holds = device.mouths[0] >= 0 || device.mouths[VesselOutlet] >= 0;
-        for (std::size_t port = 0; port < device.type->ports.size(); ++port) {
-            const bool tells = holds && port == VesselOutlet;
-            if (device.points[port] == NoPoint && !tells) continue;
-            PortValues& values = PortOf(module, port, device.type->ports.size());
-            Write(values, outputs.ports[number][port]);
-            if (tells && written) values.temperature = now;
+        PortValues* values = nullptr;
+        for (std::size_t port = 0; port < device.points.size(); ++port) {
+            if (device.points[port] == NoPoint && !(holds && port == VesselOutlet)) continue;
+            if (values == nullptr) values = PortsOf(module, device.type->ports.size());
+            Write(values[port], outputs.ports[number][port]);
         }
+        if (holds && !Untouched(now, inputs.vessels[number])) values[VesselOutlet].temperature = now;
     }
     for (const ItemState& item : outputs.items) {
         const Device& device = At(layout.devices, item.device);
@@ -95,12 +95,14 @@ void WriteNodes(Project& project, const Layout& layout, const PlantOutputs& outp
     for (std::size_t number = 0; number < layout.nodes.size(); ++number) {
         std::vector<double>& items = At(project.nodes.rows, layout.nodes[number]).layers[RunLayer].items;
         const PortState& state = outputs.nodes[number];
-        items = {state.pressure, state.temperature, state.flow};
+        items[0] = state.pressure;
+        items[1] = state.temperature;
+        items[2] = state.flow;
     }
     for (std::size_t number = 0; number < layout.nodePorts.size(); ++number) {
         const NodePort& port = layout.nodePorts[number];
         Node& node = At(project.nodes.rows, At(layout.nodes, port.node));
-        Write(PortOf(node, static_cast<std::size_t>(port.port), PortsPerElement), outputs.nodePorts[number]);
+        Write(PortsOf(node, PortsPerElement)[port.port], outputs.nodePorts[number]);
     }
 }
 
