@@ -3,6 +3,7 @@
 #include <rapidjson/stringbuffer.h>
 #include <rapidjson/writer.h>
 
+#include <charconv>
 #include <cmath>
 #include <span>
 
@@ -16,8 +17,6 @@ using JsonBuffer = rapidjson::GenericStringBuffer<rapidjson::UTF8<>, vorn::JsonM
 using JsonWriter = rapidjson::Writer<JsonBuffer, rapidjson::UTF8<>, rapidjson::UTF8<>, vorn::JsonMemory,
                                      rapidjson::kWriteNanAndInfFlag>;
 using vorn::Field;
-using vorn::FieldInt;
-using vorn::FieldInt64;
 using vorn::FieldText;
 using vorn::JsonDocument;
 using vorn::JsonValue;
@@ -133,8 +132,20 @@ void WriteVariable(JsonWriter& writer, const ProjectVariable& variable) {
 
 // ---- Reading. Each is false where the text is not as the writer makes it. ----
 
-bool ReadMember(const JsonValue& object, const char* name, int& value) {
-    return FieldInt(object, name, value) == Field::Read;
+/// Numbers are read from their own texts, so that all come back exactly: the JSON library's exact reading of
+/// a long fraction of zeros is undefined. No number may be beyond what `Number` can hold.
+template <typename Number>
+bool ReadNumber(const JsonValue& text, Number& value) {
+    if (!text.IsString()) return false;
+    const char* const last = text.GetString() + text.GetStringLength();
+    const auto [end, error] = std::from_chars(text.GetString(), last, value);
+    return error == std::errc() && end == last;
+}
+
+template <typename Number>
+bool ReadMember(const JsonValue& object, const char* name, Number& value) {
+    const auto member = object.FindMember(name);
+    return member != object.MemberEnd() && ReadNumber(member->value, value);
 }
 
 bool ReadMember(const JsonValue& object, const char* name, std::string& value) {
@@ -171,8 +182,7 @@ bool ReadReals(const JsonValue& array, std::span<double> values) {
     if (!array.IsArray() || array.Size() != values.size()) return false;
     auto* value = values.data();
     for (const JsonValue& element : array.GetArray()) {
-        if (!element.IsNumber()) return false;
-        *value++ = element.GetDouble();
+        if (!ReadNumber(element, *value++)) return false;
     }
     return true;
 }
@@ -224,7 +234,7 @@ bool ReadPlace(const JsonValue& object, Place& place) {
 bool ReadModule(const JsonValue& object, Project& project) {
     Place place;
     std::int64_t oneId = 0;
-    if (!ReadPlace(object, place) || FieldInt64(object, "type", oneId) != Field::Read) return false;
+    if (!ReadPlace(object, place) || !ReadMember(object, "type", oneId)) return false;
     Module* module = ModuleAdd(project, place.number, ModuleTypeNumber(oneId), place.page, place.x, place.z);
     if (module == nullptr) return false;
     ModuleIdentify(project, place.number, place.instanceId);
@@ -251,8 +261,7 @@ bool ReadLink(const JsonValue& object, Project& project) {
     }
     const auto* member = LinkNumbers.data();
     for (const JsonValue& end : ends->GetArray()) {
-        if (!end.IsInt()) return false;
-        link.** member++ = end.GetInt();
+        if (!ReadNumber(end, link.**member++)) return false;
     }
     return ReadMember(object, "upstreamThrough", link.F_Type2) &&
            ReadMember(object, "downstreamThrough", link.S_Type2) && LinkAdd(project, number, link);
@@ -270,8 +279,7 @@ bool ReadVariable(const JsonValue& object, Project& project) {
     variable.kind = static_cast<VariableKind>(kind);
     auto* value = variable.integers.data();
     for (const JsonValue& integer : integers->GetArray()) {
-        if (!integer.IsInt()) return false;
-        *value++ = integer.GetInt();
+        if (!ReadNumber(integer, *value++)) return false;
     }
     project.variables.push_back(std::move(variable));
     return project.variables.size() <= ProjectVariableCapacity;
@@ -304,9 +312,9 @@ void ProjectToJson(const Project& project, std::string& text) {
 }
 
 bool ProjectFromJson(const std::string& text, Project& project) {
-    // Iterative, so that no depth of nesting can end the process; precise, so that all numbers come back.
-    constexpr unsigned Flags =
-        rapidjson::kParseIterativeFlag | rapidjson::kParseFullPrecisionFlag | rapidjson::kParseNanAndInfFlag;
+    // Iterative, so that no depth of nesting can end the process.
+    constexpr unsigned Flags = rapidjson::kParseIterativeFlag | rapidjson::kParseNumbersAsStringsFlag |
+                               rapidjson::kParseNanAndInfFlag;
     JsonDocument document;
     document.Parse<Flags>(text);
     if (document.HasParseError() || !document.IsObject()) return false;

@@ -167,7 +167,7 @@ TEST_F(StoreTest, RefusesContentThatDoesNotFit) {
     }
     const auto faults = Split(R"(24032022192805856 12; "number":0 "number":5485; "number":0 "number":-1;
         "x":1 "x":1.5; "nodes":[] "nodes":{}; "links":[] "links":[{"number":0,"ends":[0]}]; GTemp Other;
-        "kind":1 "kind":4; "script":"" "script":0; { [;)");
+        "kind":1 "kind":4; "script":"" "script":[]; 0.0,0.0 0.0,1e999; { [;)");
     for (const std::string& fault : faults)
         EXPECT_FALSE(read(Split(fault, ' ')[0], Split(fault, ' ')[1])) << fault;
 }
