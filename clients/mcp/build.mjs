@@ -9,17 +9,17 @@ import { fileURLToPath } from "node:url";
 const here = dirname(fileURLToPath(import.meta.url));
 const at = (...parts) => join(here, ...parts);
 
-/** True when the packages stand as the lock file has them. */
+/** Makes the packages stand as the lock file has them. Gives npm's last words where that fails, else null. */
 function fetchPackages() {
     const mark = at("node_modules", ".package-lock.json");
-    if (existsSync(mark) && statSync(mark).mtimeMs >= statSync(at("package-lock.json")).mtimeMs) return true;
+    if (existsSync(mark) && statSync(mark).mtimeMs >= statSync(at("package-lock.json")).mtimeMs) return null;
     const all = existsSync(at("node_modules", "typescript")); // where the checks' tools stand, they stay
     const npm = spawnSync("npm", ["ci", ...(all ? [] : ["--omit=dev"]), "--no-progress"], {
         cwd: here, encoding: "utf8", shell: process.platform === "win32",
     });
-    if (npm.status !== 0) return false;
+    if (npm.status !== 0) return (npm.stderr ?? String(npm.error)).trim().split("\n").at(-1);
     utimesSync(mark, new Date(), new Date());
-    return true;
+    return null;
 }
 
 /** The licences of the packages that the file holds, in one text. */
@@ -35,8 +35,9 @@ function licences(inputs) {
 
 const folder = process.argv[2];
 if (!folder) throw new Error("usage: node build.mjs FOLDER");
-if (!fetchPackages()) {
-    console.log("tool server: npm could not fetch its packages, so it is not built");
+const trouble = fetchPackages();
+if (trouble !== null) {
+    console.log(`tool server: npm could not fetch its packages, so it is not built (${trouble})`);
     process.exit(0);
 }
 const { build } = await import("esbuild");

@@ -84,6 +84,14 @@ function documentOf({ description }: Kit, args: JsonObject): JsonObject {
     return document;
 }
 
+/** The first of a list, with how many more there are. */
+function first(list: readonly string[], most: number): Json[] {
+    return list.length > most ? [...list.slice(0, most), `and ${list.length - most} more`] : [...list];
+}
+
+const mostNets = 40;
+const mostNames = 12;
+
 /** What of a document is not in the plant that was made from it, told by identities. */
 function leftOut(document: JsonObject, report: Report): JsonObject {
     const there = new Set([...report.DeviceInfo, ...report.NodeInfo].map(({ InstanceID }) => InstanceID));
@@ -94,9 +102,9 @@ function leftOut(document: JsonObject, report: Report): JsonObject {
     if (devices.length + connections.length === 0) return {};
     return {
         leftOut: {
-            devices, connections,
-            meaning: "The service passes over devices of unknown types, and connections whose ends or ports do not exist, are taken, "
-                + "or lead the wrong way. Look at module_types.",
+            devices: first(devices, mostNames), connections: first(connections, mostNames),
+            meaning: "The service passes over devices of unknown types, connections whose ends or ports do not exist, are taken, or "
+                + "lead the wrong way, and what it has no room for. Look at module_types and at vorn://docs/limits.md.",
         },
     };
 }
@@ -163,14 +171,6 @@ function countTypes(devices: readonly Device[], description: Description): JsonO
     }
     return Object.fromEntries(found);
 }
-
-/** The first of a list, with how many more there are. */
-function first(list: readonly string[], most: number): Json[] {
-    return list.length > most ? [...list.slice(0, most), `and ${list.length - most} more`] : [...list];
-}
-
-const mostNets = 40;
-const mostNames = 12;
 
 const summarize: Work = (kit, args) => kit.service.together(async (ask) => {
     const { verdict, report, names } = await judged(kit, ask, textOf(args["project"]));

@@ -3,7 +3,7 @@
 import assert from "node:assert/strict";
 import { after, before, test } from "node:test";
 import type { Client } from "@modelcontextprotocol/sdk/client/index.js";
-import { ask, connect, Host } from "./support.js";
+import { ask, connect, Host, startBreaker } from "./support.js";
 
 const host = new Host();
 let client: Client;
@@ -137,8 +137,11 @@ test("single elements are placed, linked, moved and deleted", async () => {
     assert.match((await call("add_link", { project, F_InstanceID: "MOD0", F_PortNb: 1, S_InstanceID: "NOD0" })).text, /MOD1、LNK0、LNK1/);
     await call("move_element", { project, element: "NOD0", PositionX: 3, PositionZ: 1.5 });
     assert.equal((await call("read_topology", { project, part: "nodes" })).json.entries[0].PositionX, 3);
-    await call("delete_element", { project, element: "MOD1" });
-    assert.equal((await call("check_plant", { project })).json.connections, 0);
+    await call("make_plant", { project, example: "cold_store" });
+    assert.match((await call("read_topology", { project, part: "connections" })).json.entries[0].F_InstanceID, /^MOD\d+ "/);
+    await call("delete_element", { project, element: "packing room" });
+    const [link] = (await call("read_topology", { project, part: "connections" })).json.entries;
+    assert.match(link.F_InstanceID, /^MOD\d+$/, "numbers are no places any more, so nobody gets a wrong name");
     await call("close_project", { project });
     assert.equal((await call("status", { project })).json.open, false);
     await call("open_project", { project });
@@ -182,6 +185,16 @@ test("without an address the service of the lowest port is found", async () => {
     await finder.close();
     assert.match(address, /^http:\/\/127\.0\.0\.1:33[34]\d\d\/api$/);
     assert.ok(address <= host.api, "another one may run on this machine, at a lower port");
+});
+
+test("a command whose reply is lost is repeated only where it reads", async () => {
+    const breaker = await startBreaker();
+    const other = await connect(["--address", breaker.address]);
+    assert.match((await ask(other, "read_variables", { VarName: ["A_GTemp"] })).text, /Nothing was changed/);
+    assert.match((await ask(other, "step", { project: "A" })).text, /may have been carried out/);
+    assert.deepEqual(breaker.words, ["Get", "Get", "PjtStep"]);
+    await other.close();
+    breaker.end();
 });
 
 test("the service goes and comes back", async () => {

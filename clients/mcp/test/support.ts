@@ -3,6 +3,8 @@
 import { type ChildProcess, spawn } from "node:child_process";
 import { once } from "node:events";
 import { copyFileSync, mkdirSync, mkdtempSync, rmSync } from "node:fs";
+import { createServer } from "node:http";
+import type { AddressInfo } from "node:net";
 import { tmpdir } from "node:os";
 import { join } from "node:path";
 import { Client } from "@modelcontextprotocol/sdk/client/index.js";
@@ -51,6 +53,21 @@ export class Host {
         await this.end();
         rmSync(this.folder, { recursive: true, force: true });
     }
+}
+
+/** A service that greets, takes a request, and breaks the connection instead of a reply. `words` are those it took. */
+export async function startBreaker(): Promise<{ address: string; words: string[]; end: () => void }> {
+    const words: string[] = [];
+    const server = createServer((request, response) => {
+        if (request.method === "GET") return void response.end("Hello Quelmo!\n");
+        request.setEncoding("utf8").once("data", (body: string) => {
+            words.push((JSON.parse(body) as { command: string }).command);
+            request.socket.destroy();
+        });
+    });
+    await once(server.listen(0, "127.0.0.1"), "listening");
+    const { port } = server.address() as AddressInfo;
+    return { address: `http://127.0.0.1:${port}`, words, end: () => server.close() };
 }
 
 export interface Answer {
