@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Writes what is made from the description: `schemas/envelope.schema.json` and the pages of `docs/reference/`.
+"""Writes what is made from the description: `schemas/envelope.schema.json`, the pages of `docs/reference/`, and two
+files of the Python client.
 
 usage: generate.py [--check]
 
@@ -16,6 +17,7 @@ sys.path.insert(0, str(Path(__file__).resolve().parents[1]))
 
 from api.description import API, REPOSITORY, Description, load  # noqa: E402
 from api.envelope import envelope_schema  # noqa: E402
+from api.python_client import client_data, client_methods  # noqa: E402
 from api.reference import reference_pages  # noqa: E402
 
 
@@ -25,6 +27,9 @@ def made_from(description: Description) -> dict[Path, str]:
     files = {API / "schemas/envelope.schema.json": envelope + "\n"}
     for name, page in reference_pages(description).items():
         files[REPOSITORY / "docs/reference" / name] = page.rstrip("\n") + "\n"
+    client = REPOSITORY / "clients/python/vornserver"
+    files[client / "interface.json"] = client_data(description)
+    files[client / "commands.py"] = client_methods(description)
     return files
 
 

@@ -1,0 +1,131 @@
+"""A running service."""
+
+from __future__ import annotations
+
+import json
+import time
+from types import TracebackType
+from typing import Any
+
+from vornserver.commands import ServerCommands
+from vornserver.connection import HTTP, Connection, host_and_port
+from vornserver.errors import ServiceNotFound, StateError, VornError
+from vornserver.interface import COMMANDS
+from vornserver.project import Project
+
+# How long a service may take for its greeting, which it gives also while a command waits.
+GREETING_SECONDS = 2.0
+
+
+class Server(ServerCommands):
+    """A service at an address, over one kept connection.
+
+    Use it in a `with` statement, or close it. It can be used from several threads; requests go one by one, as the
+    service carries them out. `timeout` is how long, in seconds, a reply may take beside the waits that the command
+    makes by contract; other clients' commands count in it, since one runs at a time.
+    """
+
+    def __init__(self, address: str = "127.0.0.1", timeout: float = 30.0) -> None:
+        self.timeout = timeout
+        self._connection = Connection(address, timeout)
+
+    @classmethod
+    def find(cls, address: str = "127.0.0.1", *, holding: str = "", directory: str = "", timeout: float = 30.0,
+             within: float = 10.0) -> Server:
+        """Finds a service: at an address with a port, or on a machine, by its ports in their order.
+
+        holding: the service must hold this open project.
+        directory: the service must run from this directory, such as /opt/vorn.
+        within: how long the search may take, in seconds.
+
+        Raises ServiceNotFound.
+        """
+        host, port = host_and_port(address)
+        ports = range(HTTP["firstPort"], HTTP["lastPort"] + 1) if port is None else [port]
+        end = time.monotonic() + within
+        for each in ports:
+            left = end - time.monotonic()
+            if left <= 0:
+                break
+            server = cls(f"[{host}]:{each}" if ":" in host else f"{host}:{each}", min(GREETING_SECONDS, left))
+            if server._is_meant(holding, directory):
+                server.timeout = server._connection.timeout = timeout
+                return server
+            server.disconnect()
+        raise ServiceNotFound(f"no service was found at {address}" + (f" that holds {holding}" if holding else "")
+                              + (f" that runs from {directory}" if directory else ""))
+
+    def _is_meant(self, holding: str, directory: str) -> bool:
+        try:
+            return (self.greets() and (not holding or self.holds_project(holding))
+                    and (not directory or self.runs_from(directory.rstrip("/").replace("/", "_") + "_")))
+        except VornError:
+            return False
+
+    @property
+    def address(self) -> str:
+        """The service's address."""
+        return self._connection.address
+
+    @property
+    def connections(self) -> int:
+        """How many connections were made so far."""
+        return self._connection.opened
+
+    def disconnect(self) -> None:
+        """Ends the connection; the next command makes a new one."""
+        self._connection.close()
+
+    def __enter__(self) -> Server:
+        return self
+
+    def __exit__(self, kind: type[BaseException] | None, error: BaseException | None,
+                 trace: TracebackType | None) -> None:
+        self.disconnect()
+
+    def __repr__(self) -> str:
+        return f"Server({self.address!r})"
+
+    def greets(self) -> bool:
+        """Whether what answers at the address is the service. Raises ServiceNotFound, ConnectionLost, TimeLimit,
+        UnexpectedReply."""
+        greeting: str = HTTP["greeting"]
+        return self._connection.exchange("GET", HTTP["greetingPath"], None, self.timeout, True) == greeting
+
+    def request(self, word: str, name: str = "", messages: object = None, *, repeatable: bool = False,
+                seconds: float | None = None) -> str:
+        """Sends any word and gives the reply's text, whatever it says.
+
+        repeatable: it may be sent once more where the connection breaks before the reply.
+        seconds: how long the reply may take, if not `timeout`.
+        """
+        body: dict[str, object] = {"command": word, "name": name}
+        if messages is not None:
+            body["messages"] = messages
+        sent = json.dumps(body, allow_nan=False).encode()
+        return self._connection.exchange("POST", HTTP["path"], sent, seconds or self.timeout, repeatable)
+
+    def call(self, command: str, name: str, messages: object) -> Any:
+        """Sends the command of this id of the description and gives its reply as a Python value. Raises ServiceError by
+        what the service says, and the other exceptions of this package where it says nothing proper."""
+        described = COMMANDS[command]
+        reply = self.request(described.word, name, messages, repeatable=described.repeatable,
+                             seconds=self.timeout + described.seconds)
+        return described.result(reply, messages)
+
+    def create(self, project: str) -> Project:
+        """Makes a new empty project. Raises StateError where it is open already, and ServiceError."""
+        self.call("Create", project, None)
+        return Project(self, project)
+
+    def open(self, project: str) -> Project:
+        """Gives a project: the open one of this name, else the stored one, else a new one. Raises ServiceError."""
+        try:
+            self.call("Open", project, None)
+        except StateError:
+            pass  # it is open, which is what was wanted
+        return Project(self, project)
+
+    def project(self, project: str) -> Project:
+        """A project that is open already; nothing is asked."""
+        return Project(self, project)
