@@ -58,6 +58,7 @@ set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION
 set(CPACK_COMPONENT_PROGRAMS_DESCRIPTION
     "plant simulation service as a program of its own\nThe host program with its systemd unit and web console,\nand a sender of commands.")
 set(CPACK_DEBIAN_PROGRAMS_PACKAGE_DEPENDS adduser)
+set(CPACK_DEBIAN_PROGRAMS_PACKAGE_SUGGESTS "nodejs (>= 18)")  # for the tool server
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/deploy/debian/triggers)
 set(CPACK_DEBIAN_PROGRAMS_PACKAGE_CONTROL_EXTRA
     ${PROJECT_SOURCE_DIR}/deploy/debian/postinst ${PROJECT_SOURCE_DIR}/deploy/debian/prerm
