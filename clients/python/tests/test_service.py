@@ -3,11 +3,13 @@
 from __future__ import annotations
 
 import json
+from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
 from typing import Any, Callable, Iterator
 
 import pytest
 
+from api.description import load, meaning_of
 from host import Host
 from vornserver import (
     BatchError, Plant, PlantError, Project, Server, ServiceError, ServiceNotFound, Topology, VerdictError)
@@ -56,6 +58,20 @@ def test_no_command_is_missing() -> None:
         assert all(callable(getattr(owner, command.entry["method"], None)) for owner in owners), command.id
     assert set(KINDS) == set(DATA["interface"]["kinds"])
     assert f'version = "{VERSION}"' in (REPOSITORY / "clients/python/pyproject.toml").read_text(encoding="utf-8")
+
+
+def test_replies_mean_what_the_description_says() -> None:
+    description = load()
+    replies = [(command, example) for command in description.commands for example in command["examples"]]
+    for command, example in replies:
+        reply = example.get("reply", "")
+        text = reply if isinstance(reply, str) else "\n".join(reply)
+        if "reply" in example:
+            expected = meaning_of(description, command, text)
+            mine = COMMANDS[command["id"]].meaning(text, example["request"].get("messages"))
+            assert expected is not None
+            assert mine.failure == (expected.failure or "") or DATA["failures"][mine.failure]["text"] == text
+    assert len(replies) > 80
 
 
 # A session that calls every method; what it gives, or a test of it.
@@ -181,8 +197,9 @@ def test_find(host: Host, server: Server, project: Project) -> None:
 
 def test_a_connection_is_kept_and_renewed(server: Server, project: Project) -> None:
     before = server.connections
-    for _ in range(250):
-        project.read("GTemp")
+    with ThreadPoolExecutor(4) as threads:  # each thread gets the reply to its own request
+        values = list(threads.map(project.read, ["GTemp", "GStep"] * 125))
+    assert [type(each) for each in values] == [float, int] * 125
     assert 2 <= server.connections - before <= 3
 
 
