@@ -56,13 +56,11 @@ void ExpectEach(std::string (*document)(const std::string&), const std::string& 
                 const std::string& call, const std::string& cases) {
     const std::size_t in = fields.find('@');
     const std::size_t out = call.find('@');
-    for (const std::string& line : Split(cases)) {
-        const std::size_t arrow = line.find("->");
-        const std::string given = fields.substr(0, in) + line.substr(0, arrow) + fields.substr(in + 1);
-        const std::string becomes = line.substr(arrow + 2);
+    for (const Row& row : RowsOf(cases)) {
+        const std::string given = fields.substr(0, in) + row.given + fields.substr(in + 1);
         std::string made = call.substr(0, out);
-        if (becomes != "none") made += becomes + call.substr(out + 1);
-        EXPECT_EQ(Holds(CallsOf("PjtSent", "P", document(given)), made), becomes != "none") << line;
+        if (row.wanted != "none") made += row.wanted + call.substr(out + 1);
+        EXPECT_EQ(Holds(CallsOf("PjtSent", "P", document(given)), made), row.wanted != "none") << row.given;
     }
 }
 

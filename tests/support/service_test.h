@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -38,6 +39,20 @@ inline std::vector<std::string> Split(const std::string& text, char end = ';') {
     std::istringstream stream(text);
     for (std::string part; std::getline(stream >> std::ws, part, end);) parts.push_back(part);
     return parts;
+}
+
+/// A row of a table that is told as text: what is given, and behind `->` what comes of it.
+struct Row {
+    std::string given, wanted;
+};
+
+inline std::vector<Row> RowsOf(const std::string& text) {
+    std::vector<Row> rows;
+    for (const std::string& row : Split(text)) {
+        const std::size_t arrow = std::min(row.find("->"), row.size());
+        rows.push_back({row.substr(0, arrow), row.substr(std::min(arrow + 2, row.size()))});
+    }
+    return rows;
 }
 
 /// Sends one request and holds its reply and its calls, told in one text, against what is expected.
