@@ -126,6 +126,8 @@ class HttpServer : public httplib::Server {
         const auto headRead = [&connection](httplib::Request& request) {
             connection.HeadEnded();
             bodyLeft = HasBody(request);
+            // Replies go out as they are: to pack a large one takes the library seconds for each megabyte.
+            request.headers.erase("Accept-Encoding");
         };
         return process_request(connection, last, closes, headRead) && !closes && !bodyLeft;
     }

@@ -36,11 +36,12 @@ TEST(HttpThreadsTest, ServesItsTwoRoutes) {
     EXPECT_EQ(host.End(), 0);
 }
 
-TEST(HttpThreadsTest, AnswersWholeWhateverRangeIsAsked) {
+TEST(HttpThreadsTest, AnswersWholeAndUnpackedWhateverIsAsked) {
     HostProcess host;
     int project = 10;
     for (const char* range : {"Range: bytes=0-3,5-6", "range: bytes=9-1", "RANGE:", "Range: bytes=x",
-                              "Range: bytes=99999999999999999999-", "X: y\r\nRange: lines=0-"}) {
+                              "Range: bytes=99999999999999999999-", "X: y\r\nRange: lines=0-",
+                              "Accept-Encoding: br, gzip, deflate"}) {
         const string head = string(" HTTP/1.1\r\nConnection: close\r\n") + range + "\r\n";
         const RawClient hi(host.Port());
         hi.Send("GET /hi" + head + "\r\n");
