@@ -30,6 +30,14 @@ in_root sh -c 'dpkg --install /tmp/libvornserver1_*.deb /tmp/vornserver_*.deb' >
 }
 rm -f "$root"/tmp/*.deb
 
+# How open the unit leaves the system, in tenths: 50 and more is no longer "OK".
+if command -v systemd-analyze >/dev/null; then
+    systemd-analyze security --offline=true --threshold=40 "$root/usr/lib/systemd/system/vorn-host@.service" >"$folder/unit" \
+        || { cat "$folder/unit" >&2; fail "the unit leaves too much open"; }
+else
+    echo "install test: the unit is not judged, since systemd-analyze is not here"
+fi
+
 # The unit's own command line, as its own user, where the unit works. It tells a manager when it answers.
 unit=$root/usr/lib/systemd/system/vorn-host@.service
 setting() { sed -n "s/^$1=//p" "$unit" | sed 's/%i/plant/g'; }
