@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Builds one preset: build.sh [PRESET] [-DOPTION=VALUE...] [TARGET...]. The preset is release (the default), debug,
-# asan, tsan or windows; options, such as -DVORN_ENGINE_DIR=FOLDER, go to CMake and hold until they are given anew.
+# asan, tsan, fuzz, package or windows; options, such as -DVORN_ENGINE_DIR=FOLDER, go to CMake and hold until they are given anew.
 set -euo pipefail
 . "$(dirname "$0")/lib.sh"
 
@@ -9,7 +9,7 @@ options=() targets=()
 for word in "$@"; do
     case "$word" in
         -D*) options+=("$word") ;;
-        release | debug | asan | tsan | windows) preset=$word ;;
+        release | debug | asan | tsan | windows | fuzz | package) preset=$word ;;
         *) targets+=("$word") ;;
     esac
 done

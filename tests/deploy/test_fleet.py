@@ -29,8 +29,9 @@ class Fleet:
         return (self.folder / f"server{server}" / "host.log").read_text()
 
     def port_of(self, server: int) -> int:
-        """Where a server answers, or answered last."""
-        return int(self.log(server).split("VornServer answers on http://127.0.0.1:")[1].split("/")[0])
+        """Where a server answers, or answered last; 0 for one that starts just now."""
+        _, _, behind = self.log(server).partition("VornServer answers on http://127.0.0.1:")
+        return int(behind.split("/")[0] or 0)
 
     def server_of(self, project: str) -> int:
         """The server that printed the project's exchanges."""
@@ -108,7 +109,7 @@ def test_lives_on_when_a_server_dies(fleet: Fleet) -> None:
 
     # It comes back; what others have taken over stays with them, open and locked.
     (folder / "hold").unlink()
-    await_that("the server is back", lambda: answers(fleet.port_of(victim)))
+    await_that("the server is back", lambda: fleet.port_of(victim) > 0 and answers(fleet.port_of(victim)))
     for project in opened:
         assert ask(fleet.port, "Fdp", project) == "1", project
         assert ask(fleet.port, "PjtClose", project) == "OK", project
