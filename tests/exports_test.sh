@@ -1,11 +1,33 @@
 #!/usr/bin/env bash
-# Holds what the library $1 shows against the entries that its header declares.
+# Holds what the library $1 shows against the entries that its header declares. Of a library for Windows and the
+# programs behind it also what they need: nothing but the system's own libraries.
 set -euo pipefail
 library=$1
 header=$(dirname "$0")/../include/vorn_server.h
 
-shown=$(nm -D --defined-only "$library" | awk '{ print $3 }' | sort)
-declared=$(sed -n 's/^VORN_EXPORT.*[ *]\([A-Za-z_]*\)(.*/\1/p' "$header" | sort)
-[ "$(wc -l <<<"$declared")" = 9 ] || { echo "the header declares: $declared" >&2 && exit 1; }
-diff <(echo "$declared") <(echo "$shown") || { echo "the library shows other symbols than its header declares" >&2 && exit 1; }
+fail() {
+    echo "$*" >&2
+    exit 1
+}
+
+tables() { x86_64-w64-mingw32-objdump -p "$1"; }
+shown() {
+    case "$library" in
+        *.dll) tables "$library" | sed -n '/Ordinal\/Name Pointer/,/^$/s/^[[:blank:]]*\[ *[0-9]*\] //p' ;;
+        *) nm -D --defined-only "$library" | awk '{ print $3 }' ;;
+    esac
+}
+declared=$(sed -n 's/^VORN_EXPORT.*[ *]\([A-Za-z_]*\)(.*/\1/p' "$header" | LC_ALL=C sort)
+[ "$(wc -l <<<"$declared")" = 9 ] || fail "the header declares: $declared"
+diff <(echo "$declared") <(shown | LC_ALL=C sort) || fail "the library shows other symbols than its header declares"
 echo "the library shows its nine entries"
+
+case "$library" in *.dll) ;; *) exit 0 ;; esac
+system='ADVAPI32|CRYPT32|IPHLPAPI|KERNEL32|SHELL32|WINMM|WS2_32|msvcrt'
+for file in "$@"; do
+    needed=$(tables "$file" | sed -n 's/.*DLL Name: //p')
+    [ -n "$needed" ] || fail "$file: the libraries that it needs cannot be read"
+    others=$(grep -Eiv "^($system)\\.dll$" <<<"$needed" | grep -v '^VornServer.dll$' || true)
+    [ -z "$others" ] || fail "$(basename "$file") needs $others"
+done
+echo "the library and the programs need nothing but the system's own libraries"
