@@ -111,8 +111,8 @@ test("a run is begun, steered, watched and ended", async () => {
     await call("run", { project });
     await call("step", { project, count: 3 });
     // Steps are asked for; the plant makes them in its own time.
-    const read = async () => (await call("read_variables", { VarName: ["COLD_GStep", "COLD_MOD14_Head", "COLD_No"] })).json;
-    for (let tries = 0; tries < 300 && (await read()).COLD_GStep < 3; ++tries) await new Promise((on) => setTimeout(on, 50));
+    const read = async () => (await call("read_variables", { VarName: ["COLD_GStep", "COLD_MOD14_Head", "COLD_No"] })).json as Record<string, unknown>;
+    for (let tries = 0; tries < 300 && Number((await read()).COLD_GStep) < 3; ++tries) await new Promise((on) => setTimeout(on, 50));
     assert.deepEqual(await read(), {
         COLD_GStep: 3, COLD_MOD14_Head: 12, COLD_No: { failure: "none varname 找不到变量名称", meaning: "There is no variable of this name." },
     });
