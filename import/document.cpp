@@ -104,13 +104,18 @@ bool ReadConnection(const JsonValue& object, ConnectionEntry& connection) {
     return fits;
 }
 
+/// Entries of a list at most: over a hundred times what a project has room for. A record takes some hundred
+/// times the memory of the shortest entry's text, so that without a bound one request could take it all.
+constexpr rapidjson::SizeType EntryLimit = 1'000'000;
+
 /// Reads an array of objects into a list, a record for each element; an element that is no object leaves a
-/// blank record. False when a text is too long.
+/// blank record. False when the array or a text is too long.
 template <typename Entry>
 bool ReadList(const JsonValue& root, const char* name, bool (*read)(const JsonValue&, Entry&),
               std::vector<Entry>& list) {
     const auto member = root.FindMember(name);
     if (member == root.MemberEnd() || !member->value.IsArray()) return true;
+    if (member->value.Size() > EntryLimit) return false;
     list.assign(member->value.Size(), Entry());
     auto* entry = list.data();
     for (const JsonValue& element : member->value.GetArray()) {

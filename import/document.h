@@ -9,7 +9,8 @@ namespace vorn {
 /// describes, stores the project and waits 300 ms. Gives a constant text:
 /// - "OK" when the document was taken in, whatever of it could not be placed or tied;
 /// - "project is runing" when the project is started;
-/// - "Shibai" when `text` is no JSON object, or when a text of a device or connection is over 37 bytes.
+/// - "Shibai" when `text` is no JSON object, when a text of a device or connection is over 37 bytes, or when
+///   either list has over 1,000,000 entries.
 /// With the last two the project stays as it was. The dispatcher's lock is held, the wait included.
 const char* ProjectDocumentImport(int pjtnb, const char* text);
 

@@ -217,10 +217,15 @@ TEST_F(ImportTest, RefusesBeforeItTouchesTheProject) {
         const std::string entry = "{\"" + field + "\":\"" + fits + "x\"}";
         refused.push_back(Document(entry, entry));
     }
+    std::string entries = "0";
+    for (int entry = 0; entry < 1'000'000; ++entry) entries += ",0";
+    refused.push_back(Document(entries));
+    refused.push_back(Document("", entries));
     for (const std::string& document : refused) {
         standin::TraceStart();
-        EXPECT_EQ(Send("PjtSent", "P", document), "Shibai") << document;
-        EXPECT_EQ(standin::TraceStop(), (Lines{R"(NameParsing_ModNod("P"))", "PjtStartGet(0)"})) << document;
+        EXPECT_EQ(Send("PjtSent", "P", document), "Shibai") << document.substr(0, 99);
+        EXPECT_EQ(standin::TraceStop(), (Lines{R"(NameParsing_ModNod("P"))", "PjtStartGet(0)"}))
+            << document.substr(0, 99);
     }
     EXPECT_EQ(Project().links.rows.size(), 2U);
     EXPECT_EQ(Send("PjtSent", "P", Document(R"({"DeviceID":3000,"InstanceID":")" + fits + "\"}")), "OK");

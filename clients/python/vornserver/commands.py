@@ -338,7 +338,7 @@ class ProjectCommands(Caller):
         Writes one row of the table of items of a module or node. A row that the table does not have writes nothing.
 
         row: The row of the table, from 0.
-        value: The value as text, at most 255 bytes. The empty text writes 0.
+        value: The value as text, at most 255 bytes. The empty text writes 0. In bytes of UTF-8.
         """
         self.call("RunValueSet", f"{self.name}_{element}", {"Row": row, "Value": text_of(value)})
 
@@ -357,7 +357,7 @@ class ProjectCommands(Caller):
 
         column: 1 for cache set 0, 2 for set 1, 3 for set 2.
         row: The row of the table, from 0.
-        value: The value as text, at most 255 bytes. The empty text writes 0.
+        value: The value as text, at most 255 bytes. The empty text writes 0. In bytes of UTF-8.
         """
         self.call("VarCacheSet", f"{self.name}_{element}", {"Row": row, "Column": column, "Value": text_of(value)})
 
@@ -377,7 +377,7 @@ class ProjectCommands(Caller):
 
         column: The engine's column: 1 run, 2 to 4 the cache sets 0 to 2.
         row: The row of the table, from 0.
-        value: The value as text, at most 255 bytes. The empty text writes 0.
+        value: The value as text, at most 255 bytes. The empty text writes 0. In bytes of UTF-8.
         """
         self.call("VarValueSet", f"{self.name}_{element}", {"Row": row, "Column": column, "Value": text_of(value)})
 
