@@ -13,7 +13,7 @@ packages=(g++ cmake ninja-build pkg-config curl python3 socat locales
 # The console's page is built with Node, from wherever it came, and tested in a browser.
 command -v npm >/dev/null || packages+=(nodejs npm)
 [ "${1:-}" = --full ] && packages+=(chromium fonts-noto-cjk)
-[ "${1:-}" = --full ] && packages+=(haproxy openssl mmdebstrap lintian iproute2)
+[ "${1:-}" = --full ] && packages+=(haproxy openssl mmdebstrap lintian iproute2 mono-mcs mono-runtime)
 
 if ! command -v apt-get >/dev/null; then
     say "no apt on this system: make sure that these Debian packages' likes are installed: ${packages[*]}"
