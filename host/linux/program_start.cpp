@@ -1,9 +1,27 @@
 #include "host/program_start.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <clocale>
 #include <cstdlib>
 
+namespace {
+
+/// Where whoever started the program closed a standard stream, the next socket or file would take its number,
+/// and lines for people would go into it. Opened for reading alone: what is written there fails as before.
+void StandardStreamsFill() {
+    int descriptor = -1;
+    do {
+        descriptor = open("/dev/null", O_RDONLY);
+    } while (descriptor >= 0 && descriptor <= STDERR_FILENO);
+    if (descriptor >= 0) close(descriptor);
+}
+
+}  // namespace
+
 char** ProgramStart(char** arguments) {
+    StandardStreamsFill();
     // The system's code page is the one of the user's language; numbers keep their decimal point.
     std::setlocale(LC_CTYPE, "");
     return arguments;

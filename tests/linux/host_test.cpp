@@ -4,12 +4,14 @@
 #include <netinet/in.h>
 #include <poll.h>
 #include <signal.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <termios.h>
 #include <unistd.h>
 
 #include <array>
 #include <filesystem>
+#include <fstream>
 #include <thread>
 
 #include "host/listening_ports.h"
@@ -97,6 +99,11 @@ TEST(HostThreadsTest, AnswersAndEndsThoughNobodyReadsWhatItPrints) {
         Ask(host, "Create", "P");
         const string name = "P_" + string(20000, 'x');
         for (int request = 0; request < 100; ++request) ASSERT_EQ(Ask(host, "Get", name), NoVariable);
+        // What the engine says is not read either.
+        ASSERT_EQ(Ask(host, "PjtSent", "P", "{}"), "OK");
+        std::ofstream(std::filesystem::path(host.Program()).parent_path() / "../AlgProject/P/P.json") << "x";
+        ASSERT_EQ(Ask(host, "Put", "P", "Remove"), "OK");
+        ASSERT_EQ(Ask(host, "Put", "P", "Run"), "找不到项目");
         kill(static_cast<pid_t>(host.Number()), signal);
         EXPECT_EQ(host.End(), 0) << signal;
     }
@@ -115,6 +122,26 @@ TEST(HostThreadsTest, PrintsTheLastExchangesAtItsEnd) {
         EXPECT_TRUE(host.WaitFor("VornServer has ended.").empty());
         EXPECT_TRUE(host.Output().ends_with("\nVornServer has ended.\n")) << host.Output();
     }
+}
+
+TEST(HostThreadsTest, KeepsToWhatItsStarterIgnoresClosedAndBounds) {
+    constexpr int Ignored[] = {SIGHUP, SIGINT};
+    for (const int each : Ignored) signal(each, SIG_IGN);
+    const string program = ProgramBeside("vorn-host").string();
+    HostProcess host({"-c", "exec '" + program + "' --quiet <&- 2>&-"}, "/bin/sh");
+    for (const int each : Ignored) signal(each, SIG_DFL);
+    const auto process = static_cast<pid_t>(host.Number());
+    for (const int each : Ignored) kill(process, each);
+    const rlimit small{.rlim_cur = 20, .rlim_max = RLIM_INFINITY};
+    ASSERT_EQ(prlimit(process, RLIMIT_FSIZE, &small, nullptr), 0);
+    EXPECT_EQ(Ask(host, "Create", "P"), "OK");
+    EXPECT_EQ(Ask(host, "PjtSent", "P", "{}"), "OK");
+    EXPECT_EQ(Ask(host, "Fdp", "P"), "1");
+    for (const char* stream : {"0", "2"}) {
+        const string link = "/proc/" + std::to_string(process) + "/fd/" + stream;
+        EXPECT_EQ(std::filesystem::read_symlink(link), "/dev/null");
+    }
+    EXPECT_EQ(host.End(), 0);
 }
 
 TEST(HostThreadsTest, TracesTextsOfClientsOnOneLineAndHarmless) {
