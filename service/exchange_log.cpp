@@ -74,10 +74,10 @@ bool AppendOrLeave(std::string& text, Append append) {
 }
 
 const char* Drain(LogSide& side) {
+    std::string().swap(side.out);  // what was handed out may have taken much room
     {
         const std::lock_guard guard(side.lock);
         side.out.swap(side.text);
-        side.text.clear();
     }
     if (side.out.ends_with('\n')) side.out.pop_back();
     if (side.out.ends_with('\r')) side.out.pop_back();

@@ -120,7 +120,7 @@ void PipeReply(std::string text) {
 }
 
 void PipeServeClient() {
-    std::size_t usedBytes = PipeRequestBytesAtMost;  // when there was not memory enough
+    std::size_t usedBytes = LargeBytes;  // when there was not memory enough
     try {
         usedBytes = ConnectNamedPipe(PipeHandle) ? PipeServeRequest() : 0;
     } catch (const std::exception&) {

@@ -3,7 +3,6 @@
 
 #include "standin/drawing.h"
 
-#include <cstdio>
 #include <functional>
 #include <future>
 #include <string>
@@ -12,6 +11,7 @@
 #include "engine/vorn_chart_cache.h"
 #include "engine/vorn_core.h"
 #include "platform/file_text.h"
+#include "standin/notice.h"
 #include "standin/project_folder.h"
 #include "standin/trace.h"
 
@@ -45,7 +45,7 @@ void DrawFile(const std::string& name, const char* ending, Draw* draw) {
     std::error_code fault;
     if (path.empty()) return;
     if (vorn::FolderMake(ProjectFolder(name), fault) && vorn::FileReplace(path, svg, fault)) return;
-    std::fprintf(stderr, "drawing: %s: %s\n", path.c_str(), fault.message().c_str());
+    Notice("drawing: " + path + ": " + fault.message());
 }
 
 /// Draws on a thread of its own, behind the drawing before; where no thread can be made, here.

@@ -1,11 +1,11 @@
 #include "standin/project_lock.h"
 
 #include <array>
-#include <cstdio>
 #include <string>
 #include <utility>
 
 #include "platform/file_lock.h"
+#include "standin/notice.h"
 #include "standin/project.h"
 #include "standin/project_folder.h"
 
@@ -33,7 +33,7 @@ std::string& LastTold() {
 void TellHeld(std::string_view name, const std::string& holder) {
     std::string line = "store: " + std::string(name) + " is open in another server";
     if (!holder.empty()) line += ", " + holder;
-    if (line != LastTold()) std::fprintf(stderr, "%s\n", line.c_str());
+    if (line != LastTold()) Notice(line);
     LastTold() = std::move(line);
 }
 

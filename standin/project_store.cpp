@@ -2,7 +2,6 @@
 
 #include <charconv>
 #include <cstdint>
-#include <cstdio>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -10,6 +9,7 @@
 
 #include "engine/vorn_core.h"
 #include "platform/file_text.h"
+#include "standin/notice.h"
 #include "standin/project_folder.h"
 #include "standin/project_json.h"
 #include "standin/project_lock.h"
@@ -33,8 +33,7 @@ constexpr std::size_t SumDigits = 16;
 constexpr std::size_t StoredBytesLimit = std::size_t{512} << 20;
 
 void Report(string_view name, const std::string& what) {
-    const std::string line = "project store: " + std::string(name) + ": " + what + "\n";
-    std::fputs(line.c_str(), stderr);
+    Notice("project store: " + std::string(name) + ": " + what);
 }
 
 /// The reason in the system's own words, and the file that it is about.

@@ -2,11 +2,12 @@
 
 #include <chrono>
 #include <condition_variable>
-#include <cstdio>
+#include <string>
 #include <system_error>
 #include <thread>
 
 #include "standin/control.h"
+#include "standin/notice.h"
 #include "standin/plant/step.h"
 
 namespace standin {
@@ -110,7 +111,7 @@ void SimulationWake() {
             threadRuns = true;
         } catch (const std::system_error& fault) {
             // The next call tries again.
-            std::fprintf(stderr, "simulation: no thread can be made: %s\n", fault.what());
+            Notice(std::string("simulation: no thread can be made: ") + fault.what());
         }
     }
 }

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <bit>
-#include <cstdio>
 
+#include "standin/notice.h"
 #include "standin/plant/plant.h"
 #include "standin/plant/project_values.h"
 
@@ -148,11 +148,9 @@ bool PlantStep(int slot, double seconds) {
     WriteDevices(*project, layout, inputs, outputs);
     WriteNodes(*project, layout, outputs);
     ProjectValuesWrite(*project, layout, outputs, seconds);
-    const std::string name = project->name;
+    const std::string beginning = std::string("plant: ") + project->name + ": ";
     lock.unlock();
-    for (const std::string& fault : outputs.faults) {
-        std::fprintf(stderr, "plant: %s: %s\n", name.c_str(), fault.c_str());
-    }
+    for (const std::string& fault : outputs.faults) Notice(beginning + fault);
     return true;
 }
 

@@ -17,8 +17,8 @@ TEST_F(StoreTest, TellsWhyItCannotReadOrWrite) {
     testing::internal::CaptureStderr();
     rlimit before{};
     getrlimit(RLIMIT_NOFILE, &before);
-    const rlimit none{.rlim_cur = 0, .rlim_max = before.rlim_max};
-    setrlimit(RLIMIT_NOFILE, &none);
+    const rlimit standard{.rlim_cur = 3, .rlim_max = before.rlim_max};
+    setrlimit(RLIMIT_NOFILE, &standard);
     EXPECT_FALSE(StoreRead(*ProjectFind(0)) || StoreWrite(*ProjectFind(0)));
     setrlimit(RLIMIT_NOFILE, &before);
     EXPECT_EQ(testing::internal::GetCapturedStderr(),
