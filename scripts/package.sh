@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
 # Makes the Debian packages and the archive that runs from any folder: build/package/packages and
-# build/release/packages. Their checksums stand beside them.
+# build/release/packages. With `windows` the archive for Windows instead, of what scripts/windows.sh has built:
+# build/windows/packages. Their checksums stand beside them.
 set -euo pipefail
 . "$(dirname "$0")/lib.sh"
 
 cd "$repository"
-scripts/setup.sh
 # make PRESET GENERATOR: the packages of one build.
 make() {
     rm -rf "build/$1/packages"
@@ -13,6 +13,15 @@ make() {
     (cd "build/$1" && cpack -G "$2" >cpack.log) || fail "the packages of $1: build/$1/cpack.log"
     (cd "build/$1/packages" && rm -rf _CPack_Packages && sha256sum ./* >SHA256SUMS && ls -l)
 }
+case "${1:-}" in
+    "") scripts/setup.sh ;;
+    windows)
+        say "an archive for Windows"
+        make windows ZIP
+        exit 0
+        ;;
+    *) fail "usage: scripts/package.sh [windows]" ;;
+esac
 say "packages for Debian"
 make package DEB
 say "an archive"

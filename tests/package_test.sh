@@ -80,4 +80,5 @@ fi
 # shown PAGE LANGUAGE: the page's listing in that language.
 shown() { sed -n "/^\`\`\`$2\$/,/^\`\`\`\$/p" "$repository/$1" | sed '1d;$d'; }
 diff <(shown README.md cpp) "$repository/examples/hosts/host.cpp" || fail "README.md shows another host"
+diff <(shown docs/windows.md csharp) "$repository/examples/hosts/Host.cs" || fail "docs/windows.md shows another host"
 echo "the package is found, and works"
