@@ -8,6 +8,7 @@
 #include <system_error>
 
 #include "engine/vorn_core.h"
+#include "platform/file_path.h"
 #include "platform/file_text.h"
 #include "standin/notice.h"
 #include "standin/project_folder.h"
@@ -79,7 +80,7 @@ std::string PathOf(string_view name) {
 
 bool Exists(const std::string& path) {
     std::error_code error;
-    return fs::symlink_status(path, error).type() != fs::file_type::not_found;
+    return fs::symlink_status(vorn::FilePath(path), error).type() != fs::file_type::not_found;
 }
 
 /// What tells a file that was read or written from one that somebody put there since; none where there is no
@@ -87,9 +88,10 @@ bool Exists(const std::string& path) {
 std::optional<StoredFile> FactsOf(const std::string& path) {
     std::error_code error;
     StoredFile facts;
-    facts.bytes = fs::file_size(path, error);
+    const fs::path file = vorn::FilePath(path);
+    facts.bytes = fs::file_size(file, error);
     if (error) return std::nullopt;
-    facts.written = fs::last_write_time(path, error);
+    facts.written = fs::last_write_time(file, error);
     return error ? std::nullopt : std::optional(facts);
 }
 
@@ -119,7 +121,7 @@ std::string KeepAside(string_view name, std::error_code& fault) {
     do {
         aside = ProjectFile(name, ".damaged." + std::to_string(number++));
     } while (Exists(aside));
-    fs::create_hard_link(PathOf(name), aside, fault);
+    fs::create_hard_link(vorn::FilePath(PathOf(name)), vorn::FilePath(aside), fault);
     return fault ? std::string() : aside;
 }
 
@@ -145,8 +147,8 @@ bool Replace(const Project& project, const std::string& path, const std::string&
     const bool replaced = vorn::FileReplace(path, text, fault);
     std::error_code error;
     // A name that the file still bears beside its own is not needed.
-    if (!aside.empty() && fs::equivalent(aside, path, error)) {
-        fs::remove(aside, error);
+    if (!aside.empty() && fs::equivalent(vorn::FilePath(aside), vorn::FilePath(path), error)) {
+        fs::remove(vorn::FilePath(aside), error);
     } else if (!aside.empty()) {
         Report(project.name, "the damaged file is kept as " + aside);
     }

@@ -2,7 +2,7 @@
 
 #include <windows.h>
 
-#include "platform/windows/full_path.h"
+#include "platform/file_path.h"
 #include "platform/windows/wide_text.h"
 
 namespace vorn {
@@ -12,7 +12,7 @@ namespace {
 constexpr DWORD HolderBytesAtMost = 256;
 
 /// What the holder wrote: others may read the file while it is held, and nothing else.
-std::string HolderRead(const std::wstring& path) {
+std::string HolderRead(const std::filesystem::path& path) {
     const HANDLE file =
         ::CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                       nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
@@ -27,14 +27,14 @@ std::string HolderRead(const std::wstring& path) {
 }  // namespace
 
 LockResult FileLock::Take(const std::string& path, std::string_view owner, std::string& holder) {
-    const std::wstring wide = FullPath(path);
+    const std::filesystem::path full = FilePath(path);
     // Nobody else may open it to write, and the system removes it with its only handle.
     const HANDLE file =
-        ::CreateFileW(wide.c_str(), GENERIC_WRITE | DELETE, FILE_SHARE_READ, nullptr, CREATE_ALWAYS,
+        ::CreateFileW(full.c_str(), GENERIC_WRITE | DELETE, FILE_SHARE_READ, nullptr, CREATE_ALWAYS,
                       FILE_ATTRIBUTE_NORMAL | FILE_FLAG_DELETE_ON_CLOSE, nullptr);
     if (file == INVALID_HANDLE_VALUE) {
         if (GetLastError() != ERROR_SHARING_VIOLATION) return LockResult::Impossible;
-        holder = HolderRead(wide);
+        holder = HolderRead(full);
         return LockResult::Held;
     }
     DWORD written = 0;

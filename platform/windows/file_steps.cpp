@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "platform/windows/full_path.h"
+#include "platform/file_path.h"
 #include "platform/windows/wide_text.h"
 
 namespace vorn {
@@ -25,13 +25,13 @@ HANDLE HandleOf(FileNumber file) {
     return reinterpret_cast<HANDLE>(file);
 }
 
-bool IsFolder(const std::wstring& path) {
+bool IsFolder(const std::filesystem::path& path) {
     const DWORD attributes = GetFileAttributesW(path.c_str());
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
 }
 
 bool MakeFolder(const std::string& path, bool& made, std::error_code& fault) {
-    const std::wstring full = FullPath(path);
+    const std::filesystem::path full = FilePath(path);
     made = CreateDirectoryW(full.c_str(), nullptr) != FALSE;
     const DWORD reason = GetLastError();
     if (made || (reason == ERROR_ALREADY_EXISTS && IsFolder(full))) return true;
@@ -42,9 +42,7 @@ bool MakeFolder(const std::string& path, bool& made, std::error_code& fault) {
 std::vector<std::string> Names(const std::string& path) {
     std::vector<std::string> names;
     WIN32_FIND_DATAW found{};
-    std::wstring pattern = FullPath(path);
-    if (!pattern.ends_with(L'\\')) pattern += L'\\';
-    const HANDLE search = FindFirstFileW((pattern + L'*').c_str(), &found);
+    const HANDLE search = FindFirstFileW((FilePath(path) / L"*").c_str(), &found);
     if (search == INVALID_HANDLE_VALUE) return names;
     do {
         names.push_back(NarrowFromWide(found.cFileName, CP_UTF8));
@@ -54,7 +52,7 @@ std::vector<std::string> Names(const std::string& path) {
 }
 
 FileNumber Make(const std::string& path, std::error_code& fault) {
-    const HANDLE file = CreateFileW(FullPath(path).c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
+    const HANDLE file = CreateFileW(FilePath(path).c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
                                     FILE_FLAG_WRITE_THROUGH, nullptr);
     Worked(file != INVALID_HANDLE_VALUE, fault);
     return reinterpret_cast<FileNumber>(file);
@@ -77,8 +75,8 @@ void Close(FileNumber file) {
 
 bool Rename(const std::string& from, const std::string& to, std::error_code& fault) {
     constexpr DWORD Flags = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
-    const std::wstring fresh = FullPath(from);
-    const std::wstring path = FullPath(to);
+    const std::filesystem::path fresh = FilePath(from);
+    const std::filesystem::path path = FilePath(to);
     for (int attempt = 1;; ++attempt) {
         if (MoveFileExW(fresh.c_str(), path.c_str(), Flags)) return true;
         const DWORD reason = GetLastError();
@@ -97,7 +95,7 @@ bool FlushFolder(const std::string& /*path*/, std::error_code& /*fault*/) {
 }
 
 void Remove(const std::string& path) {
-    DeleteFileW(FullPath(path).c_str());
+    DeleteFileW(FilePath(path).c_str());
 }
 
 }  // namespace

@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "platform/windows/full_path.h"
+#include "platform/file_path.h"
 
 namespace vorn {
 
@@ -12,11 +12,11 @@ namespace {
 
 constexpr DWORD ShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
-/// An open file, closed at the end of its scope.
+/// A file that is open to be read, closed at the end of its scope.
 class FileHandle {
   public:
-    FileHandle(const std::wstring& path, DWORD access, DWORD share, DWORD disposition, DWORD flags)
-        : handle_(::CreateFileW(path.c_str(), access, share, nullptr, disposition, flags, nullptr)) {}
+    explicit FileHandle(const std::filesystem::path& path)
+        : handle_(::CreateFileW(path.c_str(), GENERIC_READ, ShareAll, nullptr, OPEN_EXISTING, 0, nullptr)) {}
     ~FileHandle() {
         if (handle_ != INVALID_HANDLE_VALUE) ::CloseHandle(handle_);
     }
@@ -62,7 +62,7 @@ bool ReadWhole(const FileHandle& file, std::size_t limit, std::string& content) 
 bool FileRead(const std::string& path, std::size_t limit, std::string& content, std::error_code& fault) {
     content.clear();
     fault.clear();
-    const FileHandle file(FullPath(path), GENERIC_READ, ShareAll, OPEN_EXISTING, 0);
+    const FileHandle file(FilePath(path));
     if (ReadWhole(file, limit, content)) return true;
     fault.assign(static_cast<int>(GetLastError()), std::system_category());
     content.clear();

@@ -6,6 +6,8 @@
 #include <random>
 #include <string>
 
+#include "platform/file_path.h"
+
 /// A new folder; gone at the object's end with all that it holds.
 class TemporaryFolder {
   public:
@@ -17,7 +19,8 @@ class TemporaryFolder {
     }
     ~TemporaryFolder() {
         std::error_code ignored;
-        std::filesystem::remove_all(path_, ignored);
+        const std::u8string path = path_.u8string();
+        std::filesystem::remove_all(vorn::FilePath({path.begin(), path.end()}), ignored);
     }
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;

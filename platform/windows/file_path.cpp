@@ -1,12 +1,10 @@
-#include "platform/windows/full_path.h"
-
-#include <filesystem>
+#include "platform/file_path.h"
 
 #include "platform/windows/wide_text.h"
 
 namespace vorn {
 
-std::wstring FullPath(const std::string& path) {
+std::filesystem::path FilePath(const std::string& path) {
     std::error_code error;
     const std::filesystem::path folder = std::filesystem::current_path(error);
     const std::wstring full = (folder / WideFromUtf8(path)).lexically_normal().make_preferred().wstring();
