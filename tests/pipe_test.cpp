@@ -113,6 +113,7 @@ TEST_F(PipeThreadsTest, LetsGoOfClientsThatHoldItUp) {
     std::thread server([] {
         EXPECT_TRUE(vorn::ConnectNamedPipe(vorn::PipeHandle));
         vorn::PipeReply(Pattern(3 << 20));
+        vorn::DisconnectNamedPipe(vorn::PipeHandle);
         vorn::PipeServeClient();
     });
     const RawClient neverReads(name_);

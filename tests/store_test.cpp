@@ -7,6 +7,7 @@
 #include <tuple>
 
 #include "engine/vorn_core.h"
+#include "standin/project_lock.h"
 #include "standin/project_store.h"
 #include "tests/support/file_faults.h"
 #include "tests/support/peer.h"
@@ -202,6 +203,7 @@ TEST_F(StoreTest, IsTheOldOrTheNewProjectWhicheverStepFails) {
             for (bool met = true; met; ++step) {
                 SCOPED_TRACE(std::string(reason) + " at step " + std::to_string(step));
                 Project& project = *ProjectFind(0);
+                ProjectLockRelease(0);  // a file that is held may not be removed
                 fs::remove_all(Folder(""));
                 ProjectEmpty(project);
                 EXPECT_TRUE(before != Before::AProject || StoreWrite(project));

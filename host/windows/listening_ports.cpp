@@ -26,8 +26,10 @@ std::vector<int> ListeningPorts(int first, int last) {
         std::memcpy(&row, table.data() + offsetof(MIB_TCPTABLE_OWNER_PID, table) + index * sizeof row,
                     sizeof row);
         const int port = ntohs(static_cast<u_short>(row.dwLocalPort));
-        const bool own = row.dwOwningPid == GetCurrentProcessId() && row.dwLocalAddr == INADDR_ANY;
-        if (own && port >= first && port <= last) ports.push_back(port);
+        // Wine knows no owner.
+        const bool own = row.dwOwningPid == GetCurrentProcessId() || row.dwOwningPid == 0;
+        const bool everywhere = row.dwLocalAddr == INADDR_ANY;
+        if (own && everywhere && port >= first && port <= last) ports.push_back(port);
     }
     return ports;
 }
