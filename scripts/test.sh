@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds, and runs all tests. With --full also the sanitizer runs, the format check, the
-# lint check and a while of fuzzing.
+# Installs what is missing, builds, and runs all tests. With --full also the format and lint checks, the tests for
+# Windows, the sanitizer runs, a while of fuzzing and what is installed and deployed.
 set -euo pipefail
 . "$(dirname "$0")/lib.sh"
 
@@ -43,6 +43,7 @@ if [ "$full" = yes ]; then
     else
         say "tool server: types and style not checked: npm could not fetch the tools"
     fi
+    scripts/windows.sh || exit 1
     run_preset asan
     # Under ThreadSanitizer only the tests with threads are worth their time.
     run_preset tsan -R Threads

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Builds the library for Windows on a Debian machine.
+# Builds everything for Windows on a Debian machine and runs the tests of the preset under Wine.
 set -euo pipefail
 . "$(dirname "$0")/lib.sh"
 
@@ -46,6 +46,46 @@ $(cat cmake/windows_libraries/CMakeLists.txt cmake/mingw-w64.cmake)"
     printf '%s\n' "$stamp" >"$libraries/stamp"
 }
 
+# A Windows of the repository's own, and the locale that gives it a Chinese code page; made once for a version of Wine.
+wine_make() {
+    local stamp=build/windows-wine/stamp version port
+    version=$(dpkg-query -W wine64 locales)
+    [ "$(cat "$stamp" 2>/dev/null)" = "$version" ] && return
+    rm -rf build/windows-wine build/windows-locale
+    mkdir -p build/windows-locale
+    localedef -i zh_CN -f UTF-8 build/windows-locale/zh_CN.UTF-8 || return
+    scripts/wine wineboot --init || return
+    for port in COM20 COM21; do
+        scripts/wine reg add 'HKLM\Software\Wine\Ports' /v "$port" /d "$repository/build/windows-ports/$port" /f || return
+    done
+    # The ports are looked for at the start.
+    scripts/wine --end
+    printf '%s\n' "$version" >"$stamp"
+}
+
+# A null modem between the two ports, until the script ends.
+ports_start() {
+    mkdir -p build/windows-ports
+    rm -f build/windows-ports/*
+    socat pty,rawer,link=build/windows-ports/COM20 pty,rawer,link=build/windows-ports/COM21 &
+    modem=$!
+    while [ ! -e build/windows-ports/COM21 ]; do kill -0 "$modem" && sleep 0.1 || return; done
+    export VORN_TEST_PORTS=COM20,COM21
+}
+
+end() {
+    scripts/wine --end || true
+    [ -z "$modem" ] || kill "$modem"
+}
+
 scripts/setup.sh --windows
 libraries_make || fail "the libraries for Windows"
-scripts/build.sh windows VornServer
+scripts/build.sh windows || exit 1
+modem=
+trap end EXIT
+say "a Windows for the tests"
+wine_make >build/windows-wine.log 2>&1 || { cat build/windows-wine.log && fail "a Windows for the tests"; }
+ports_start || fail "serial ports for the tests"
+say "tests: windows"
+ctest --preset windows --parallel "$(nproc)" || fail "the tests of windows"
+say "windows: all passed"
