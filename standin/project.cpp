@@ -71,9 +71,10 @@ void Place(Element& element, int page, int x, int z, std::span<const std::string
 
 void Identify(Element* element, IdentityIndex& index, int number, std::string_view text) {
     if (element == nullptr) return;
-    index.Remove(element->instanceId, number);
-    element->instanceId = vorn::TextCut(text, IdentityBytes - 1);
-    index.Add(element->instanceId, number);
+    std::string id(vorn::TextCut(text, IdentityBytes - 1));
+    index.Add(id, number);
+    if (id != element->instanceId) index.Remove(element->instanceId, number);
+    element->instanceId = std::move(id);
 }
 
 }  // namespace
@@ -87,7 +88,8 @@ void IdentityIndex::Remove(const std::string& text, int number) {
 
 int IdentityIndex::Find(const std::string& text) const {
     const auto found = numbers_.find(text);
-    return found == numbers_.end() ? -1 : *found->second.begin();
+    // A set is empty where an addition ran out of memory.
+    return found == numbers_.end() || found->second.empty() ? -1 : *found->second.begin();
 }
 
 std::vector<ProjectVariable> StandardVariables() {
@@ -129,13 +131,14 @@ Project* ProjectMake(std::string_view name) {
     if (name.empty() || name.size() >= ProjectNameBytes || ProjectFind(name) != nullptr) return nullptr;
     for (Project& project : Slots()) {
         if (project.name[0] != '\0') continue;
-        if (!ProjectLockTake(SlotOf(project), name)) return nullptr;
         project = Project();
-        std::transform(name.begin(), name.end(), project.name, vorn::AsciiUpper);
         project.modules.capacity = CapacityOf(ModuleTable);
         project.nodes.capacity = CapacityOf(NodeTable);
         project.links.capacity = CapacityOf(LinkTable);
         project.variables = StandardVariables();
+        // Nothing behind the lock asks for memory.
+        if (!ProjectLockTake(SlotOf(project), name)) return nullptr;
+        std::transform(name.begin(), name.end(), project.name, vorn::AsciiUpper);
         return &project;
     }
     return nullptr;
@@ -174,10 +177,11 @@ void TypesPublish(const Project& project) {
 Module* ModuleAdd(Project& project, int number, int type, int page, int x, int z) {
     const ModuleType* moduleType = ModuleTypeFind(type);
     if (moduleType == nullptr) return nullptr;
-    Module* module = project.modules.Add(number);
+    Module made;
+    Place(made, page, x, z, moduleType->items);
+    made.type = type;
+    Module* module = project.modules.Add(number, std::move(made));
     if (module == nullptr) return nullptr;
-    Place(*module, page, x, z, moduleType->items);
-    module->type = type;
     project.structure = NextRevision();
     TypePublish(project, number, moduleType);
     return module;
@@ -185,20 +189,20 @@ Module* ModuleAdd(Project& project, int number, int type, int page, int x, int z
 
 Node* NodeAdd(Project& project, int number, int kind, int page, int x, int z) {
     if (kind < 0 || kind >= NodeKindCount) return nullptr;
-    Node* node = project.nodes.Add(number);
+    Node made;
+    Place(made, page, x, z, NodeItems());
+    made.kind = kind;
+    Node* node = project.nodes.Add(number, std::move(made));
     if (node == nullptr) return nullptr;
-    Place(*node, page, x, z, NodeItems());
-    node->kind = kind;
     project.structure = NextRevision();
     return node;
 }
 
 bool LinkAdd(Project& project, int number, const LinkSxCache& link) {
-    LinkSxCache* row = project.links.Add(number);
-    if (row == nullptr) return false;
-    *row = link;
-    row->InUse = true;
-    CountLink(project, *row, 1);
+    LinkSxCache made = link;
+    made.InUse = true;
+    if (project.links.Add(number, made) == nullptr) return false;
+    CountLink(project, made, 1);
     project.structure = NextRevision();
     return true;
 }

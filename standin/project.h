@@ -85,11 +85,14 @@ struct Table {
         while (Find(lowestVacant) != nullptr) ++lowestVacant;
         return lowestVacant < capacity ? lowestVacant : -1;
     }
-    /// A new row under a vacant number; null when the number is taken or beyond the capacity.
-    Row* Add(int number) {
+    /// Puts a row, ready and in use, under a vacant number, so that no half-made one is left where memory
+    /// runs out; null when the number is taken or beyond the capacity.
+    Row* Add(int number, Row row) {
         if (number < 0 || number >= capacity || Find(number) != nullptr) return nullptr;
         if (number >= static_cast<int>(rows.size())) rows.resize(static_cast<std::size_t>(number) + 1);
-        return &rows[static_cast<std::size_t>(number)];
+        Row& place = rows[static_cast<std::size_t>(number)];
+        place = std::move(row);
+        return &place;
     }
     void Remove(int number) {
         rows[static_cast<std::size_t>(number)] = Row();

@@ -42,12 +42,13 @@ void TellHeld(std::string_view name, const std::string& holder) {
 bool ProjectLockTake(int slot, std::string_view name) {
     const std::string path = ProjectLockFile(name);
     if (path.empty()) return true;
+    std::string& told = LastTold();
     std::string holder;
     if (LockOf(slot).Take(path, vorn::ProcessTitle(), holder) == vorn::LockResult::Held) {
         TellHeld(name, holder);
         return false;
     }
-    LastTold().clear();
+    told.clear();
     return true;
 }
 

@@ -2,6 +2,7 @@
 
 #include <charconv>
 #include <cstdint>
+#include <exception>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -217,7 +218,13 @@ int ProjectInfoRead(const char* name) {
     const std::lock_guard guard(EngineLock());
     Project* project = ProjectMake(name);
     if (project == nullptr) return 0;
-    if (StoreRead(*project)) return 1;
+    try {
+        if (StoreRead(*project)) return 1;
+    } catch (const std::exception&) {
+        // Out of memory: an empty project must not stand for the stored one.
+        ProjectFree(*project);
+        throw;
+    }
     ProjectFree(*project);
     return 0;
 }

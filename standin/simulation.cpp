@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <new>
 #include <string>
 #include <system_error>
 #include <thread>
@@ -41,13 +42,23 @@ bool AnyRunning() {
     return !SimulationKeptOff() && AnyProject(Running);
 }
 
+/// Where there is no memory for a step it is not made, and its time passes.
+bool Step(int slot) {
+    try {
+        return PlantStep(slot, StepSeconds);
+    } catch (const std::bad_alloc&) {
+        std::this_thread::sleep_for(StepTime);
+        return false;
+    }
+}
+
 /// A request that a change of the project made vain stays, and is answered the next time round.
 void StepRequested(std::unique_lock<std::mutex>& lock) {
     for (int slot = 0; slot < SlotCount; ++slot) {
         const Project* asked = ProjectFind(slot);
         if (SimulationKeptOff() || asked == nullptr || asked->stepRequests == 0) continue;
         lock.unlock();
-        const bool made = PlantStep(slot, StepSeconds);
+        const bool made = Step(slot);
         lock.lock();
         Project* project = ProjectFind(slot);
         if (made && project != nullptr && project->stepRequests > 0) --project->stepRequests;
@@ -59,7 +70,7 @@ void StepRunning(std::unique_lock<std::mutex>& lock) {
         const Project* project = ProjectFind(slot);
         if (SimulationKeptOff() || project == nullptr || !Running(*project)) continue;
         lock.unlock();
-        PlantStep(slot, StepSeconds);
+        Step(slot);
         lock.lock();
     }
 }

@@ -7,9 +7,12 @@
 #include "include/vorn_server.h"
 #include "service/pipe_message.h"
 #include "service/pipe_service.h"
+#include "standin/plant/step.h"
+#include "standin/simulation.h"
 #include "tests/support/failing_new.h"
 #include "tests/support/service_test.h"
 #include "tests/support/system.h"
+#include "tests/support/working_folder.h"
 
 namespace {
 
@@ -79,6 +82,76 @@ TEST_F(MemoryTest, LetsARequestFailAndNotTheDispatcher) {
             ExpectWholeLines);
     }
     EXPECT_EQ(reply, NoVariable);
+}
+
+/// A stored project P, opened again for each request: a tank, a pump, a pipe between them, and a node.
+class MemoryProjectTest : public MemoryTest {
+  protected:
+    MemoryProjectTest() {
+        standin::SimulationKeepOff(true);
+        Send("Create", "P");
+        EXPECT_EQ(Send("PjtSent", "P", Document), "OK");
+    }
+    /// What is there can be used, whatever it is, and what is stored is opened as it was.
+    static void ExpectWhole() {
+        for (const string element :
+             {"MOD0", "MOD1", "MOD2", "MOD3", "NOD0", "NOD1", "pipe 12345678901234567"})
+            for (const char* command : {"VarInfoGet", "VarCacheGet", "RunValueGet", "PreGet"})
+                Send(command, "P_" + element);
+        for (const char* command : {"PjtInfoChk", "ImportantGet", "PjtRunToCache"}) Send(command, "P");
+        standin::PlantStep(0, 0.1);
+        if (Send("Fdp", "STORED") == "1") ExpectPipe("STORED");
+        Send("Put", "", "Close");
+        EXPECT_EQ(Send("Open", "P"), "OK");
+        ExpectPipe("P");
+        Send("AddNode", "P", Fluid());
+    }
+    static void ExpectPipe(const string& project) {
+        EXPECT_TRUE(Send("RunValueGet", project + "_pipe 12345678901234567").starts_with(R"([{"Row":0,)"));
+    }
+    const string Document = R"({"DeviceInfo":[{"InstanceID":"tank","VornModuleID":26010100000000014},
+        {"InstanceID":"pump","VornModuleID":26010100000000011}],"ConnectionInfo":[{"StartPortID":"1",
+        "StartDeviceInstanceID":"tank","EndDeviceInstanceID":"pump","ConnectionID":"pipe 12345678901234567"}]})";
+
+  private:
+    WorkingFolder folder_;
+};
+
+TEST_F(MemoryProjectTest, LetsACommandFailAndNotTheProject) {
+    const string text(40, 't');
+    const struct {
+        string command, name, messages{};
+    } requests[] = {
+        {"AddModule", "P", Valve()},
+        {"AddNode", "P", Fluid()},
+        {"AddLink", "P", R"({"F_InstanceID":"NOD0","S_InstanceID":"NOD0"})"},
+        {"PjtSent", "P", Document},
+        {"VarValueSet", "P_MOD0", R"({"Column":1,"Value":")" + text + "\"}"},
+        {"Set", "P_MOD0_IM1_ARY", "1,2"},
+        {"ImportantSet", "P_MOD0", text},
+        {"PjtAddVar", "P", text},
+        {"LuaSent", "P", text},
+        {"PjtInfoChk", "P"},
+        {"Create", text},
+        {"Open", "STORED"},
+        {"Put", "STORED", "Run"},
+    };
+    Send("Create", "STORED");
+    Send("PjtSent", "STORED", Document);
+    ExpectWhole();
+    for (const auto& [command, name, messages] : requests) {
+        SCOPED_TRACE(command + ' ' + name);
+        FailEach([&] { Send(command, name, messages); }, ExpectWhole);
+    }
+    FailEach(
+        [] {
+            try {
+                standin::PlantStep(0, 0.1);
+            } catch (const std::bad_alloc&) {
+                // The simulation's thread goes on too.
+            }
+        },
+        ExpectWhole);
 }
 
 /// As `MemoryTest`, over a pipe.

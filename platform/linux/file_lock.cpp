@@ -36,6 +36,7 @@ bool OwnerWrite(int file, std::string_view owner) {
 }  // namespace
 
 LockResult FileLock::Take(const std::string& path, std::string_view owner, std::string& holder) {
+    path_ = path;
     for (;;) {
         const int file = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0666);
         if (file < 0) return LockResult::Impossible;
@@ -48,7 +49,6 @@ LockResult FileLock::Take(const std::string& path, std::string_view owner, std::
         if (StillNamed(file, path)) {
             OwnerWrite(file, owner);  // for people only: the lock holds without it
             handle_ = file;
-            path_ = path;
             return LockResult::Taken;
         }
         close(file);

@@ -1,5 +1,6 @@
 #include "platform/file_steps.h"
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <signal.h>
 #include <sys/stat.h>
@@ -7,8 +8,8 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <filesystem>
 #include <limits>
+#include <memory>
 
 namespace vorn {
 
@@ -30,13 +31,15 @@ bool MakeFolder(const std::string& path, bool& made, std::error_code& fault) {
     return Worked(folder, fault);
 }
 
+// The C++ library's walk over a folder would end the process where there is no memory.
 std::vector<std::string> Names(const std::string& path) {
+    struct Closing {
+        void operator()(DIR* folder) const { closedir(folder); }
+    };
     std::vector<std::string> names;
-    std::error_code error;
-    std::filesystem::directory_iterator entry(path, error);
-    for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
-        names.push_back(entry->path().filename().string());
-    }
+    const std::unique_ptr<DIR, Closing> folder(opendir(path.c_str()));
+    if (folder == nullptr) return names;
+    while (const dirent* entry = readdir(folder.get())) names.emplace_back(entry->d_name);
     return names;
 }
 

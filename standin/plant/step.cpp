@@ -129,6 +129,7 @@ bool PlantStep(int slot, double seconds) {
                project->run != kept->run;
     };
     if (kept->plant == nullptr || changed()) {
+        kept->plant.reset();  // none stands for the new structure before it is made of it
         kept->structure = project->structure;
         kept->run = project->run;
         const PlantRows rows = RowsOf(*project);
@@ -141,7 +142,10 @@ bool PlantStep(int slot, double seconds) {
     const PlantInputs inputs = InputsOf(*project, layout);
     lock.unlock();
 
-    const PlantOutputs outputs = kept->plant->Step(inputs, seconds);
+    // Kept again only behind the step: one that ran out of memory midway is made anew.
+    std::unique_ptr<Plant> plant = std::move(kept->plant);
+    const PlantOutputs outputs = plant->Step(inputs, seconds);
+    kept->plant = std::move(plant);
 
     lock.lock();
     if (changed()) return false;
