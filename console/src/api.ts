@@ -50,19 +50,22 @@ export async function askQuietly(command: string, name = "", messages: unknown =
 export async function ask(command: string, name = "", messages: unknown = ""): Promise<string> {
     const entry: Waiting = { command, name, since: Date.now() };
     waiting.value = [...waiting.value, entry];
+    // The log may tell of it before its reply is here.
+    const order = { command, until: Infinity };
+    ownOrders.push(order);
     try {
         return await askQuietly(command, name, messages);
     } finally {
-        ownOrders.push({ command, at: Date.now() });
+        order.until = Date.now() + 10000;
         waiting.value = waiting.value.filter((each) => each !== entry);
     }
 }
 
-const ownOrders: { command: string; at: number }[] = [];
+const ownOrders: { command: string; until: number }[] = [];
 
 /** True once for each command of this page's that the log shows: the others are other clients'. */
 export function wasOwn(command: string): boolean {
-    const place = ownOrders.findIndex((order) => order.command === command && Date.now() - order.at < 10000);
+    const place = ownOrders.findIndex((order) => order.command === command && Date.now() < order.until);
     if (place < 0) return false;
     ownOrders.splice(0, place + 1);
     return true;
