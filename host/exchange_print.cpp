@@ -13,8 +13,8 @@ bool FirstHalf(std::string_view line) {
     return line.ends_with(' ') && std::count(line.begin(), line.end(), ' ') == 2;
 }
 
-/// How the exchange begins with which the console fetches the values that it shows.
-constexpr std::string_view ConsolePoll = R"(Get json {"By":"console",)";
+/// How the console marks the messages of what it asks for itself, once a second and when it reads a plant.
+constexpr std::string_view ConsoleMark = R"( {"By":"console")";
 
 }  // namespace
 
@@ -28,7 +28,7 @@ std::string ExchangeLines::Take(std::string_view log) {
         half_.clear();
         if (!more && FirstHalf(line)) {
             half_ = std::move(line);
-        } else if (!line.starts_with(ConsolePoll)) {
+        } else if (line.find(ConsoleMark) == std::string::npos) {
             lines.append(mark_).append(vorn::Visible(line)) += '\n';
         }
         if (more) log.remove_prefix(end + 1);

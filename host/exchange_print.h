@@ -15,7 +15,7 @@ class ExchangeLines {
 
     /// The lines of a fetched text, each with its end. A fetch may fall between the two halves of an
     /// exchange: a last line that is a first half is held back and put before what is fetched next. What the
-    /// console reads once a second, marked as its own, is left out.
+    /// console asks for itself and marks so is left out.
     std::string Take(std::string_view log);
 
   private:

@@ -32,13 +32,38 @@ const commands = new Set(
 export const entries = signal<readonly Entry[]>([]);
 let next = 0;
 
-/** One line; null for one that goes on with the reply of the line before. */
+/** Stands for the command of an exchange whose beginning was cut off. */
+export const cut = "…";
+
+/** Commands whose messages or reply may have several lines. */
+const long = new Set(["PjtInfoChk", "NetAccess", "LuaSent", "PjtPngGet", "PjtChartGet", "PjtCerGet", "VarInfoGet", cut]);
+
+/** One line; null for one that begins no exchange. */
 export function lineRead(row: Row): Entry | null {
     const [, side, command = "", rest = ""] = /^(read {3}|write {2})([A-Za-z]+) (.*)$/s.exec(row.text) ?? [];
     if (side === undefined || !commands.has(command)) return null;
     const name = rest.startsWith("json ") ? (/"VarName":\["([^"]*)/.exec(rest)?.[1] ?? "") : rest;
     const project = (/^[A-Za-z0-9]{1,64}(?=[ _])/.exec(name)?.[0] ?? "").toUpperCase();
     return { number: row.number, time: row.time, write: side.startsWith("w"), command, rest, project, more: [] };
+}
+
+/**
+ * The entries with further lines. One that begins no exchange goes on with the last of its side, where that can have
+ * several lines; else the log was cut there, and what is left of the exchange stands for itself.
+ */
+export function linesTaken(before: readonly Entry[], rows: readonly Row[]): Entry[] {
+    const all = [...before];
+    for (const row of rows) {
+        const entry = lineRead(row);
+        const write = row.text.startsWith("w");
+        const place = all.findLastIndex((each) => each.write === write);
+        const last = all[place];
+        const text = row.text.replace(/^(read|write) +/, "");
+        if (entry) all.push(entry);
+        else if (last && long.has(last.command)) all[place] = { ...last, more: [...last.more, text].slice(-200) };
+        else all.push({ number: row.number, time: row.time, write, command: cut, rest: "", project: "", more: [text] });
+    }
+    return all;
 }
 
 /** Fetches what is new and gives its entries; none when the host does not answer. */
@@ -49,19 +74,7 @@ export async function logFetch(): Promise<readonly Entry[]> {
     // A host that was started again counts from the start.
     next = news.next < next ? 0 : news.next;
     if (news.lines.length === 0) return [];
-    const all = [...entries.value];
-    const fresh: Entry[] = [];
-    for (const row of news.lines) {
-        const entry = lineRead(row);
-        const last = all.at(-1);
-        if (entry) {
-            all.push(entry);
-            fresh.push(entry);
-        } else if (last) {
-            const text = row.text.replace(/^(read|write) +/, "");
-            all[all.length - 1] = { ...last, more: [...last.more, text].slice(-200) };
-        }
-    }
-    entries.value = all.slice(-kept);
+    const fresh = news.lines.flatMap((row) => lineRead(row) ?? []);
+    entries.value = linesTaken(entries.value, news.lines).slice(-kept);
     return fresh;
 }

@@ -2,7 +2,7 @@
 
 import { useComputed, useSignal } from "@preact/signals";
 import { useEffect, useRef } from "preact/hooks";
-import { entries, type Entry } from "./log";
+import { cut, entries, type Entry } from "./log";
 import { current } from "./state";
 import { t } from "./text";
 
@@ -19,7 +19,7 @@ function Line({ entry }: { entry: Entry }) {
         <li class={entry.write ? "write" : "read"}>
             <time>{clock(entry.time)}</time>
             <span class="side">{entry.write ? t("writes") : t("reads")}</span>
-            <b>{entry.command}</b>
+            <b title={entry.command === cut ? t("cutOff") : undefined}>{entry.command}</b>
             <span class="rest">
                 {entry.rest}
                 {entry.more.length > 0 && (

@@ -5,7 +5,7 @@ import { givenLayout, tidyLayout } from "./layout";
 import { plantOf } from "./plant";
 import { runState, runStateForget, runStateSet } from "./runstate";
 import {
-    current, known, layingOut, layout, layoutKind, marked, plant, selected, tell, unknownNames, values, verdict,
+    current, known, layingOut, layout, layoutKind, marked, plant, room, selected, tell, unknownNames, values, verdict,
 } from "./state";
 import { t } from "./text";
 import { elementNumbers, type Report, reportRead } from "./topology";
@@ -128,7 +128,7 @@ export async function show(name: string): Promise<void> {
 
 /** An element's number, out of the names of its variables; null where the engine tells none. */
 async function askNumber(project: string, id: string, prefix: string): Promise<number | null> {
-    const text = await askQuietly("VarInfoGet", `${project}_${id}`);
+    const text = await askQuietly("VarInfoGet", `${project}_${id}`, { By: "console" });
     const found = new RegExp(`"${project}_${prefix}(\\d+)_`).exec(text);
     return found ? Number(found[1]) : null;
 }
@@ -186,7 +186,7 @@ async function arrange(next: NonNullable<typeof plant.value>): Promise<void> {
     // A layout that takes long is not waited for.
     const timer = setTimeout(given, patience);
     try {
-        const tidy = await tidyLayout(next, Math.min(1.7, innerWidth / innerHeight));
+        const tidy = await tidyLayout(next, room);
         if (current.value !== next.name || turn !== loads) return;
         layout.value = tidy;
         plant.value = next;

@@ -3,6 +3,7 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
 import { infoRead } from "../src/elementinfo";
+import { linesTaken } from "../src/log";
 import { plantOf } from "../src/plant";
 import { elementNumbers, ownNumber, reportRead } from "../src/topology";
 import { verdictRead } from "../src/verdict";
@@ -78,4 +79,10 @@ test("an element's texts make one table, and unknown ones are shown as they are"
     assert.deepEqual(info.ports, [{ name: "P_MOD2_IM0_PRE", port: 0, item: "PRE" }]);
     assert.deepEqual(info.items, [{ row: 0, item: "Power", name: "P_MOD2_Power", run: "1.5", sets: ["1", "2", "–"] }]);
     assert.equal(infoRead("some text", "", "[]").plain, "some text\n[]");
+});
+
+test("further lines go to their own side's exchange, and to none where the log was cut", () => {
+    const texts = ["read   PjtInfoChk P {", "write  Set P_A 1 OK", 'read       "DeviceNb": 1', "read   Fdp P 1", "read       }", "read   x"];
+    const taken = linesTaken([], texts.map((text, number) => ({ number, time: 0, text })));
+    assert.deepEqual(taken.map(({ command, more }) => `${command} ${more.join("|")}`), ['PjtInfoChk "DeviceNb": 1', "Set ", "Fdp ", "… }|x"]);
 });
