@@ -5,8 +5,8 @@ import { useEffect, useRef } from "preact/hooks";
 import uPlot from "uplot";
 import { charted, chartToggle, lines, times } from "./chartdata";
 import { Icon } from "./icons";
-import { unitOf } from "./names";
-import { beat, current, follows, short, values } from "./state";
+import { spoken, unitOf } from "./names";
+import { beat, current, follows, plant, short, unknownNames, values } from "./state";
 import { t } from "./text";
 
 /** Left for the first unit, right for the others: numbers of an enumeration that exists only for the compiler. */
@@ -18,7 +18,9 @@ function colourOf(at: number): string {
     return getComputedStyle(document.documentElement).getPropertyValue(`--${colours[at % colours.length] ?? "ink"}`).trim();
 }
 
-const shortName = (name: string): string => name.slice(name.indexOf("_") + 1);
+const shortName = (name: string): string => spoken(name, plant.value, t);
+const clock = (seconds: number): string => new Date(seconds * 1000).toLocaleTimeString("en-GB");
+const narrow = matchMedia("(max-width: 760px)");
 
 function optionsOf(names: readonly string[], width: number, height: number): uPlot.Options {
     const style = getComputedStyle(document.documentElement);
@@ -31,8 +33,9 @@ function optionsOf(names: readonly string[], width: number, height: number): uPl
         cursor: { points: { size: 6 } },
         scales: { x: { time: true } },
         axes: [
-            { stroke: ink, grid, ticks: grid },
-            ...unitsOf.map((unit, at): uPlot.Axis => ({
+            { stroke: ink, grid, ticks: grid, values: (_, ticks) => ticks.map(clock), space: 80 },
+            // A narrow screen has room for one.
+            ...unitsOf.slice(0, narrow.matches ? 1 : 3).map((unit, at): uPlot.Axis => ({
                 scale: unit || "plain", side: at === 0 ? sides[0] : sides[1], stroke: ink, grid: at === 0 ? grid : { show: false },
                 ticks: grid, label: unit, labelSize: unit ? 18 : 0, size: 62,
             })),
@@ -88,7 +91,9 @@ function Lines() {
                 <li key={name}>
                     <span class={`swatch ${colours[at % colours.length] ?? ""}`} />
                     <span class="name" title={name}>{shortName(name)}</span>
-                    <b>{short(values.get(name))}</b> <small>{unitOf(name)}</small>
+                    {unknownNames.has(name)
+                        ? <small>{t("unknownVariable")}</small>
+                        : <><b>{short(values.get(name))}</b> <small>{unitOf(name)}</small></>}
                     <button type="button" class="tool small" aria-label={`${t("chartRemove")}: ${name}`} onClick={() => chartToggle(name)}>
                         <Icon name="close" size={12} />
                     </button>

@@ -3,6 +3,7 @@
 
 import { signal } from "@preact/signals";
 import { useEffect, useRef } from "preact/hooks";
+import { Icon } from "./icons";
 import { openProject, sendDocument } from "./project";
 import { current, plant } from "./state";
 import { t } from "./text";
@@ -22,6 +23,14 @@ export function askForDocument(): Promise<void> {
     field.addEventListener("change", () => void take(field.files?.[0]));
     field.click();
     return Promise.resolve();
+}
+
+export function ChooseButton() {
+    return (
+        <button type="button" class="action" onClick={() => void askForDocument()}>
+            <Icon name="send" /> {t("choose")}
+        </button>
+    );
 }
 
 /** A project name out of a file's. */

@@ -1,5 +1,6 @@
 // Where everything is drawn: by ELK in a worker, or at the positions that the document gives.
 
+import Flatbush from "flatbush";
 import ELK, { type ELK as Elk, type ElkExtendedEdge, type ElkNode } from "elkjs/lib/elk-api";
 import type { Element, End, Plant, Run } from "./plant";
 
@@ -18,6 +19,19 @@ export interface Layout {
     readonly height: number;
 }
 
+/** What the drawing has on the screen. */
+export interface Room {
+    readonly w: number;
+    readonly h: number;
+}
+
+/**
+ * Where a circuit is cut open to be drawn from left to right. Which way gives the largest drawing depends on the plant and
+ * the screen, so all are tried, as long as that is quick. The last is compact, but hard to follow: it must gain much.
+ */
+const openings = [["GREEDY", 1], ["GREEDY_MODEL_ORDER", 1], ["MODEL_ORDER", 0.65]] as const;
+const few = 400;
+
 const deviceSize = 56;
 const nodeSize = 14;
 const labelHeight = 38;
@@ -29,7 +43,7 @@ function sizeOf(shape: Element): { w: number; h: number } {
 }
 
 /** About the width of a label in the drawing's font. */
-function labelWidth(text: string): number {
+export function labelWidth(text: string): number {
     let width = 0;
     for (const letter of text) width += letter.charCodeAt(0) > 0x2e80 ? 12 : 6.6;
     return Math.min(width, 150);
@@ -48,8 +62,8 @@ function elkNode(shape: Element, ports: readonly string[]): ElkNode {
     return node;
 }
 
-function elkGraph(plant: Plant, aspect: number): ElkNode {
-    const large = plant.shapes.length > 400;
+function elkGraph(plant: Plant, room: Room, opening: string): ElkNode {
+    const large = plant.shapes.length > few;
     const ports = new Map<string, Set<string>>();
     for (const end of plant.runs.flatMap((run) => [run.from, run.to])) {
         if (portId(end) !== end.key) ports.set(end.key, (ports.get(end.key) ?? new Set()).add(portId(end)));
@@ -60,7 +74,7 @@ function elkGraph(plant: Plant, aspect: number): ElkNode {
             "elk.algorithm": "layered",
             "elk.direction": "RIGHT",
             "elk.edgeRouting": "ORTHOGONAL",
-            "elk.aspectRatio": String(aspect),
+            "elk.aspectRatio": String(Math.min(1.7, room.w / room.h)),
             "elk.spacing.nodeNode": "34",
             "elk.spacing.edgeNode": "22",
             "elk.spacing.edgeEdge": "16",
@@ -70,6 +84,7 @@ function elkGraph(plant: Plant, aspect: number): ElkNode {
             "elk.layered.spacing.edgeEdgeBetweenLayers": "16",
             "elk.layered.nodePlacement.strategy": large ? "BRANDES_KOEPF" : "NETWORK_SIMPLEX",
             "elk.layered.mergeEdges": "true",
+            "elk.layered.cycleBreaking.strategy": opening,
             "elk.layered.thoroughness": large ? "2" : "12",
         },
         children: plant.shapes.map((shape) => elkNode(shape, [...(ports.get(shape.key) ?? [])])),
@@ -104,8 +119,13 @@ function intoNodes(route: readonly number[], from: Box | undefined, to: Box | un
 const elk: Elk = new ELK({ workerFactory: () => new Worker("elk-worker.js") });
 
 /** Lays the plant out by its connections. Takes a while for a large one, in a thread of its own. */
-export async function tidyLayout(plant: Plant, aspect: number): Promise<Layout> {
-    const graph = await elk.layout(elkGraph(plant, aspect));
+export async function tidyLayout(plant: Plant, room: Room): Promise<Layout> {
+    const tried = openings.slice(0, plant.shapes.length > few ? 1 : openings.length);
+    const graphs = await Promise.all(tried.map(async ([opening, worth]) => {
+        const graph = await elk.layout(elkGraph(plant, room, opening));
+        return { graph, worth: worth * Math.min(room.w / (graph.width ?? 1), room.h / (graph.height ?? 1)) };
+    }));
+    const { graph } = graphs.reduce((best, each) => (each.worth > best.worth ? each : best));
     const boxes = new Map<string, Box>();
     for (const child of graph.children ?? []) {
         boxes.set(child.id, { x: child.x ?? 0, y: child.y ?? 0, w: child.width ?? 0, h: child.height ?? 0 });
@@ -149,6 +169,19 @@ function spread(shapes: readonly Element[]): Map<string, { x: number; z: number 
     return places;
 }
 
+/** What a unit of the document is on the drawing: so much that neighbours mostly have room for their names. */
+function stepOf(places: readonly { x: number; z: number }[]): number {
+    if (places.length < 2) return 1;
+    const index = new Flatbush(places.length);
+    for (const { x, z } of places) index.add(x, z, x, z);
+    index.finish();
+    const gaps = places.map(({ x, z }) => {
+        const other = places[index.neighbors(x, z, 2).find((at) => places[at]?.x !== x || places[at].z !== z) ?? 0];
+        return other ? Math.hypot(other.x - x, other.z - z) : 1;
+    }).sort((one, other) => one - other);
+    return 150 / Math.max(1, gaps[gaps.length >> 1] ?? 1);
+}
+
 /** Draws each shape where the document has it. */
 export function givenLayout(plant: Plant): Layout {
     const places = spread(plant.shapes);
@@ -156,7 +189,7 @@ export function givenLayout(plant: Plant): Layout {
     const zs = [...places.values()].map(({ z }) => z);
     const left = xs.reduce((least, x) => Math.min(least, x), Infinity);
     const top = zs.reduce((least, z) => Math.min(least, z), Infinity);
-    const step = 96;
+    const step = stepOf([...places.values()]);
     const boxes = new Map<string, Box>();
     let width = 0;
     let height = 0;

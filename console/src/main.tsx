@@ -2,8 +2,9 @@
 
 import { render } from "preact";
 import { useEffect } from "preact/hooks";
+import { serviceUp } from "./api";
 import { Banner } from "./banner";
-import { Documents } from "./documents";
+import { ChooseButton, Documents } from "./documents";
 import { Drawer } from "./drawer";
 import { Drawing } from "./drawing";
 import { Inspector } from "./inspector";
@@ -33,6 +34,7 @@ function Workspace() {
                         <div class="empty">
                             <h2>{t("empty")}</h2>
                             <p>{t("emptyText")}</p>
+                            <ChooseButton />
                         </div>
                     )}
                 </div>
@@ -52,6 +54,11 @@ function Page() {
     return (
         <>
             <TopBar />
+            {!serviceUp.value && (
+                <div class="banner bad gone" role="alert">
+                    <span class="spinner" /> <b class="words">{t("gone")}</b>
+                </div>
+            )}
             {current.value === null ? <Welcome /> : <Workspace />}
             <Documents />
             <Notices />

@@ -39,6 +39,16 @@ export function shownVariables(plant: Plant, quantity: Quantity): Map<string, st
     return names;
 }
 
+/** A variable in a person's words, as far as the plant tells them; else the name behind the project's. */
+export function spoken(name: string, plant: Plant | null, word: (item: Exclude<Quantity, "NONE"> | "port") => string): string {
+    const short = name.slice(name.indexOf("_") + 1);
+    const [, key = "", port, item = ""] = /^((?:MOD|NOD)\d+)_(?:IM(\d+)_)?(\w+)$/.exec(short) ?? [];
+    const element = plant?.elements.get(key);
+    if (!element) return short;
+    const quantity = item === "TEMP" || item === "PRE" || item === "FLOW" ? word(item) : item;
+    return `${element.id} · ${quantity}${port === undefined ? "" : `, ${word("port")} ${port}`}`;
+}
+
 export const units: Readonly<Record<Quantity, string>> = { TEMP: "°C", PRE: "kPa", FLOW: "kg/s", NONE: "" };
 
 /** The unit of a variable, by the end of its name; empty where it is not known. */

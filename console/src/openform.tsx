@@ -15,7 +15,7 @@ export function OpenForm({ autofocus = false }: { autofocus?: boolean }) {
             }}
         >
             <input
-                type="text" value={name.value} maxLength={64} aria-label={t("projectName")} placeholder={t("projectName")}
+                type="text" value={name.value} maxLength={64} aria-label={t("projectName")} placeholder={t("projectNameShort")}
                 ref={(field) => { if (autofocus && field && !field.value) field.focus(); }}
                 onInput={(event) => (name.value = event.currentTarget.value)}
             />

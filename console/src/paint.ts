@@ -1,7 +1,7 @@
 // Painting the plant on a canvas: only what is in view, and less of it the farther away it is.
 
 import type { Medium } from "./catalogue";
-import type { Box, Layout } from "./layout";
+import { type Box, labelWidth, type Layout } from "./layout";
 import type { Element, Plant, Run } from "./plant";
 import { symbolDraw } from "./symbols";
 
@@ -40,7 +40,7 @@ export interface View {
 const font = (size: number, weight = 500): string => `${weight} ${size}px system-ui, "Noto Sans CJK SC", sans-serif`;
 
 /** How much larger labels are drawn than planned, to stay readable from a little farther away. */
-const growth = (scale: number): number => Math.min(1.4, Math.max(1, 0.85 / scale));
+const growth = (scale: number): number => Math.min(1.7, Math.max(1, 0.85 / scale));
 
 /** Below this scale there are no labels, below the next no signs. */
 export const labelScale = 0.42;
@@ -180,6 +180,15 @@ function fitted(canvas: Canvas, text: string, width: number): string {
     return `${text.slice(0, end)}…`;
 }
 
+/** Text that stays readable where it lies over a line. */
+function lettering(canvas: Canvas, text: string, x: number, y: number, palette: Palette, colour: string): void {
+    canvas.strokeStyle = palette.paper;
+    canvas.lineWidth = 4;
+    canvas.strokeText(text, x, y);
+    canvas.fillStyle = colour;
+    canvas.fillText(text, x, y);
+}
+
 function halo(canvas: Canvas, box: Box, colour: string, radius: number): void {
     canvas.strokeStyle = colour;
     canvas.globalAlpha = 0.35;
@@ -205,23 +214,31 @@ function paintNode(canvas: Canvas, shape: Element, box: Box, view: View, look: L
     canvas.font = font(11 * grow);
     canvas.textAlign = "center";
     canvas.textBaseline = "bottom";
-    canvas.fillStyle = look.palette.soft;
-    canvas.fillText(shape.id, x, box.y - 5);
+    lettering(canvas, shape.id, x, box.y - 5, look.palette, look.palette.soft);
     const value = look.valueAt(shape.key);
     if (value !== null) pill(canvas, value, x, box.y + box.h + 4 + 9 * grow, grow, look.palette, look.palette.ink);
 }
 
-function paintRoom(canvas: Canvas, shape: Element, box: Box, look: Look): void {
+function paintRoom(canvas: Canvas, shape: Element, box: Box, view: View, look: Look): void {
     const { palette } = look;
-    symbolDraw(canvas, shape.type.symbol, box.x + 30, box.y + box.h / 2, 34, false, palette.soft, palette.tint);
+    const sign = (x: number, size: number): void =>
+        symbolDraw(canvas, shape.type.symbol, x, box.y + box.h / 2, size, false, palette.soft, palette.tint);
+    if (view.scale < labelScale) {
+        sign(box.x + box.w / 2, 44);
+        return;
+    }
+    const grow = growth(view.scale);
+    // Large letters take the sign's room.
+    const left = box.x + (grow > 1.2 ? 10 : 54);
+    if (grow <= 1.2) sign(box.x + 30, 34);
     canvas.textAlign = "left";
     canvas.textBaseline = "middle";
     canvas.fillStyle = palette.soft;
-    canvas.font = font(12);
-    canvas.fillText(fitted(canvas, shape.id, 92), box.x + 54, box.y + 20);
+    canvas.font = font(12 * grow);
+    canvas.fillText(fitted(canvas, shape.id, box.x + box.w - left - 4), left, box.y + 20);
     canvas.fillStyle = palette.ink;
-    canvas.font = font(17, 650);
-    canvas.fillText(look.valueAt(shape.key) ?? "", box.x + 54, box.y + 43);
+    canvas.font = font(16 * Math.min(grow, 1.5), 650);
+    canvas.fillText(look.valueAt(shape.key) ?? "", left, box.y + 44);
 }
 
 function paintDevice(
@@ -237,18 +254,19 @@ function paintDevice(
     canvas.fill();
     canvas.stroke();
     if (shape.type.inside) {
-        paintRoom(canvas, shape, box, look);
+        paintRoom(canvas, shape, box, view, look);
         return;
     }
     const x = box.x + box.w / 2;
     symbolDraw(canvas, shape.type.symbol, x, box.y + box.h / 2, 38, flip, palette.ink, palette.tint);
     if (view.scale < labelScale) return;
     const grow = growth(view.scale);
-    canvas.font = font(12 * grow);
+    // A long name stays smaller, so that it leaves its neighbour room.
+    const planned = labelWidth(shape.id);
+    canvas.font = font(12 * Math.min(grow, (planned + 44) / planned));
     canvas.textAlign = "center";
     canvas.textBaseline = "top";
-    canvas.fillStyle = palette.ink;
-    canvas.fillText(fitted(canvas, shape.id, 150 * grow), x, box.y + box.h + 5);
+    lettering(canvas, fitted(canvas, shape.id, 194), x, box.y + box.h + 5, palette, palette.ink);
     const value = look.valueAt(shape.key);
     if (value !== null) pill(canvas, value, x, box.y + box.h + 8 + 22 * grow, grow, palette, palette.ink);
 }

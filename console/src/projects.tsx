@@ -3,6 +3,7 @@
 import { useSignal } from "@preact/signals";
 import { useEffect, useRef } from "preact/hooks";
 import { Icon } from "./icons";
+import { ChooseButton } from "./documents";
 import { OpenForm } from "./openform";
 import { closeProject, forget, openProject, show } from "./project";
 import { current, known } from "./state";
@@ -68,6 +69,7 @@ export function Welcome() {
                 <p>{t("welcomeText")}</p>
                 <OpenForm autofocus />
                 <p class="hint">{t("openHint")}</p>
+                <div><ChooseButton /></div>
                 {known.value.length > 0 && <h3>{t("projects")}</h3>}
                 <ProjectList chosen={() => undefined} />
                 <p class="hint">{t("unlisted")}</p>

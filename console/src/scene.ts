@@ -11,7 +11,7 @@ import type { Element, Plant, Run } from "./plant";
 import { select } from "./project";
 import { runState } from "./runstate";
 import {
-    beat, follows, inView, layout as layoutSignal, marked, media, numberOf, plant as plantSignal, quantity, selected, short, values,
+    beat, follows, inView, layout as layoutSignal, marked, media, numberOf, plant as plantSignal, quantity, room, selected, short, values,
     verdict,
 } from "./state";
 import { language } from "./text";
@@ -277,6 +277,7 @@ export class Scene {
         const { clientWidth, clientHeight } = this.canvas;
         this.width = Math.max(1, clientWidth);
         this.height = Math.max(1, clientHeight);
+        [room.w, room.h] = [this.width, this.height];
         const dots = devicePixelRatio;
         this.canvas.width = Math.round(this.width * dots);
         this.canvas.height = Math.round(this.height * dots);

@@ -96,9 +96,9 @@ function NetRow({ net }: { net: Net }) {
                 <button type="button" class="wide" aria-pressed={marked.value?.title === title} onClick={() => mark(title, net.keys)}>
                     <span class={`swatch ${net.medium}`} />
                     <span class="name">{title} · {t(net.medium)}</span>
-                    <small>{net.branches.length} {t("branches")}</small>
+                    <small>{net.branches.length} {t(net.branches.length === 1 ? "oneBranch" : "branches")}</small>
                 </button>
-                <button type="button" class="tool small" aria-expanded={open.value} aria-label={`${title}: ${t("branches")}`} onClick={() => (open.value = !open.value)}>
+                <button type="button" class="tool small" aria-expanded={open.value} aria-label={`${title}: ${t("branch")}`} onClick={() => (open.value = !open.value)}>
                     <Icon name={open.value ? "minus" : "plus"} size={14} />
                 </button>
             </div>

@@ -44,6 +44,9 @@ export const drawer = signal<"charts" | "log" | null>(null);
 
 export const openProjects = computed(() => known.value.filter((project) => project.open));
 
+/** The size of the drawing on the screen. */
+export const room = { w: innerWidth, h: innerHeight };
+
 /** What the drawing shows just now, so that the poll asks for no more. */
 export const inView = signal<readonly string[]>([]);
 /** What the panels show besides. */

@@ -2,7 +2,7 @@
 
 import { useSignal } from "@preact/signals";
 import { useEffect, useRef } from "preact/hooks";
-import { serviceUp, waiting } from "./api";
+import { waiting } from "./api";
 import { downloadDrawing, downloadPicture, downloadTopology } from "./downloads";
 import { Icon, type IconName } from "./icons";
 import { load, pauseOrResume, run, step, stop, underWay } from "./project";
@@ -140,7 +140,6 @@ export function TopBar() {
                     <Figure item="WAll" text="energy" unit="kWh" />
                 </div>
             )}
-            <span class="space" />
             {shown && (
                 <div class="actions late">
                     <ActionButton icon="check" text="check" word="NetAccess" act={load} />
@@ -151,11 +150,6 @@ export function TopBar() {
             <button type="button" class="action plain" lang={language.value === "zh" ? "en" : "zh"} onClick={() => languageSet(language.value === "zh" ? "en" : "zh")}>
                 {t("language")}
             </button>
-            {!serviceUp.value && (
-                <div class="gone" role="alert">
-                    <span class="spinner" /> {t("gone")}
-                </div>
-            )}
             <Waits />
         </header>
     );

@@ -147,7 +147,7 @@ test("nets and branches are marked, charts drawn, all by keyboard too", async ()
     await page.getByLabel("Search elements").fill("");
     await page.getByRole("button", { name: "Add to chart: PLANT1_MOD2_Power" }).click();
     await page.getByRole("button", { name: "Charts" }).first().click();
-    await page.locator(".lines").getByText("MOD2_Power").waitFor();
+    await page.locator(".lines").getByText("compressor · Power").waitFor();
     await page.locator(".plot canvas").waitFor();
     await accessible(page, "plant with element and charts");
     await page.screenshot({ path: shot("element") });
