@@ -4,6 +4,7 @@
 #include <array>
 #include <charconv>
 #include <chrono>
+#include <new>
 #include <string_view>
 #include <thread>
 
@@ -15,50 +16,72 @@ namespace {
 
 constexpr std::string_view LineEnd = "\r\n";
 
+/// Answers the byte if it ends a line. False when the device has gone.
+bool ByteServe(std::intptr_t device, LineAssembler& lines, char byte) {
+    const LineAssembler::Event event = lines.Take(byte);
+    try {
+        return event == LineAssembler::Event::None || SerialWrite(device, SerialReply(event, lines.Line()));
+    } catch (const std::bad_alloc&) {
+        return true;
+    }
+}
+
 /// Serves the device until it goes away.
-void DeviceServe(std::intptr_t device) {
-    LineAssembler lines;
-    std::string line;
+void DeviceServe(std::intptr_t device, LineAssembler& lines) {
     std::array<char, 4096> bytes{};
     while (const std::size_t count = SerialRead(device, bytes)) {
         for (const char byte : std::string_view(bytes.data(), count)) {
-            const LineAssembler::Event event = lines.Take(byte, line);
-            if (event == LineAssembler::Event::None) continue;
-            if (!SerialWrite(device, SerialReply(event, line))) return;
+            if (!ByteServe(device, lines, byte)) return;
         }
     }
 }
 
-[[noreturn]] void PortServe(const SerialPort& port, std::intptr_t device) {
-    for (;;) {
-        DeviceServe(device);
-        SerialClose(device);
+/// Opens the device once it is back; -1 where there was no memory for that.
+std::intptr_t DeviceAwait(const SerialPort& port) {
+    std::intptr_t device = -1;
+    try {
         TellFault("the serial port " + port.device + " has gone");
         std::string fault;
-        do {
+        while (device < 0) {
             std::this_thread::sleep_for(std::chrono::seconds(1));
             device = SerialOpen(port, fault);
-        } while (device < 0);
+        }
         TellFault("the serial port " + port.device + " is back");
+    } catch (const std::bad_alloc&) {
+        std::this_thread::sleep_for(std::chrono::seconds(1));
+    }
+    return device;
+}
+
+[[noreturn]] void PortServe(const SerialPort& port, std::intptr_t device) {
+    LineAssembler lines;
+    for (;;) {
+        DeviceServe(device, lines);
+        lines.Forget();
+        SerialClose(device);
+        do {
+            device = DeviceAwait(port);
+        } while (device < 0);
     }
 }
 
 }  // namespace
 
-LineAssembler::Event LineAssembler::Take(char byte, std::string& line) {
+LineAssembler::Event LineAssembler::Take(char byte) {
     const bool secondOfPair = byte == '\n' && afterReturn_;
+    if (ended_) Forget();
     afterReturn_ = byte == '\r';
     if (secondOfPair || byte == '\0') return Event::None;
-    if (byte != '\r' && byte != '\n') {
-        overlong_ = overlong_ || line_.size() == SerialLineBytesAtMost;
-        if (!overlong_) line_ += byte;
-        return Event::None;
-    }
-    const Event event = overlong_ ? Event::Overlong : Event::Line;
-    line.swap(line_);
+    ended_ = byte == '\r' || byte == '\n';
+    if (ended_) return overlong_ ? Event::Overlong : Event::Line;
+    overlong_ = overlong_ || line_.size() == SerialLineBytesAtMost;
+    if (!overlong_) line_ += byte;
+    return Event::None;
+}
+
+void LineAssembler::Forget() {
     line_.clear();
-    overlong_ = false;
-    return event;
+    ended_ = overlong_ = afterReturn_ = false;
 }
 
 std::string SerialReply(LineAssembler::Event event, const std::string& line) {

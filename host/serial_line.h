@@ -11,17 +11,23 @@
 inline constexpr std::size_t SerialLineBytesAtMost = 65536;
 
 /// Lines out of bytes. CR, LF and CR LF each end a line; zero bytes, with which some devices pad, are passed
-/// over.
+/// over. Takes its memory when it is made: a line that lost a byte for want of it would be another line.
 class LineAssembler {
   public:
     enum class Event { None, Line, Overlong };
 
-    /// Takes one byte. At a line's end `Line`, and `line` holds it without its end; `Overlong` when it had
-    /// more than `SerialLineBytesAtMost` bytes.
-    Event Take(char byte, std::string& line);
+    LineAssembler() { line_.reserve(SerialLineBytesAtMost); }
+
+    /// Takes one byte. At a line's end `Line`; `Overlong` when it had more than `SerialLineBytesAtMost`.
+    Event Take(char byte);
+    /// The line that has ended, without its end, until the next byte is taken.
+    const std::string& Line() const { return line_; }
+    /// Drops what came of a line so far.
+    void Forget();
 
   private:
     std::string line_;
+    bool ended_ = false;
     bool overlong_ = false;
     bool afterReturn_ = false;
 };
@@ -33,5 +39,6 @@ std::string SerialReply(LineAssembler::Event event, const std::string& line);
 bool SerialPortRead(const std::string& text, SerialPort& port, std::string& fault);
 
 /// Opens the port raw and serves it on a thread of its own until the process ends; a device that goes away is
-/// opened again when it is back. False, with `fault` saying why, when it cannot be opened now.
+/// opened again when it is back. A reply for which there is no memory is not sent. False, with `fault` saying
+/// why, when it cannot be opened now.
 bool SerialStart(const SerialPort& port, std::string& fault);

@@ -73,10 +73,9 @@ TEST(SerialLineTest, EndsLinesAtReturnFeedAndBoth) {
     for (const auto& each : cases) {
         LineAssembler assembler;
         std::vector<std::pair<Event, string>> lines;
-        string line;
         for (const char byte : each.bytes) {
-            const Event event = assembler.Take(byte, line);
-            if (event != Event::None) lines.emplace_back(event, line);
+            const Event event = assembler.Take(byte);
+            if (event != Event::None) lines.emplace_back(event, assembler.Line());
         }
         EXPECT_TRUE(lines == each.lines) << lines.size() << " lines of " << each.bytes.substr(0, 20);
     }

@@ -114,7 +114,8 @@ TEST(WaysInThreadsTest, GivesMemoryBackAfterLargeRequests) {
 TEST(WaysInThreadsTest, GoesOnWhenRequestsAreTooLargeForItsMemory) {
     if (!OwnMemory) GTEST_SKIP() << "the sanitizer takes memory of its own";
     signal(SIGPIPE, SIG_IGN);  // a client's library writes on where it was let go
-    HostProcess host;
+    const SerialLink terminal;
+    HostProcess host({"--quiet", "--serial", terminal.Device()});
     const string pipe = "VornServerPipe" + host.WaitFor("holds the pipe VornServerPipe");
     const pid_t process = ProcessOf(host.Program());
     ASSERT_TRUE(host.Client().Get("/hi"));
@@ -145,6 +146,8 @@ TEST(WaysInThreadsTest, GoesOnWhenRequestsAreTooLargeForItsMemory) {
         EXPECT_TRUE(all.back().Get("/hi"));
     }
     all.clear();
+    terminal.Write("Get/" + string(60000, 'x') + "\rGet/X\r");
+    while (terminal.ReadLine() != NoVariable) ASSERT_TRUE(host.Client().Get("/hi"));
     expectServes();
     leaveFree(40);
     int bodiesRefused = 0;
