@@ -62,7 +62,7 @@ struct Console {
     httplib::Server server{};
     std::map<std::string, File> files{};  ///< by path
     std::string host{};                   ///< as it was asked for
-    std::string portText{};               ///< with its colon
+    std::string portText{};  ///< with its colon; empty for the port that links have by themselves
     int servicePort = 0;
 };
 
@@ -193,6 +193,12 @@ void Prepare(Console& console) {
     });
 }
 
+/// The port as it stands behind a host; browsers leave the one out that links have by themselves.
+std::string PortText(int port) {
+    constexpr int LinksOwn = 80;
+    return port == LinksOwn ? "" : ":" + std::to_string(port);
+}
+
 /// The port that was bound, 0 for none.
 int Bind(httplib::Server& server, const ConsoleAddress& address) {
     const int first = address.port == 0 ? FirstConsolePort : address.port;
@@ -226,6 +232,11 @@ bool ConsoleAddressRead(const std::string& text, ConsoleAddress& address, std::s
     return fault.empty();
 }
 
+std::string LinkTo(const std::string& host, int port) {
+    const bool bracketed = host.find(':') != std::string::npos;
+    return "http://" + (bracketed ? "[" + host + "]" : host) + PortText(port);
+}
+
 std::filesystem::path ConsoleFolder() {
     const std::filesystem::path program = vorn::ExecutablePath();
     return program.parent_path().parent_path() / "share" / "vornserver" / "console";
@@ -246,13 +257,11 @@ std::string ConsoleStart(const ConsoleAddress& address, const std::filesystem::p
         return {};
     }
     console.host = address.host;
-    console.portText = ":" + std::to_string(port);
+    console.portText = PortText(port);
     console.servicePort = servicePort;
     std::thread([] { console.server.listen_after_bind(); }).detach();
     const bool everywhere = address.host == "0.0.0.0" || address.host == "::";
-    const bool bracketed = address.host.find(':') != std::string::npos;
-    const std::string name = everywhere ? "127.0.0.1" : bracketed ? "[" + address.host + "]" : address.host;
-    return "http://" + name + console.portText + "/";
+    return LinkTo(everywhere ? "127.0.0.1" : address.host, port) + "/";
 }
 
 void ConsoleLog(std::string_view lines) {

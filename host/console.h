@@ -21,6 +21,10 @@ struct ConsoleAddress {
 /// any other text and for a port that the library may take itself.
 bool ConsoleAddressRead(const std::string& text, ConsoleAddress& address, std::string& fault);
 
+/// The beginning of a link to that host and port, `http://HOST:PORT`: an IPv6 address in brackets, and
+/// without the port where it is the one that links have by themselves.
+std::string LinkTo(const std::string& host, int port);
+
 /// The folder of the page's files: `../share/vornserver/console`, seen from the program.
 std::filesystem::path ConsoleFolder();
 

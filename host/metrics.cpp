@@ -154,11 +154,11 @@ std::string MetricsStart(const ConsoleAddress& address, std::string& fault) {
         response.set_content(MetricsText(), "text/plain; version=0.0.4; charset=utf-8");
     });
     const int port = address.port == 0 ? MetricsPort : address.port;
-    const std::string place = address.host + ":" + std::to_string(port);
+    const std::string link = LinkTo(address.host, port);
     if (!server.bind_to_port(address.host, port)) {
-        fault = place + " is not free";
+        fault = link + " is not free";
         return {};
     }
     std::thread([&server] { server.listen_after_bind(); }).detach();
-    return "http://" + place + "/metrics";
+    return link + "/metrics";
 }

@@ -34,6 +34,7 @@ TEST(ConsoleTest, ReadsAddresses) {
         EXPECT_EQ(address.host, row.host) << row.text;
         EXPECT_EQ(address.port, row.port) << row.text;
     }
+    EXPECT_EQ(LinkTo("::1", 9000) + LinkTo("box", 80), "http://[::1]:9000http://box");
 }
 
 /// The console before a service that answers with the body it gets. It is there once for all tests: it cannot
