@@ -6,6 +6,7 @@
 #include <signal.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
+#include <sys/un.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -121,6 +122,36 @@ TEST(HostThreadsTest, PrintsTheLastExchangesAtItsEnd) {
         EXPECT_EQ(host.WaitFor("read   Fdp P "), " 1");
         EXPECT_TRUE(host.WaitFor("VornServer has ended.").empty());
         EXPECT_TRUE(host.Output().ends_with("\nVornServer has ended.\n")) << host.Output();
+    }
+}
+
+TEST(HostThreadsTest, TellsAManagerOfServicesWhenItAnswersAndWhenItEnds) {
+    const TemporaryFolder folder;
+    const string path = (folder.Path() / "notify").string();
+    for (const string& name : {path, "@" + path}) {
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        std::copy(name.begin(), name.end(), address.sun_path);
+        if (name[0] == '@') address.sun_path[0] = '\0';
+        const int manager = socket(AF_UNIX, SOCK_DGRAM, 0);
+        const timeval patience{.tv_sec = 20, .tv_usec = 0};
+        setsockopt(manager, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
+        const auto length = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + name.size());
+        ASSERT_EQ(bind(manager, reinterpret_cast<const sockaddr*>(&address), length), 0);
+        const auto told = [manager] {
+            string text(1000, '\0');
+            text.resize(
+                static_cast<size_t>(std::max<ssize_t>(recv(manager, text.data(), text.size(), 0), 0)));
+            return text;
+        };
+        setenv("NOTIFY_SOCKET", name.c_str(), 1);
+        HostProcess host;
+        unsetenv("NOTIFY_SOCKET");
+        EXPECT_EQ(told(), "READY=1\nSTATUS=VornServer answers on http://127.0.0.1:" +
+                              std::to_string(host.Port()) + "/api\n");
+        EXPECT_EQ(host.End(), 0);
+        EXPECT_EQ(told(), "STOPPING=1\n");
+        close(manager);
     }
 }
 
