@@ -9,7 +9,7 @@ packages=(g++ cmake ninja-build pkg-config curl python3 socat locales
           libbenchmark-dev python3-jsonschema python3-pytest
           python3-build python3-setuptools python3-wheel python3-networkx)
 [ "${1:-}" = --full ] && packages+=(clang-format clang-tidy mypy clang libclang-rt-14-dev libutfcpp-dev)
-[ "${1:-}" = --windows ] && packages+=(g++-mingw-w64-x86-64-posix wine wine64 dpkg-dev zip)
+[ "${1:-}" = --windows ] && packages+=(g++-mingw-w64-x86-64-posix wine wine64 dpkg-dev)
 # The console's page is built with Node, from wherever it came, and tested in a browser.
 command -v npm >/dev/null || packages+=(nodejs npm)
 [ "${1:-}" = --full ] && packages+=(chromium fonts-noto-cjk)

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Builds everything for Windows on a Debian machine and runs the tests of the preset under Wine.
+# Builds everything for Windows on a Debian machine, runs the tests of the preset under Wine, and makes the archive.
 set -euo pipefail
 . "$(dirname "$0")/lib.sh"
 
@@ -88,4 +88,5 @@ wine_make >build/windows-wine.log 2>&1 || { cat build/windows-wine.log && fail "
 ports_start || fail "serial ports for the tests"
 say "tests: windows"
 ctest --preset windows --parallel "$(nproc)" || fail "the tests of windows"
+scripts/package.sh windows || exit 1
 say "windows: all passed"
