@@ -11,8 +11,8 @@
 namespace standin {
 
 /// Modules and nodes at their grid positions, one page below the other; links as straight lines with an arrow
-/// in the flow's direction. Pipes and wires, whose positions tell little, stand in the middle of what they
-/// join; a link to a jump or to another page is a short line that tells where it leads. The lock is held.
+/// in the flow's direction. Pipes, wires and jumps, whose positions tell little, stand in the middle of what
+/// they join. The lock is held.
 std::string PlantSvg(const Project& project);
 
 /// `GTemp` over the steps of a run. `temperatures` holds one for every `stepsEach` steps, from step 1 on.

@@ -129,7 +129,7 @@ TEST_F(PicturesTest, ThePictureIsTheOneThatWasLookedAt) {
     constexpr int Far = std::numeric_limits<int>::max();
     ProjectModuleXYSet("P1", 0, Far, -Far);
     const std::string far = Send("PjtPngGet", "P1");
-    EXPECT_TRUE(Holds(far, "x=\"8110\"")) << far;
+    EXPECT_TRUE(Holds(far, "x=\"8150\"")) << far;
 }
 
 TEST_F(PicturesTest, TheChartIsTheOneThatWasLookedAtAndTakesAnyRun) {
