@@ -114,6 +114,15 @@ Stored Load(string_view name, Project& loaded, std::error_code& fault) {
     return FileContent(text) && ProjectFromJson(text, loaded) ? Stored::Whole : Stored::Damaged;
 }
 
+/// A store on its way, apart from the project.
+struct Order {
+    std::string name;
+    std::string path;                 ///< of the stored file, or of what the fault is about
+    std::optional<StoredFile> known;  ///< the file that this project came from or was stored in
+    std::string text{};
+    std::error_code fault{};
+};
+
 /// Gives the stored file a second name, under which it outlives the one that takes its place. Empty when that
 /// fails.
 std::string KeepAside(string_view name, std::error_code& fault) {
@@ -129,55 +138,59 @@ std::string KeepAside(string_view name, std::error_code& fault) {
 /// Sees to it that no damaged file is lost when `path` gets a new one: gives the name under which it is kept,
 /// empty where there is none. False when that fails. The file that this project came from is known to be
 /// whole.
-bool ReadyToReplace(const Project& project, const std::string& path, std::string& aside,
-                    std::error_code& fault) {
-    if (project.stored && FactsOf(path) == project.stored) return true;
+bool ReadyToReplace(Order& order, std::string& aside) {
+    if (order.known && FactsOf(order.path) == order.known) return true;
     Project loaded;
     loaded.modules.capacity = ModuleCapacity;
     loaded.nodes.capacity = NodeCapacity;
     loaded.links.capacity = LinkCapacity;
-    if (Load(project.name, loaded, fault) == Stored::Damaged) aside = KeepAside(project.name, fault);
-    return !fault;
+    if (Load(order.name, loaded, order.fault) == Stored::Damaged) aside = KeepAside(order.name, order.fault);
+    return !order.fault;
 }
 
 /// Puts a new file in the place of the stored one. A damaged one is kept under another name.
-bool Replace(const Project& project, const std::string& path, const std::string& text,
-             std::error_code& fault) {
+bool Replace(Order& order) {
     std::string aside;
-    if (!ReadyToReplace(project, path, aside, fault)) return false;
-    const bool replaced = vorn::FileReplace(path, text, fault);
+    if (!ReadyToReplace(order, aside)) return false;
+    const bool replaced = vorn::FileReplace(order.path, order.text, order.fault);
     std::error_code error;
     // A name that the file still bears beside its own is not needed.
-    if (!aside.empty() && fs::equivalent(vorn::FilePath(aside), vorn::FilePath(path), error)) {
+    if (!aside.empty() && fs::equivalent(vorn::FilePath(aside), vorn::FilePath(order.path), error)) {
         fs::remove(vorn::FilePath(aside), error);
     } else if (!aside.empty()) {
-        Report(project.name, "the damaged file is kept as " + aside);
+        Report(order.name, "the damaged file is kept as " + aside);
     }
     return replaced;
 }
 
-/// Writes the stored file. Where that fails, `path` is what the fault is about.
-bool Write(const Project& project, std::string& path, std::error_code& fault) {
-    path = ProjectFolder(project.name);
-    const std::string text = FileText(project);
-    if (path.empty()) fault = std::make_error_code(std::errc::invalid_argument);
-    if (text.size() > StoredBytesLimit) fault = std::make_error_code(std::errc::file_too_large);
-    if (fault || !vorn::FolderMake(path, fault)) return false;
-    path = PathOf(project.name);
+/// Readies a store. The engine lock is held.
+Order OrderOf(const Project& project) {
+    Order order{.name = project.name, .path = ProjectFolder(project.name), .known = project.stored};
+    order.text = FileText(project);
+    if (order.path.empty()) order.fault = std::make_error_code(std::errc::invalid_argument);
+    if (order.text.size() > StoredBytesLimit) order.fault = std::make_error_code(std::errc::file_too_large);
+    if (order.fault || !vorn::FolderMake(order.path, order.fault)) return order;
+    order.path = PathOf(project.name);
     // A project that was made before there was a store has no lock yet.
     if (!ProjectLockEnsure(SlotOf(project), project.name))
-        fault = std::make_error_code(std::errc::resource_unavailable_try_again);
-    return !fault && Replace(project, path, text, fault);
+        order.fault = std::make_error_code(std::errc::resource_unavailable_try_again);
+    return order;
+}
+
+/// Writes the stored file. The engine lock need not be held.
+bool CarryOut(Order& order) {
+    const bool stored = !order.fault && Replace(order);
+    order.known = stored ? FactsOf(order.path) : std::nullopt;
+    if (!stored) Report(order.name, "the project cannot be stored" + Reason(order.fault, order.path));
+    return stored;
 }
 
 }  // namespace
 
 bool StoreWrite(Project& project) {
-    std::string path;
-    std::error_code fault;
-    const bool stored = Write(project, path, fault);
-    project.stored = stored ? FactsOf(path) : std::nullopt;
-    if (!stored) Report(project.name, "the project cannot be stored" + Reason(fault, path));
+    Order order = OrderOf(project);
+    const bool stored = CarryOut(order);
+    project.stored = order.known;
     return stored;
 }
 
@@ -239,6 +252,12 @@ void ProjectInfoWrite(const char* name) {
 
 void ProjectDBWrite(const char* name) {
     Trace("ProjectDBWrite", name);
-    const std::lock_guard guard(EngineLock());
-    if (Project* project = ProjectFind(name)) StoreWrite(*project);
+    std::unique_lock lock(EngineLock());
+    const Project* const project = ProjectFind(name);
+    if (project == nullptr) return;
+    Order order = OrderOf(*project);
+    lock.unlock();  // what runs goes on while the disk takes its time
+    CarryOut(order);
+    lock.lock();
+    if (Project* const stored = ProjectFind(order.name)) stored->stored = order.known;
 }

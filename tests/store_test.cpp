@@ -1,6 +1,7 @@
 #include <bit>
 #include <chrono>
 #include <cstdio>
+#include <future>
 #include <limits>
 #include <random>
 #include <thread>
@@ -186,6 +187,25 @@ TEST_F(StoreTest, BuildsNoPathFromABadName) {
                       "project store: A B: the project cannot be stored: Invalid argument\n"));
     ASSERT_TRUE(ProjectJsonAdd(std::string(64, 'A').c_str()));
     EXPECT_TRUE(StoreWrite(*ProjectFind(0)));
+}
+
+TEST_F(StoreTest, HoldsUpNothingThatRunsWhileItWrites) {
+    Send("Create", "P");
+    Send("PjtSent", "P", Nodes(1));
+    const auto otherThreadTakesTheLock = [] {
+        const std::unique_lock lock(EngineLock(), std::try_to_lock);
+        return lock.owns_lock();
+    };
+    testing::internal::CaptureStderr();
+    for (int step = 1; step < 6; ++step) {  // behind the making of the folder
+        bool free = false;
+        FileFaultSet(step, StepFault::Stop,
+                     [&] { free = std::async(std::launch::async, otherThreadTakesTheLock).get(); });
+        Send("PjtSent", "P", Nodes(2));
+        FileFaultClear();
+        EXPECT_TRUE(free) << step;
+    }
+    testing::internal::GetCapturedStderr();
 }
 
 /// What stands in the place of the stored file before a store.
