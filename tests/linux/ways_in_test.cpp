@@ -22,7 +22,7 @@
 #include "platform/stream_socket.h"
 #include "service/pipe_service.h"
 #include "tests/support/host_process.h"
-#include "tests/support/service_test.h"
+#include "tests/support/pipe_test.h"
 #include "tests/support/system.h"
 
 namespace {
@@ -196,32 +196,7 @@ TEST(WaysInThreadsTest, KnowsItsDirectoryByItsPathOf256Bytes) {
     }
 }
 
-/// A pipe of the test's own, served client by client on a thread.
-class PipeWaysInThreadsTest : public ServiceTest {
-  protected:
-    PipeWaysInThreadsTest() { EXPECT_TRUE(vorn::PipeOpen(name_.c_str(), vorn::PipeHandle)); }
-    ~PipeWaysInThreadsTest() override {
-        Join();
-        vorn::PipeHoldSet(60000);
-        vorn::CloseHandle(vorn::PipeHandle);
-        vorn::PipeHandle = nullptr;
-    }
-    void Serve(int clients) {
-        server_ = std::thread([clients] {
-            for (int client = 0; client < clients; ++client) vorn::PipeServeClient();
-        });
-    }
-    void Join() {
-        if (server_.joinable()) server_.join();
-    }
-
-    const string name_ = "VornWaysInPipe" + std::to_string(ProcessNumber());
-
-  private:
-    std::thread server_;
-};
-
-TEST_F(PipeWaysInThreadsTest, WaitsForAClientThatEndedItsWritingToReadItsReply) {
+TEST_F(PipeThreadsTest, WaitsForAClientThatEndedItsWritingToReadItsReply) {
     Serve(2);
     const RawClient first(name_);
     first.Send("Fdp/FIRST");
@@ -240,7 +215,7 @@ TEST_F(PipeWaysInThreadsTest, WaitsForAClientThatEndedItsWritingToReadItsReply) 
     close(second);
 }
 
-TEST_F(PipeWaysInThreadsTest, BoundsRequestsAndTheTimeOfAWholeExchange) {
+TEST_F(PipeThreadsTest, BoundsRequestsAndTheTimeOfAWholeExchange) {
     Serve(3);
     string reply;
     const string least = "Get/";
@@ -271,7 +246,7 @@ TEST_F(PipeWaysInThreadsTest, BoundsRequestsAndTheTimeOfAWholeExchange) {
     server.join();
 }
 
-TEST_F(PipeWaysInThreadsTest, BridgesThePauseBetweenTwoPiecesOfALargeRequest) {
+TEST_F(PipeThreadsTest, BridgesThePauseBetweenTwoPiecesOfALargeRequest) {
     // The pause is longer than a small request may have, and on a busy machine at times than any may.
     const string piece(40000, 'p');
     bool whole = false;
@@ -290,14 +265,14 @@ TEST_F(PipeWaysInThreadsTest, BridgesThePauseBetweenTwoPiecesOfALargeRequest) {
     EXPECT_TRUE(whole);
 }
 
-TEST_F(PipeWaysInThreadsTest, TriesFiveHundredTimesToOpenAPipe) {
+TEST_F(PipeThreadsTest, TriesFiveHundredTimesToOpenAPipe) {
     pipeConnects = 0;
     string reply;
     EXPECT_EQ(vorn::PipeAsk((name_ + "no").c_str(), "Fdp/P", 0, reply), vorn::PipeAnswer::NoPipe);
     EXPECT_EQ(pipeConnects, 500);
 }
 
-TEST_F(PipeWaysInThreadsTest, TakesNoReplyOverItsLimit) {
+TEST_F(PipeThreadsTest, TakesNoReplyOverItsLimit) {
     std::thread server([] {
         EXPECT_TRUE(vorn::ConnectNamedPipe(vorn::PipeHandle));
         const string part(1U << 20U, 'r');
@@ -312,7 +287,7 @@ TEST_F(PipeWaysInThreadsTest, TakesNoReplyOverItsLimit) {
     server.join();
 }
 
-TEST_F(PipeWaysInThreadsTest, TellsAnotherUsersPipeNothing) {
+TEST_F(PipeThreadsTest, TellsAnotherUsersPipeNothing) {
     if (geteuid() != 0) GTEST_SKIP() << "needs root, to become another user";
     const string name = name_ + "other";
     int ready[2];
