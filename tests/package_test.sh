@@ -52,13 +52,13 @@ for language in c cpp; do
 done
 "${run[@]}" "$prefix/bin/vorn-host$exe" --version | grep -q '^vorn-host [0-9]' || fail "vorn-host does not tell its version"
 
-# serves COMMAND...: a host that answers, and fetches the log of what it answered.
+# serves COMMAND...: a host that answers, behind such as run here already, and fetches the log of what it answered.
 serves() {
     mkdir -p "$folder/work"
     (cd "$folder/work" && exec "$@") >"$folder/log" 2>&1 &
     started=$!
-    for tries in $(seq 300); do
-        "${run[@]}" "$prefix/bin/vorn-send$exe" Get NONE >"$folder/reply" 2>&1 || true
+    for tries in $(seq 0 300); do
+        "${run[@]}" "$prefix/bin/vorn-send$exe" --port $((33360 + tries % 5)) Get NONE >"$folder/reply" 2>&1 || true
         if grep -q '^read:  Get NONE .*找不到变量名称' "$folder/log"; then break; fi
         kill -0 "$started" && [ "$tries" -lt 300 ] || fail "$*: $(cat "$folder/reply" "$folder/log")"
         sleep 0.1
