@@ -115,7 +115,9 @@ def _messages(command: Json) -> tuple[list[str], list[str], list[str]]:
         return [f"{name}: Literal[0, 1, 2]"], [name], [_described(name, schema)]
     if messages["form"] == "text":
         name = messages["parameter"]
-        default = "" if "default" not in schema else f" = {json.dumps(schema['default'])}"
+        # Who forgets a value must not write the empty one.
+        free = "default" in schema and command["effect"] == "reads"
+        default = f" = {json.dumps(schema['default'])}" if free else ""
         sent = _sent(name, {"type": "string"})
         return [f"{name}: {_type(name, schema)}{default}"], [sent], [_described(name, schema)]
     if "$ref" in schema:

@@ -44,6 +44,7 @@ SESSION: list[tuple[list[str], int, str]] = [
     (["set-cache-value", "P1", "compressor", "1", "--value", "3"], 0, "OK"),
     (["cache-values", "P1", "compressor"], 0, "Power  3 "),
     (["write", "P1_GTemp", "-5"], 0, "OK"),
+    (["write", "P1_GTemp"], 2, "VALUE"),
     (["Get", "P1_GTemp"], 0, "-5\n"),
     (["write-batch", "P1_GTemp=2.5", "P1_No=1"], 1, "none varname"),
     (["write-batch", "P1_GTemp"], 1, "P1_GTemp"),

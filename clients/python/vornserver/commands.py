@@ -248,7 +248,7 @@ class ProjectCommands(Caller):
         result: str = self.call("Put", self.name, verb)
         return result
 
-    def write(self, variable: str, value: Value | str = "") -> None:
+    def write(self, variable: str, value: Value | str) -> None:
         """Write a variable.
 
         A text that is no number writes 0, and the reply is OK all the same: it says that the name is known. A whole
@@ -399,7 +399,7 @@ class ProjectCommands(Caller):
         """
         self.call("CacheToRun", f"{self.name}_{element}", cache_set)
 
-    def set_important(self, element: str, important: str = "") -> None:
+    def set_important(self, element: str, important: str) -> None:
         """Mark what is important of a module.
 
         Gives the engine a text on what to watch of the module. The stand-in keeps the text; the empty one takes the

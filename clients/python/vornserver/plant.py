@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import difflib
 import json
 from collections import Counter
 from dataclasses import dataclass, field
@@ -29,7 +30,8 @@ def type_id(told: int | str) -> int:
     if isinstance(told, int):
         return told
     if told not in _TYPES:
-        raise ValueError(f"no type of the catalogue is called {told!r}")
+        close = difflib.get_close_matches(told, _TYPES)
+        raise ValueError(f"no type of the catalogue is called {told!r}" + (f"; close: {', '.join(close)}" if close else ""))
     return int(_TYPES[told]["VornModuleID"])
 
 

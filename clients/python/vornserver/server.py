@@ -3,13 +3,14 @@
 from __future__ import annotations
 
 import json
+import socket
 import time
 from types import TracebackType
 from typing import Any
 
 from vornserver.commands import ServerCommands
 from vornserver.connection import HTTP, Connection, host_and_port
-from vornserver.errors import ServiceNotFound, StateError, VornError
+from vornserver.errors import ServiceError, ServiceNotFound, StateError, VornError
 from vornserver.interface import COMMANDS
 from vornserver.project import Project
 
@@ -43,24 +44,29 @@ class Server(ServerCommands):
         host, port = host_and_port(address)
         ports = range(HTTP["firstPort"], HTTP["lastPort"] + 1) if port is None else [port]
         end = time.monotonic() + within
+        why = ""
         for each in ports:
             left = end - time.monotonic()
             if left <= 0:
                 break
             server = cls(f"[{host}]:{each}" if ":" in host else f"{host}:{each}", min(GREETING_SECONDS, left))
-            if server._is_meant(holding, directory):
-                server.timeout = server._connection.timeout = timeout
-                return server
+            try:
+                if server._is_meant(holding, directory):
+                    server.timeout = server._connection.timeout = timeout
+                    return server
+                why = "; what answers is another"
+            except VornError as error:
+                why = why or f"; {error}"
+                if isinstance(error.__cause__, socket.gaierror):
+                    break  # a name that leads nowhere does so at each port
             server.disconnect()
-        raise ServiceNotFound(f"no service was found at {address}" + (f" that holds {holding}" if holding else "")
-                              + (f" that runs from {directory}" if directory else ""))
+        where = address if port is not None else f"{address}, ports {ports[0]} to {ports[-1]}"
+        raise ServiceNotFound(f"no service was found at {where}" + (f" that holds {holding}" if holding else "")
+                              + (f" that runs from {directory}" if directory else "") + why)
 
     def _is_meant(self, holding: str, directory: str) -> bool:
-        try:
-            return (self.greets() and (not holding or self.holds_project(holding))
-                    and (not directory or self.runs_from(directory.rstrip("/").replace("/", "_") + "_")))
-        except VornError:
-            return False
+        return (self.greets() and (not holding or self.holds_project(holding))
+                and (not directory or self.runs_from(directory.rstrip("/").replace("/", "_") + "_")))
 
     @property
     def address(self) -> str:
@@ -111,7 +117,11 @@ class Server(ServerCommands):
         described = COMMANDS[command]
         reply = self.request(described.word, name, messages, repeatable=described.repeatable,
                              seconds=self.timeout + described.seconds)
-        return described.result(reply, messages)
+        try:
+            return described.result(reply, messages)
+        except ServiceError as error:
+            error.add_note(f"{described.word} {name}: {error.todo}")
+            raise
 
     def create(self, project: str) -> Project:
         """Makes a new empty project. Raises StateError where it is open already, and ServiceError."""

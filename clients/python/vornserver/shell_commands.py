@@ -49,7 +49,8 @@ def _add_messages(parser: argparse.ArgumentParser, command: Command) -> None:
     """Adds arguments for what `messages` holds."""
     messages = command.entry["messages"]
     schema = messages.get("schema", {})
-    optional: dict[str, Any] = {"nargs": "?"} if "default" in schema else {}
+    # Who forgets a value must not write the empty one.
+    optional: dict[str, Any] = {"nargs": "?"} if "default" in schema and command.entry["effect"] == "reads" else {}
     if command.id == "GetBatch":
         parser.add_argument("variables", nargs="+", metavar="VARIABLE", help="the name of a variable, project and all")
     elif command.id == "SetBatch":
@@ -70,7 +71,10 @@ def _add_messages(parser: argparse.ArgumentParser, command: Command) -> None:
 
 
 def _document(arguments: argparse.Namespace) -> Any:
-    document = json.loads(_read(arguments.document))
+    try:
+        document = json.loads(_read(arguments.document))
+    except ValueError as error:
+        raise ValueError(f"{arguments.document} is no JSON: {error}") from error
     if not arguments.unchecked and (faults := PROJECT_DOCUMENT.faults(document)):
         raise PlantError(faults)
     return document
@@ -126,7 +130,8 @@ def add_family(commands: argparse._SubParsersAction[argparse.ArgumentParser], fa
         for parameter in command.target["parameters"]:
             last = parameter == command.target["parameters"][-1]
             target = command.target if last else DATA["interface"]["targets"][parameter]
-            parser.add_argument(parameter, metavar=parameter.upper(), help=target["text"])
+            text = target.get("parameterTexts", {}).get(parameter, target["text"])
+            parser.add_argument(parameter, metavar=parameter.upper(), help=text)
         _add_messages(parser, command)
         if command.entry["result"] == "svg":
             parser.add_argument("--output", metavar="FILE", help="write the drawing into a file")
