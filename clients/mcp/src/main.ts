@@ -14,7 +14,7 @@ import { type Description, findRoot, load } from "./description.js";
 import { allResources } from "./resources.js";
 import { Service, ToolError } from "./service.js";
 import type { Kit, Tool } from "./tool.js";
-import { allTools } from "./tools.js";
+import { allTools, inTools } from "./tools.js";
 import type { JsonObject } from "./wire.js";
 
 const usage = `usage: node vorn-mcp.mjs [--address URL]
@@ -84,7 +84,7 @@ function addressOf(): string | undefined {
 
 try {
     const address = addressOf();
-    const description = load(findRoot(dirname(fileURLToPath(import.meta.url))));
+    const description = inTools(load(findRoot(dirname(fileURLToPath(import.meta.url)))));
     const mcp = serverOf(description, address);
     await mcp.connect(new StdioServerTransport());
 } catch (error) {

@@ -93,17 +93,26 @@ const mostNets = 40;
 const mostNames = 12;
 
 /** What of a document is not in the plant that was made from it, told by identities. */
-function leftOut(document: JsonObject, report: Report): JsonObject {
+function leftOut(document: JsonObject, report: Report, names: Names): JsonObject {
     const there = new Set([...report.DeviceInfo, ...report.NodeInfo].map(({ InstanceID }) => InstanceID));
-    const missing = (list: Json | undefined, member: string): string[] => (Array.isArray(list) ? list : [])
-        .map((each) => (isObject(each) ? textOf(each[member]) : "")).filter((name) => name !== "" && !there.has(name));
-    const devices = missing(document["DeviceInfo"], "InstanceID");
-    const connections = missing(document["ConnectionInfo"], "ConnectionID");
-    if (devices.length + connections.length === 0) return {};
+    const identities = (list: Json | undefined, member: string): string[] => (Array.isArray(list) ? list : [])
+        .map((each) => (isObject(each) ? textOf(each[member]) : "")).filter((name) => name !== "");
+    const missing = (name: string): boolean => !there.has(name);
+    const devices = identities(document["DeviceInfo"], "InstanceID").filter(missing);
+    const pipes = identities(document["ConnectionInfo"], "ConnectionID");
+    const connections = pipes.filter(missing);
+    const numbers = new Map([...names].map(([number, name]) => [name, number]));
+    const linked = (member: string): Set<Json | undefined> => new Set(report.ConnectionInfo.map((link) => link[member]));
+    const [starts, ends] = [linked("S_InstanceID"), linked("F_InstanceID")];
+    const looseEnds = pipes.filter((name) => !missing(name)).flatMap((name) => {
+        const number = numbers.get(name) ?? name;
+        return [...(starts.has(number) ? [] : [`start of ${name}`]), ...(ends.has(number) ? [] : [`end of ${name}`])];
+    });
+    if (devices.length + connections.length + looseEnds.length === 0) return {};
     return {
         leftOut: {
-            devices: first(devices, mostNames), connections: first(connections, mostNames),
-            meaning: "The service passes over devices of unknown types, connections whose ends or ports do not exist, are taken, or "
+            devices: first(devices, mostNames), connections: first(connections, mostNames), looseEnds: first(looseEnds, mostNames),
+            meaning: "The service passes over devices of unknown types, connections or ends whose devices or ports do not exist, are taken, or "
                 + "lead the wrong way, and what it has no room for. Look at module_types and at vorn://docs/limits.md.",
         },
     };
@@ -124,8 +133,8 @@ function makePlant(description: Description): Row {
         return kit.service.together(async (ask) => {
             if ((await ask("Fdp", project)) !== "1") await ask("Create", project);
             await ask("PjtSent", project, writeJson(content, kit.description.spelling));
-            const { verdict, report } = await judged(kit, ask, project);
-            return { made: true, ...verdict, ...counts(report), ...leftOut(content, report) };
+            const { verdict, report, names } = await judged(kit, ask, project);
+            return { made: true, ...verdict, ...counts(report), ...leftOut(content, report, names) };
         });
     };
     return {

@@ -74,10 +74,11 @@ export function checker(schema: JsonObject): (value: unknown) => string {
 }
 
 function faults(errors: readonly ErrorObject[]): string {
-    const lines = errors.filter(({ keyword }) => keyword !== "anyOf").map(({ instancePath, message, params, data }) => {
-        const extra = Object.values(params as Record<string, unknown>).flat().map(String).join(", ");
+    const lines = errors.filter(({ keyword, schemaPath }) => keyword !== "anyOf" && !/anyOf\/1/.test(schemaPath)).map(({ instancePath, message, params, data }) => {
+        const { allowedValues, additionalProperty } = params as { allowedValues?: unknown[]; additionalProperty?: string };
+        const extra = allowedValues ? ` (${allowedValues.join(", ")})` : additionalProperty === undefined ? "" : `: ${additionalProperty}`;
         const lost = typeof data === "number" && Number.isInteger(data) && !Number.isSafeInteger(data) ? ` ${asText}` : "";
-        return `${instancePath === "" ? "the arguments" : instancePath.slice(1)}: ${message ?? ""} (${extra})${lost}`;
+        return `${instancePath === "" ? "the arguments" : instancePath.slice(1)}: ${message ?? ""}${extra}${lost}`;
     });
     const more = lines.length > 20 ? [`and ${lines.length - 20} more`] : [];
     return [...new Set(lines.slice(0, 20)), ...more].join("\n");

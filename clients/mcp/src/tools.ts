@@ -1,11 +1,11 @@
 // The table of all tools.
 
-import type { Description } from "./description.js";
+import { commandOf, type Description } from "./description.js";
 import { plantRows } from "./plant.js";
 import { ToolError } from "./service.js";
 import { type Content, type Row, type Tool, toolOf, type Work } from "./tool.js";
 import { valueRows } from "./values.js";
-import { type Json, type JsonObject, textOf } from "./wire.js";
+import { type Json, type JsonObject, readJson, textOf } from "./wire.js";
 
 const status: Work = async ({ service }, args) => {
     const address = await service.address();
@@ -71,15 +71,36 @@ const rows: readonly Row[] = [
     { name: "stop", uses: ["PjtStop"] },
     { name: "save_run_values", uses: ["PjtRunToCache"] },
     { name: "load_run_values", uses: ["PjtCacheToRun"] },
-    { name: "performance", uses: ["PjtCerGet"] },
+    {
+        name: "performance", uses: ["PjtCerGet"],
+        work: async ({ service }, args) => textOf((readJson(await service.ask("PjtCerGet", textOf(args["project"]))) as JsonObject)["data"]),
+    },
     {
         name: "picture", uses: ["PjtPngGet", "PjtChartGet"], work: picture, title: "Draw a plant or the course of its run", required: ["of"],
         also: { of: { enum: ["drawing", "run"], description: "The plant's drawing, or the chart of its run." }, maxBytes },
     },
 ];
 
+const allRows = (description: Description): Row[] => [...rows.slice(0, 2), ...plantRows(description), ...rows.slice(2), ...valueRows];
+
+/** The description with the names of tools where it tells commands to send, which an assistant cannot. */
+export function inTools(description: Description): Description {
+    const all = allRows(description);
+    const word = (id: string): string => commandOf(description, id).word;
+    // A command that is a tool's first one is that tool, before any other tool that uses it, too.
+    const names = new Map([...all].reverse().flatMap(({ name, uses }) => uses.map((id): [string, string] => [word(id), name])));
+    for (const { name, uses } of [...all].reverse()) if (uses[0] !== undefined) names.set(word(uses[0]), name);
+    const spoken = (text: string): string => text.replace(/`([A-Za-z]+)`|\b([A-Z][a-z]+[A-Z]\w+)\b/g,
+        (whole, quoted?: string, bare?: string) => names.get(quoted ?? bare ?? "") ?? whole);
+    return {
+        ...description,
+        commands: new Map([...description.commands].map(([id, command]) => [id, { ...command, text: spoken(command.text) }])),
+        failures: Object.fromEntries(Object.entries(description.failures).map(([name, failure]) =>
+            [name, { ...failure, meaning: spoken(failure.meaning), todo: spoken(failure.todo) }])),
+    };
+}
+
 /** All tools by their names. */
 export function allTools(description: Description): ReadonlyMap<string, Tool> {
-    const all = [...rows.slice(0, 2), ...plantRows(description), ...rows.slice(2), ...valueRows];
-    return new Map(all.map((row) => [row.name, toolOf(description, row)]));
+    return new Map(allRows(description).map((row) => [row.name, toolOf(description, row)]));
 }

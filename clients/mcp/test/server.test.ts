@@ -93,10 +93,11 @@ test("long integers and whole lengths reach the service as they are meant", asyn
     assert.equal(pump, "26010100000000011");
     const document = {
         DeviceInfo: [{ InstanceID: "p", VornModuleID: pump }, { InstanceID: "n", VornModuleID: 3000, FluidType: 0 }, { InstanceID: "x", VornModuleID: "7" }],
-        ConnectionInfo: [{ ConnectionID: "c", StartDeviceInstanceID: "p", StartPortID: "1", EndDeviceInstanceID: "n", Length: 5 }],
+        ConnectionInfo: [{ ConnectionID: "c", StartDeviceInstanceID: "p", StartPortID: "1", EndDeviceInstanceID: "n", Length: 5 },
+            { ConnectionID: "d", StartDeviceInstanceID: "nobody", StartPortID: "1", EndDeviceInstanceID: "n" }],
     };
     const made = (await call("make_plant", { project: "SMALL", document })).json;
-    assert.deepEqual(made.leftOut.devices, ["x"]);
+    assert.deepEqual([made.leftOut.devices, made.leftOut.looseEnds], [["x"], ["start of d", "end of d"]]);
     const pipe = (await call("element_values", { project: "SMALL", element: "c" })).json;
     assert.deepEqual(pipe.items[0].sets.slice(0, 2), [5, 5]);
     assert.equal((await call("read_topology", { project: "SMALL", part: "devices" })).json.entries[0].VornModuleID, pump);
@@ -178,7 +179,7 @@ test("wrong input is told with what to do", async () => {
     for (const [name, args, form] of table) await fails(name, args, form);
     await assert.rejects(client.callTool({ name: "fly", arguments: {} }), /no tool fly/);
     await call("run", { project });
-    await fails("make_plant", { project, example: "cold_store" }, /project is runing.*PjtStop/s);
+    await fails("make_plant", { project, example: "cold_store" }, /project is runing.*\nWhat to do: Send stop first/s);
     await call("stop", { project });
 });
 
