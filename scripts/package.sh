@@ -14,7 +14,7 @@ make() {
     (cd "build/$1/packages" && rm -rf _CPack_Packages && sha256sum ./* >SHA256SUMS && ls -l)
 }
 case "${1:-}" in
-    "") scripts/setup.sh ;;
+    "") scripts/setup.sh --package ;;
     windows)
         say "an archive for Windows"
         make windows ZIP

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Installs the Debian packages that are missing. With --full also those of the format and lint checks, with --windows
-# those that build and run for Windows.
+# Installs the Debian packages that are missing. With --package also those that make packages, with --full those too
+# and those of the format and lint checks, with --windows those that build and run for Windows.
 set -euo pipefail
 . "$(dirname "$0")/lib.sh"
 
@@ -9,6 +9,7 @@ packages=(g++ cmake ninja-build pkg-config curl python3 socat locales
           libbenchmark-dev python3-jsonschema python3-pytest
           python3-build python3-setuptools python3-wheel python3-networkx)
 [ "${1:-}" = --full ] && packages+=(clang-format clang-tidy mypy clang libclang-rt-14-dev libutfcpp-dev)
+[[ "${1:-}" = --package || "${1:-}" = --full ]] && packages+=(dpkg-dev file)
 [ "${1:-}" = --windows ] && packages+=(g++-mingw-w64-x86-64-posix wine wine64 dpkg-dev)
 # The console's page is built with Node, from wherever it came, and tested in a browser.
 command -v npm >/dev/null || packages+=(nodejs npm)
