@@ -1,10 +1,12 @@
 // Memory that runs out in the midst of a request: that request fails, and the service goes on.
 
+#include <atomic>
 #include <functional>
 #include <thread>
 
 #include "include/vorn_contract.h"
 #include "include/vorn_server.h"
+#include "service/http_workers.h"
 #include "service/pipe_message.h"
 #include "service/pipe_service.h"
 #include "standin/plant/step.h"
@@ -156,6 +158,20 @@ TEST_F(MemoryProjectTest, LetsACommandFailAndNotTheProject) {
 
 /// As `MemoryTest`, over a pipe.
 class MemoryThreadsTest : public MemoryTest {};
+
+TEST_F(MemoryThreadsTest, KeepsAConnectionUntilThereIsRoomForIt) {
+    for (const int failing : {1, 2, 3}) {
+        FailNew(0, failing);
+        vorn::HttpWorkers workers;
+        std::atomic<bool> served{false};
+        FailNew(0, failing);
+        workers.enqueue([&served] { served = true; });
+        EXPECT_TRUE(NewFailed());
+        FailNew(-1);
+        workers.shutdown();
+        EXPECT_TRUE(served);
+    }
+}
 
 TEST_F(MemoryThreadsTest, LetsAClientOfThePipeGo) {
     const string name = "VornMemoryPipe" + std::to_string(ProcessNumber());

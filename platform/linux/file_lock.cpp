@@ -22,6 +22,14 @@ bool StillNamed(int file, const std::string& path) {
            opened.st_dev == named.st_dev;
 }
 
+/// The open file, negative where it cannot be made. That of another user's server may be one to read only: it
+/// can be locked all the same.
+int Opened(const std::string& path) {
+    constexpr int Always = O_CLOEXEC | O_NOFOLLOW;
+    const int file = open(path.c_str(), O_RDWR | O_CREAT | Always, 0666);
+    return file < 0 && errno == EACCES ? open(path.c_str(), O_RDONLY | Always) : file;
+}
+
 std::string HolderRead(int file) {
     char text[HolderBytesAtMost];
     const ssize_t bytes = pread(file, text, sizeof text, 0);
@@ -38,7 +46,7 @@ bool OwnerWrite(int file, std::string_view owner) {
 LockResult FileLock::Take(const std::string& path, std::string_view owner, std::string& holder) {
     path_ = path;
     for (;;) {
-        const int file = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0666);
+        const int file = Opened(path);
         if (file < 0) return LockResult::Impossible;
         if (flock(file, LOCK_EX | LOCK_NB) != 0) {
             const bool held = errno == EWOULDBLOCK;

@@ -1,7 +1,10 @@
 // Why a project cannot be read or stored, in this system's words.
 
 #include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include "platform/file_lock.h"
 #include "standin/project_store.h"
 #include "tests/support/store_test.h"
 
@@ -38,4 +41,20 @@ TEST_F(StoreTest, TellsWhyItCannotReadOrWrite) {
     testing::internal::CaptureStderr();
     EXPECT_EQ(Send("PjtSent", "P", Nodes(1)), "OK");
     EXPECT_EQ(testing::internal::GetCapturedStderr(), cannotStore + "Not a directory: ../AlgProject/P/\n");
+}
+
+TEST_F(StoreTest, KeepsAProjectFromServersOfOtherUsersToo) {
+    if (geteuid() != 0) GTEST_SKIP() << "needs root, to become another user";
+    Send("Create", "P");
+    Send("PjtSent", "P", Nodes(1));
+    const pid_t child = fork();
+    if (child == 0) {
+        vorn::FileLock lock;
+        std::string holder;
+        if (setuid(65534) != 0) _exit(99);
+        _exit(lock.Take("../AlgProject/P.lock", "another user", holder) == vorn::LockResult::Held ? 0 : 1);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0);
 }
