@@ -17,6 +17,7 @@
 #include "network/snapshot.h"
 #include "text/ansi_to_utf8.h"
 #include "text/fixed_text.h"
+#include "text/json.h"
 
 namespace vorn {
 
@@ -46,7 +47,7 @@ struct Report {
     explicit Report(std::string& text) : stream{text}, writer(stream) {}
 
     TextStream stream;
-    rapidjson::PrettyWriter<TextStream> writer;
+    rapidjson::PrettyWriter<TextStream, rapidjson::UTF8<>, rapidjson::UTF8<>, JsonMemory> writer;
     std::array<std::optional<std::string>, ModuleTypeCount>
         midName{};  ///< by type; empty until it is asked for
 };

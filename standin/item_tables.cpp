@@ -10,13 +10,15 @@
 #include "engine/vorn_core.h"
 #include "standin/trace.h"
 #include "standin/values.h"
+#include "text/json.h"
 #include "text/number_text.h"
 
 using namespace standin;
 
 namespace {
 
-using JsonWriter = rapidjson::Writer<rapidjson::StringBuffer>;
+using JsonBuffer = rapidjson::GenericStringBuffer<rapidjson::UTF8<>, vorn::JsonMemory>;
+using JsonWriter = rapidjson::Writer<JsonBuffer, rapidjson::UTF8<>, rapidjson::UTF8<>, vorn::JsonMemory>;
 
 /// The columns of a table of items: behind the first stand the layers, in their order.
 constexpr int FirstLayerColumn = 1;
@@ -136,7 +138,7 @@ void RunValuesWrite(const TextOf& text) {
 /// The array that `write` fills, as a text that stays until the next call on this thread.
 template <typename Write>
 const char* ArrayText(Write write) {
-    rapidjson::StringBuffer buffer;
+    JsonBuffer buffer;
     JsonWriter writer(buffer);
     writer.StartArray();
     write(writer);

@@ -1,7 +1,6 @@
 #include "import/catalog.h"
 
 #include <cstdio>
-#include <set>
 
 #include "engine/vorn_core.h"
 #include "engine/vorn_var.h"
@@ -47,13 +46,6 @@ TEST(CatalogTest, HoldsEachRowAtItsPlace) {
     EXPECT_EQ(Digest(StraightCatalog), 0x5bc1eb7b8ad59af8U);
     EXPECT_EQ(Digest(ReducerCatalog), 0x7a523a1ad3d59564U);
     EXPECT_EQ(StraightCatalog.at(5).Name, std::string_view("DN50铸铁管道"));
-}
-
-TEST(CatalogTest, HoldsNoSizesTwiceButFourSquareDucts) {
-    std::set<Sizes> sizes;  // two of straight rows, four of reducers
-    for (const FittingRow& row : StraightCatalog) sizes.insert(SizesOf(row));
-    for (const ReducerRow& row : ReducerCatalog) sizes.insert(SizesOf(row));
-    EXPECT_EQ(sizes.size(), StraightRows - 4 + ReducerRows);
 }
 
 TEST(FittingTest, ChoosesByBothPortSizesWithinTheTolerances) {

@@ -121,16 +121,6 @@ TEST_F(FrameTest, LogsWritesApartFromReads) {
     }
 }
 
-TEST_F(FrameTest, GoesOnBehindACommandThatRunsOutOfMemory) {
-    Send("Create", "P");
-    Rtn_Set_Get();
-    AtSleep([](int) { throw std::bad_alloc(); });
-    EXPECT_EQ(Send("AddNode", "P", Fluid()), "出现莫名错误,请联系技术支持");
-    EXPECT_EQ(Rtn_Set_Get(), "AddNode P " + Fluid() + " 出现莫名错误,请联系技术支持");
-    AtSleep({});
-    EXPECT_EQ(Send("AddNode", "P", Fluid()), "NOD1");
-}
-
 TEST_F(FrameTest, TakesTheEnvelopeApart) {
     const string deep(1000000, '[');
     const auto nested = [](int depth) {

@@ -49,7 +49,7 @@ TEST_F(PlacementTest, TellsTheFailureThatCounts) {
         {"AddModule", "P", Valve(R"(,"PositionZ":43000000.0)"), "PositionZ" + NotDouble},
         {"AddModule", "P", Valve(R"(,"PositionZ":true)"), "PositionZ" + NotDouble},
         {"AddModule", "P", Valve(R"(,"ModelID":1)"), "ModelID" + NotText},
-        {"AddModule", "P", Valve(R"(,"RoomID":1,"PageNb":"x")"), "RoomID" + NotText},
+        {"AddModule", "P", Valve(R"(,"RoomID":1,"ModelID":1,"PageNb":"x")"), "RoomID" + NotText},
         {"AddModule", "P", R"({"VornModuleID":26010100000000012,"DeviceName":5,"RoomID":5})",
          "DeviceName" + NotText},
         {"AddModule", "P", R"({"VornModuleID":26010100000000012})", ModuleName},

