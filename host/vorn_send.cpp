@@ -14,6 +14,7 @@
 #include "host/program_start.h"
 #include "host/send_options.h"
 #include "include/vorn_contract.h"
+#include "platform/fault_text.h"
 #include "platform/file_text.h"
 
 namespace {
@@ -107,7 +108,7 @@ int main(int count, char** arguments) {
     if (ended) return *ended;
     std::error_code unread;
     if (!options.file.empty() && !MessagesRead(options.file, options.messages, unread)) {
-        return Fail(2, "cannot read the file '" + options.file + "': " + unread.message());
+        return Fail(2, "cannot read the file '" + options.file + "': " + vorn::FaultText(unread));
     }
     std::string fault;
     if (options.pipe && !PipeCarries(options, fault)) return Fail(2, fault);

@@ -10,6 +10,7 @@
 
 #include "engine/vorn_chart_cache.h"
 #include "engine/vorn_core.h"
+#include "platform/fault_text.h"
 #include "platform/file_text.h"
 #include "standin/notice.h"
 #include "standin/project_folder.h"
@@ -45,7 +46,7 @@ void DrawFile(const std::string& name, const char* ending, Draw* draw) {
     std::error_code fault;
     if (path.empty()) return;
     if (vorn::FolderMake(ProjectFolder(name), fault) && vorn::FileReplace(path, svg, fault)) return;
-    Notice("drawing: " + path + ": " + fault.message());
+    Notice("drawing: " + path + ": " + vorn::FaultText(fault));
 }
 
 /// Draws on a thread of its own, behind the drawing before; where no thread can be made, here.

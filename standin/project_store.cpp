@@ -9,6 +9,7 @@
 #include <system_error>
 
 #include "engine/vorn_core.h"
+#include "platform/fault_text.h"
 #include "platform/file_path.h"
 #include "platform/file_text.h"
 #include "standin/notice.h"
@@ -40,7 +41,7 @@ void Report(string_view name, const std::string& what) {
 
 /// The reason in the system's own words, and the file that it is about.
 std::string Reason(const std::error_code& fault, const std::string& path) {
-    return ": " + fault.message() + (path.empty() ? "" : ": " + path);
+    return ": " + vorn::FaultText(fault) + (path.empty() ? "" : ": " + path);
 }
 
 /// FNV-1a of 64 bits: it finds each single changed byte.

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <system_error>
 
+#include "platform/fault_text.h"
 #include "platform/windows/wide_text.h"
 
 namespace {
@@ -48,7 +49,7 @@ std::intptr_t SerialOpen(const SerialPort& port, std::string& fault) {
         CreateFileW(name.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
     const auto tell = [&] {
         const std::error_code reason(static_cast<int>(GetLastError()), std::system_category());
-        fault = port.device + ": " + reason.message();
+        fault = port.device + ": " + vorn::FaultText(reason);
         return -1;
     };
     if (device == INVALID_HANDLE_VALUE) return tell();
