@@ -6,8 +6,11 @@
 #include <array>
 #include <atomic>
 #include <cstdint>
+#include <memory>
 #include <string>
+#include <utility>
 
+#include "platform/windows/pipe_owner.h"
 #include "platform/windows/wide_text.h"
 
 namespace vorn {
@@ -40,12 +43,11 @@ std::wstring FullName(std::string_view name) {
     return LR"(\\.\pipe\)" + WideFromCodePage(name);
 }
 
-NamedPipe* Wrap(HANDLE handle, bool server) {
-    if (handle == INVALID_HANDLE_VALUE) return nullptr;
-    return new NamedPipe{.handle = handle,
-                         .done = CreateEventW(nullptr, TRUE, FALSE, nullptr),
-                         .server = server,
-                         .left = ClientHolds * Hold()};
+/// The client's end of a pipe; the invalid handle, with the system's error number, where there is none.
+HANDLE ClientOpen(const std::wstring& full, DWORD flags) {
+    // The server may learn who calls, and may not act in the caller's name.
+    return ::CreateFileW(full.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
+                         flags | SECURITY_SQOS_PRESENT | SECURITY_IDENTIFICATION, nullptr);
 }
 
 /// Starts an operation by `start`, which is given its overlapped record, and waits for it. Gives the bytes
@@ -111,9 +113,12 @@ void PipeHoldSet(int milliseconds) {
 NamedPipe* CreateNamedPipeW(std::string_view name) {
     constexpr DWORD Open = PIPE_ACCESS_DUPLEX | FILE_FLAG_FIRST_PIPE_INSTANCE | FILE_FLAG_OVERLAPPED;
     constexpr DWORD Mode = PIPE_TYPE_BYTE | PIPE_READMODE_BYTE | PIPE_WAIT | PIPE_REJECT_REMOTE_CLIENTS;
-    return Wrap(
-        ::CreateNamedPipeW(FullName(name).c_str(), Open, Mode, 1, BufferBytes, BufferBytes, 0, nullptr),
-        true);
+    auto pipe = std::make_unique<NamedPipe>(NamedPipe{.server = true});
+    pipe->handle =
+        ::CreateNamedPipeW(FullName(name).c_str(), Open, Mode, 1, BufferBytes, BufferBytes, 0, nullptr);
+    if (pipe->handle == INVALID_HANDLE_VALUE) return nullptr;
+    pipe->done = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    return pipe.release();
 }
 
 bool ConnectNamedPipe(NamedPipe* pipe) {
@@ -185,35 +190,37 @@ void WaitNamedPipeW(std::string_view name) {
 
 NamedPipe* CreateFileW(std::string_view name) {
     const std::wstring full = FullName(name);
-    // The server may learn who calls, and may not act in the caller's name.
-    constexpr DWORD Flags = FILE_FLAG_OVERLAPPED | SECURITY_SQOS_PRESENT | SECURITY_IDENTIFICATION;
-    for (bool waited = false;; waited = true) {
-        NamedPipe* const pipe = Wrap(::CreateFileW(full.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
-                                                   OPEN_EXISTING, Flags, nullptr),
-                                     false);
-        if (pipe != nullptr || waited || GetLastError() != ERROR_PIPE_BUSY) return pipe;
+    auto pipe = std::make_unique<NamedPipe>(NamedPipe{.left = ClientHolds * Hold()});
+    pipe->handle = ClientOpen(full, FILE_FLAG_OVERLAPPED);
+    if (pipe->handle == INVALID_HANDLE_VALUE && GetLastError() == ERROR_PIPE_BUSY) {
         ::WaitNamedPipeW(full.c_str(), QueueWaitMilliseconds);
+        pipe->handle = ClientOpen(full, FILE_FLAG_OVERLAPPED);
     }
+    if (pipe->handle == INVALID_HANDLE_VALUE) return nullptr;
+    // Somebody else's pipe is not talked to, and trying again would not help: what is written fails.
+    if (!PipeOwnerTrusted(pipe->handle)) ::CloseHandle(std::exchange(pipe->handle, INVALID_HANDLE_VALUE));
+    pipe->done = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    return pipe.release();
 }
 
 void CloseHandle(NamedPipe* pipe) {
     if (pipe == nullptr) return;
-    ::CloseHandle(pipe->handle);
+    if (pipe->handle != INVALID_HANDLE_VALUE) ::CloseHandle(pipe->handle);
     ::CloseHandle(pipe->done);
     delete pipe;
 }
 
 PipeHolder PipeHolderOf(std::string_view name) {
-    const std::wstring full = FullName(name);
     WaitNamedPipeW(name);
-    const HANDLE pipe = ::CreateFileW(full.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
-                                      SECURITY_SQOS_PRESENT | SECURITY_IDENTIFICATION, nullptr);
+    const HANDLE pipe = ClientOpen(FullName(name), 0);
     if (pipe == INVALID_HANDLE_VALUE) {
         return GetLastError() == ERROR_ACCESS_DENIED ? PipeHolder::AnotherUser : PipeHolder::Nobody;
     }
+    const bool trusted = PipeOwnerTrusted(pipe);
     ULONG process = 0;
     const bool told = GetNamedPipeServerProcessId(pipe, &process) != FALSE;
     ::CloseHandle(pipe);
+    if (!trusted) return PipeHolder::AnotherUser;
     return told && process == GetCurrentProcessId() ? PipeHolder::ThisProcess : PipeHolder::ThisUser;
 }
 

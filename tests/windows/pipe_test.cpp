@@ -3,6 +3,8 @@
 
 #include <windows.h>
 
+#include <sddl.h>
+
 #include <array>
 #include <thread>
 #include <vector>
@@ -111,6 +113,27 @@ TEST_F(PipeThreadsTest, KnowsWhoHoldsAPipe) {
     Join();
     Serve(1);
     EXPECT_EQ(Exchange256(name_, "Fdp/NONE"), "0");
+}
+
+TEST_F(PipeThreadsTest, TellsAnotherOwnersPipeNothing) {
+    const string name = name_ + "other";
+    PSECURITY_DESCRIPTOR everyones = nullptr;
+    ASSERT_TRUE(ConvertStringSecurityDescriptorToSecurityDescriptorW(L"O:WDD:(A;;GA;;;WD)", SDDL_REVISION_1,
+                                                                     &everyones, nullptr));
+    SECURITY_ATTRIBUTES facts{sizeof facts, everyones, FALSE};
+    const HANDLE pipe =
+        CreateNamedPipeW(FullName(name).c_str(), PIPE_ACCESS_DUPLEX, 0, 1, 256, 256, 0, &facts);
+    LocalFree(everyones);
+    if (pipe == INVALID_HANDLE_VALUE) GTEST_SKIP() << "needs the right to give a pipe away";
+    EXPECT_EQ(vorn::PipeExchange(name.c_str(), "Create/SECRET"), "");
+    char byte = 0;
+    DWORD count = 0;
+    EXPECT_FALSE(ReadFile(pipe, &byte, 1, &count, nullptr));
+    DisconnectNamedPipe(pipe);
+    std::thread server([pipe] { ConnectNamedPipe(pipe, nullptr); });
+    EXPECT_EQ(vorn::PipeHolderOf(name), vorn::PipeHolder::AnotherUser);
+    server.join();
+    CloseHandle(pipe);
 }
 
 }  // namespace
