@@ -238,8 +238,7 @@ std::string LinkTo(const std::string& host, int port) {
 }
 
 std::filesystem::path ConsoleFolder() {
-    const std::filesystem::path program = vorn::ExecutablePath();
-    return program.parent_path().parent_path() / "share" / "vornserver" / "console";
+    return vorn::ExecutableFile().parent_path().parent_path() / "share" / "vornserver" / "console";
 }
 
 std::string ConsoleStart(const ConsoleAddress& address, const std::filesystem::path& folder, int servicePort,

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <filesystem>
 #include <string>
 
 namespace vorn {
@@ -15,5 +16,8 @@ inline constexpr char PathSeparator = '/';
 
 /// The full path of the host process's executable, in the system code page; empty when it cannot be told.
 std::string ExecutablePath();
+
+/// The same path, also where the code page lacks characters of it.
+std::filesystem::path ExecutableFile();
 
 }  // namespace vorn

@@ -14,4 +14,8 @@ std::string ExecutablePath() {
     return {buffer.data(), static_cast<std::size_t>(length)};
 }
 
+std::filesystem::path ExecutableFile() {
+    return ExecutablePath();
+}
+
 }  // namespace vorn

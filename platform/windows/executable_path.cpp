@@ -13,7 +13,7 @@ constexpr std::size_t PathCharactersAtMost = 32768;
 
 }  // namespace
 
-std::string ExecutablePath() {
+std::filesystem::path ExecutableFile() {
     std::wstring path(MAX_PATH, L'\0');
     DWORD length = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
     if (length == path.size()) {
@@ -21,9 +21,13 @@ std::string ExecutablePath() {
         length = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
     }
     path.resize(length);
+    return path;
+}
+
+std::string ExecutablePath() {
     // A path that the code page cannot tell would be taken for others like it.
     bool lossy = false;
-    const std::string narrow = NarrowFromWide(path, CP_ACP, &lossy);
+    const std::string narrow = NarrowFromWide(ExecutableFile().native(), CP_ACP, &lossy);
     return lossy ? std::string() : narrow;
 }
 
