@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
-#include <cstdlib>
 #include <optional>
 #include <string>
 #include <thread>
@@ -32,7 +31,7 @@ std::atomic<bool> httpEnded{false};
 [[noreturn]] void End(int status) {
     const auto latest = std::chrono::steady_clock::now() + 500ms;
     while (!TellRest() && std::chrono::steady_clock::now() < latest) std::this_thread::sleep_for(10ms);
-    std::_Exit(status);
+    ProgramEnd(status);
 }
 
 void StartHttp() {

@@ -7,6 +7,7 @@
 
 #include "include/vorn_contract.h"
 #include "include/vorn_server.h"
+#include "platform/pipe_client.h"
 #include "service/pipe_message.h"
 #include "service/pipe_service.h"
 #include "service/server_root.h"
@@ -119,6 +120,37 @@ TEST_F(PipeThreadsTest, LetsGoOfClientsThatHoldItUp) {
     const RawClient neverReads(name_);
     EXPECT_TRUE(neverReads.Send("x"));
     EXPECT_EQ(Ask("Fdp/LEFT"), "1");
+    server.join();
+}
+
+TEST_F(PipeThreadsTest, BoundsRequestsAndTheTimeOfAWholeExchange) {
+    Serve(3);
+    string reply;
+    const string least = "Get/";
+    const string most = least + string(vorn::PipeRequestBytesAtMost - least.size(), 'x');
+    EXPECT_EQ(vorn::PipeAsk(name_.c_str(), most, 0, reply), vorn::PipeAnswer::Whole);
+    EXPECT_EQ(vorn::PipeAsk(name_.c_str(), most + "x", 0, reply), vorn::PipeAnswer::BrokeOff);
+    EXPECT_EQ(vorn::PipeAsk(name_.c_str(), "Fdp/P", 0, reply), vorn::PipeAnswer::Whole);
+    Join();
+
+    // A client that reads on, but slowly, is let go all the same.
+    constexpr size_t ReplyBytes = 3U << 20U;
+    vorn::PipeHoldSet(100);
+    std::thread server([] {
+        EXPECT_TRUE(vorn::ConnectNamedPipe(vorn::PipeHandle));
+        vorn::PipeReply(string(ReplyBytes, 'r'));
+        vorn::DisconnectNamedPipe(vorn::PipeHandle);
+    });
+    vorn::NamedPipe* const slow = vorn::CreateFileW(name_);
+    ASSERT_TRUE(slow != nullptr && vorn::WriteFile(slow, "Fdp/P"));
+    size_t received = 0;
+    string bytes(4096, ' ');
+    for (size_t read = bytes.size(); read == bytes.size(); received += read) {
+        std::this_thread::sleep_for(milliseconds(10));
+        if (!vorn::ReadFile(slow, bytes.data(), bytes.size(), read)) break;
+    }
+    EXPECT_LT(received, ReplyBytes);
+    vorn::CloseHandle(slow);
     server.join();
 }
 

@@ -27,6 +27,10 @@ char** ProgramStart(char** arguments) {
     return arguments;
 }
 
+void ProgramEnd(int status) {
+    std::_Exit(status);
+}
+
 void EnvironmentSet(const char* name, const char* value) {
     setenv(name, value, 1);
 }

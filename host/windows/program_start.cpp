@@ -13,8 +13,25 @@
 
 #include "platform/windows/wide_text.h"
 
+namespace {
+
+constexpr std::size_t OutputBufferBytes = 65536;
+
+/// What the console took texts for before; it outlives the program. 0 without a console.
+UINT codePageBefore = 0;
+
+void ConsoleRestore() {
+    if (codePageBefore != 0) SetConsoleOutputCP(codePageBefore);
+}
+
+}  // namespace
+
 char** ProgramStart(char** arguments) {
+    codePageBefore = GetConsoleOutputCP();
     SetConsoleOutputCP(CP_UTF8);
+    std::atexit(ConsoleRestore);
+    // Else each byte would go to the console by itself, and no character of several would be shown.
+    std::setvbuf(stdout, nullptr, _IOFBF, OutputBufferBytes);
     for (std::FILE* const stream : {stdin, stdout, stderr}) _setmode(_fileno(stream), _O_BINARY);
 
     int count = 0;
@@ -29,6 +46,13 @@ char** ProgramStart(char** arguments) {
     for (std::string& text : texts) words.push_back(text.data());
     words.push_back(nullptr);
     return words.data();
+}
+
+void ProgramEnd(int status) {
+    ConsoleRestore();
+    // Nothing of the libraries is run any more: what the other threads hold would not come free.
+    TerminateProcess(GetCurrentProcess(), static_cast<UINT>(status));
+    std::_Exit(status);
 }
 
 void EnvironmentSet(const char* name, const char* value) {

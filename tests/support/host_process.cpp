@@ -29,6 +29,16 @@ std::string HostProcess::WaitFor(const std::string& mark) {
     }
 }
 
+std::string HostProcess::Ask(const std::string& command, const std::string& name,
+                             const std::string& messages) {
+    httplib::Client client = Client();
+    client.set_read_timeout(60);
+    const auto reply = client.Post(
+        "/api", R"({"command":")" + command + R"(","name":")" + name + R"(","messages":")" + messages + "\"}",
+        "application/json");
+    return reply ? reply->body : "no reply";
+}
+
 int HostProcess::End() {
     process_->AskToEnd();
     return process_->Wait();

@@ -28,6 +28,8 @@ class HostProcess {
     /// Reads on until a line with `mark` is whole, and gives what stands behind the mark; the empty text when
     /// none came in 20 seconds.
     std::string WaitFor(const std::string& mark);
+    /// The reply to a command over HTTP; its texts are put into JSON as they are.
+    std::string Ask(const std::string& command, const std::string& name, const std::string& messages = "");
     unsigned Number() const { return process_->Number(); }
     httplib::Client Client() const { return httplib::Client("127.0.0.1", port_); }
     /// Asks it to end and gives its exit status, -1 when it did not end by itself.

@@ -1,5 +1,6 @@
 // Stored projects and what is peculiar to this system's files.
 
+#include <utf8.h>
 #include <windows.h>
 
 #include "standin/project_store.h"
@@ -41,6 +42,8 @@ TEST_F(StoreTest, TellsThatAnotherProgramHoldsTheFile) {
     const std::string lines = testing::internal::GetCapturedStderr();
     EXPECT_TRUE(Holds(lines, "P: the stored file cannot be read: ")) << lines;
     EXPECT_TRUE(Holds(lines, "P: the project cannot be stored: ")) << lines;
+    EXPECT_EQ(Split(lines, '\n').size(), 2U) << lines;
+    EXPECT_TRUE(utf8::is_valid(lines)) << lines;
     CloseHandle(held);
     EXPECT_EQ(Read(FileOf("P")), whole);
     EXPECT_EQ(FilesOf("P").find(".new"), std::string::npos);
