@@ -71,6 +71,6 @@ if [ "${2:-}" = --once ]; then
 else
     say "demo: played whole; the service goes on at $address until Ctrl-C"
     console=$(told 'VornServer shows its plants at ')
-    if [ -n "$console" ]; then say "see its plants in a browser: $console"; else say "no console: $(told 'VornServer has no console: ')"; fi
+    if [ -n "$console" ]; then say "see the plant that runs in a browser: $console#COLD"; else say "no console: $(told 'VornServer has no console: ')"; fi
     wait "${started[1]}"
 fi

@@ -29,8 +29,10 @@ export function Drawing() {
                 role="application"
                 aria-label={t("drawing")}
                 title={tip.value}
+                id="drawing"
                 onKeyDown={(event) => {
-                    if (scene.current?.key(event.key)) event.preventDefault();
+                    if (event.key === "Enter") document.getElementById("inspector")?.focus();
+                    else if (scene.current?.key(event.key)) event.preventDefault();
                 }}
             />
             {plant.value && plant.value.elements.size > 0 && <Tools />}

@@ -151,7 +151,14 @@ export function Inspector() {
     }, [address, element, of, run, info, reads.value]);
     if (!of || key === null) return null;
     return (
-        <aside class="inspector" aria-label={element?.id ?? key}>
+        <aside
+            class="inspector" id="inspector" tabIndex={-1} aria-label={element?.id ?? key}
+            onKeyDown={(event) => {
+                if (event.key !== "Escape") return;
+                select(null);
+                document.getElementById("drawing")?.focus();
+            }}
+        >
             <div class="head">
                 <h2>{element?.id ?? key}</h2>
                 <button type="button" class="tool" aria-label={t("dismiss")} title={t("dismiss")} onClick={() => select(null)}>

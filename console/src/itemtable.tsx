@@ -48,7 +48,9 @@ function Cell({ text, label, save }: CellProps) {
             ref={(field) => { if (field && document.activeElement !== field) { field.focus(); field.select(); } }}
             onKeyDown={(event) => {
                 if (event.key === "Enter") void finish(event.currentTarget.value);
-                if (event.key === "Escape") editing.value = false;
+                if (event.key !== "Escape") return;
+                event.stopPropagation();
+                editing.value = false;
             }}
             onBlur={() => (editing.value = false)}
         />

@@ -46,7 +46,19 @@ function Workspace() {
     );
 }
 
+/** A slash leads to the search, as in many programs. */
+function searchKey(event: KeyboardEvent): void {
+    const field = document.getElementById("search");
+    if (event.key !== "/" || !field || (event.target as HTMLElement).closest("input, select, dialog")) return;
+    event.preventDefault();
+    field.focus();
+}
+
 function Page() {
+    useEffect(() => {
+        addEventListener("keydown", searchKey);
+        return () => removeEventListener("keydown", searchKey);
+    }, []);
     useEffect(() => {
         document.documentElement.lang = language.value === "zh" ? "zh-CN" : "en";
         document.title = current.value === null ? t("title") : `${current.value} · ${t("title")}`;

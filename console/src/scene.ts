@@ -185,7 +185,7 @@ export class Scene {
         const { width, height } = this.arranged.layout;
         // Room for what lies over the drawing: the quantities above, the buttons to the right, the legend below.
         const narrow = this.width < 600;
-        const [left, top, right, bottom] = narrow ? [12, 100, 12, 20] : [30, 64, 70, 52];
+        const [left, top, right, bottom] = narrow ? [26, 100, 26, 64] : [30, 64, 70, 52];
         const [w, h] = [this.width - left - right, this.height - top - bottom];
         const scale = Math.min(w / width, h / height, 1.25);
         const x = left + (w - width * scale) / 2;

@@ -43,7 +43,9 @@ function Elements() {
                     onInput={(event) => (wanted.value = event.currentTarget.value)}
                     onKeyDown={(event) => {
                         const first = all.value[0];
-                        if (event.key === "Enter" && first) choose(first.key);
+                        if (event.key !== "Enter" || !first) return;
+                        choose(first.key);
+                        document.getElementById("drawing")?.focus();
                     }}
                 />
             </label>

@@ -109,8 +109,8 @@ const texts = {
     zoomIn: ["放大", "Zoom in"],
     zoomOut: ["缩小", "Zoom out"],
     drawing: [
-        "系统图。方向键在相邻元件间移动，加减号缩放，0 适合窗口，Esc 取消选择。",
-        "Drawing of the plant. Arrow keys go from element to element, plus and minus zoom, 0 fits, Escape clears.",
+        "系统图。方向键在相邻元件间移动，回车查看数值，加减号缩放，0 适合窗口，Esc 取消选择。",
+        "Drawing of the plant. Arrow keys go from element to element, Enter leads to its values, plus and minus zoom, 0 fits, Escape clears.",
     ],
     gone: ["服务没有应答，正在重新连接…", "The service does not answer. Connecting again…"],
     back: ["服务恢复了", "The service is back"],

@@ -125,10 +125,13 @@ test("a run shows that it is under way, and values move", async () => {
 });
 
 test("a value is edited and read back by another client", async () => {
-    await page.getByLabel("Search elements").fill("compr");
+    await page.locator("body").press("/");
+    await page.keyboard.type("compr");
     await page.keyboard.press("Enter");
     const inspector = page.getByRole("complementary", { name: "compressor", exact: true });
     await inspector.getByText("MOD2", { exact: true }).waitFor();
+    await page.keyboard.press("Enter");
+    assert.equal(await inspector.evaluate((aside) => aside === document.activeElement), true, "the search leads to the drawing, and that to the values");
     for (const [cell, value] of [["Power Run", "7.5"], ["Power Set 1", "8.25"]] as const) {
         await inspector.getByRole("button", { name: `Edit ${cell}` }).click();
         await inspector.getByRole("textbox", { name: cell }).fill(value);
