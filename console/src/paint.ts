@@ -43,7 +43,7 @@ const font = (size: number, weight = 500): string => `${weight} ${size}px system
 const growth = (scale: number): number => Math.min(1.7, Math.max(1, 0.85 / scale));
 
 /** Below this scale there are no labels, below the next no signs. */
-export const labelScale = 0.42;
+export const labelScale = 0.38;
 const signScale = 0.16;
 
 type Canvas = CanvasRenderingContext2D;
