@@ -185,6 +185,12 @@ int WaitForAName(const string& /*argument*/) {
     while (vorn::PipeExchange(name.c_str(), question) != "1") std::this_thread::yield();
     for (vorn::NamedPipe* pipe : held) vorn::CloseHandle(pipe);
     PipeServerThread(nullptr);  // returns: the first one answers its probe
+    {
+        // And where that is too busy to answer: the library has its pipe.
+        const std::lock_guard busy(vorn::DispatchLock);
+        vorn::PipeHoldSet(1);
+        PipeServerThread(nullptr);
+    }
     std::_Exit(vorn::PipeName(vorn::PipeSlot) == name ? 0 : 1);
 }
 const Peer waitForAName("wait for a name", WaitForAName);
