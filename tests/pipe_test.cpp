@@ -111,16 +111,19 @@ TEST_F(PipeThreadsTest, LetsGoOfClientsThatHoldItUp) {
     EXPECT_EQ(Ask("Fdp/NONE"), "0");
     Join();
 
-    std::thread server([] {
-        EXPECT_TRUE(vorn::ConnectNamedPipe(vorn::PipeHandle));
-        vorn::PipeReply(Pattern(3 << 20));
-        vorn::DisconnectNamedPipe(vorn::PipeHandle);
-        vorn::PipeServeClient();
-    });
-    const RawClient neverReads(name_);
-    EXPECT_TRUE(neverReads.Send("x"));
-    EXPECT_EQ(Ask("Fdp/LEFT"), "1");
-    server.join();
+    for (const auto& [replyBytes, ends] : {std::pair(3 << 20, false), {10, false}, {10, true}}) {
+        std::thread server([bytes = static_cast<size_t>(replyBytes)] {
+            EXPECT_TRUE(vorn::ConnectNamedPipe(vorn::PipeHandle));
+            vorn::PipeReply(Pattern(bytes));
+            vorn::DisconnectNamedPipe(vorn::PipeHandle);
+            vorn::PipeServeClient();
+        });
+        const RawClient neverReads(name_);
+        EXPECT_TRUE(neverReads.Send("x"));
+        if (ends) neverReads.EndSending();
+        EXPECT_EQ(Ask("Fdp/LEFT"), "1");
+        server.join();
+    }
 }
 
 TEST_F(PipeThreadsTest, BoundsRequestsAndTheTimeOfAWholeExchange) {
