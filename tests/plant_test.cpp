@@ -127,7 +127,7 @@ constexpr double WaterHeat = 4182.0;  // J/(kg K)
 /// Pieces of a random plant that the tests look at.
 struct Drawn {
     Drawing drawing;
-    std::vector<int> nodes, rooms, tanks, towers, pumps;
+    std::vector<int> nodes, rooms, tanks, towers, pumps, valves;
 };
 
 /// Chilled water in rings of its own with pumps, valves and coils in rooms, cooled by circuits and through
@@ -144,7 +144,10 @@ Drawn RandomPlant(unsigned seed) {
         list.push_back(drawing.Add(type, items));
         return list.back();
     };
-    const auto valve = [&] { return drawing.Add(ValvePiece, {any(5) == 0 ? 0.0 : one(0.1, 1.0)}); };
+    const auto valve = [&] {
+        const double openings[] = {0.0, 1e-4, 0.01, one(0.1, 1.0)};
+        return add(made.valves, ValvePiece, {openings[std::min(any(6), 3)]});
+    };
     for (int count = 1 + any(3); count > 0; --count) add(made.rooms, RoomPiece, {one(10, 35), one(-10, 35)});
 
     // Two waters, each a ring of nodes with chords; a pump or two lead out of its vessel into the ring.
@@ -159,8 +162,11 @@ Drawn RandomPlant(unsigned seed) {
         const int suction = add(made.nodes, NodePiece);
         drawing.Join(vessel, 1, suction, 0, one(1, 5), 80);
         for (int count = 1 + any(2); count > 0; --count) {
-            const int pump = add(made.pumps, Pump, {any(6) == 0 ? 0.0 : one(5, 30), one(0.2, 3)});
-            drawing.Chain({suction, pump, node(0)});
+            std::vector<int> chain{suction};
+            for (int pumps = 1 + any(3); pumps > 0; --pumps)
+                chain.push_back(add(made.pumps, Pump, {any(6) == 0 ? 0.0 : one(1, 30), one(0.2, 20)}));
+            chain.push_back(node(0));
+            drawing.Chain(chain);
         }
         drawing.Join(node(size / 2), 0, vessel, 0, one(1, 5), 80);
         for (int index = 0; index < size; ++index)
@@ -268,17 +274,25 @@ TEST_F(PlantTest, MassAndEnergyAreKeptInAnyPlantAndAnyOrderOfRows) {
         const Drawn drawn = RandomPlant(seed);
         MadePlant plant("A", drawn.drawing);
         MadePlant other("B", drawn.drawing, seed);
-        for (const double seconds : {0.1, 10.0, 600.0, 0.1}) {
+        std::mt19937 random(seed);
+        const auto any = [&](int count) { return std::uniform_int_distribution(0, count - 1)(random); };
+        for (const double seconds : {0.1, 10.0, 600.0, 0.1, 0.1, 0.1, 0.1, 0.1}) {
+            for (const int pump : drawn.pumps)
+                plant.Item(pump, 0) = other.Item(pump, 0) = any(3) * any(3) * 5.0;
+            for (const int valve : drawn.valves)
+                plant.Item(valve, 0) = other.Item(valve, 0) = std::pow(0.01, any(4)) - 1e-6;
             ExpectEnergyKept(drawn, plant, seconds);
             ExpectMassKept(drawn, plant);
+            EXPECT_EQ(plant.Records().variables[5].integers[3], 0) << "nets without a solution";
             ASSERT_TRUE(PlantStep(other.Slot(), seconds));
             for (int piece = 0; piece < static_cast<int>(drawn.drawing.pieces.size()); ++piece) {
                 for (int port = 0; port < 4; ++port) {
                     const auto& one = plant.Port(piece, port);
                     const auto& same = other.Port(piece, port);
                     if (drawn.drawing.pieces[static_cast<std::size_t>(piece)].type == NodePiece) continue;
-                    ASSERT_NEAR(one.pressure, same.pressure, 1e-5) << piece;
                     ASSERT_NEAR(one.flow, same.flow, 1e-6) << piece;
+                    // Where pumps shut a part off its pressure is told by the numbers in it.
+                    ASSERT_NEAR(one.flow == 0.0 ? 0.0 : one.pressure - same.pressure, 0.0, 1e-5) << piece;
                     if (std::abs(one.flow) < 1e-4) continue;  // next to nothing can have any temperature
                     ASSERT_NEAR(one.temperature, same.temperature, 1e-4) << piece << '.' << port;
                 }
@@ -297,7 +311,7 @@ TEST_F(PlantTest, AnyStepLengthLeadsToTheSameSteadyState) {
         SCOPED_TRACE(seed);
         const Drawn drawn = RandomPlant(seed);
         MadePlant plant("A", drawn.drawing);
-        for (int step = 0; step < 200; ++step) ASSERT_TRUE(PlantStep(plant.Slot(), 5000.0));
+        for (int step = 0; step < 100; ++step) ASSERT_TRUE(PlantStep(plant.Slot(), 1e6));
         std::vector<double> steady;
         for (const int room : drawn.rooms) steady.push_back(plant.Item(room, 0));
         for (const double seconds : {10.0, 0.1}) {

@@ -15,21 +15,22 @@ constexpr int MostSteps = 100;
 constexpr double LongestStep = 50.0;    // K that a correction goes at most
 constexpr double LongestOldStep = 1.0;  // K that one goes that factors of an earlier step told
 
-// A correction that does not help is taken back and made again with each place held to where it is, by that
-// part of what streams and exchanges bring it, as if the plant took its time.
+// When corrections turn back and forth, as limits of exchanges come and go, each place is held to where it is
+// by that part of what streams and exchanges bring it, as if the plant took its time.
 constexpr double FirstEase = 0.1;
 constexpr double LeastEase = 1e-3;
-constexpr double EaseFalls = 0.25;
 constexpr double MostEase = 10.0;
+constexpr double EaseRises = 3.0;
+constexpr double EaseFalls = 0.9;
 
 /// What holds a place that nothing else holds to its temperature: part of what streams bring it, and W/K. So
 /// small that it does not count in any balance.
-constexpr double HoldShare = 1e-9;
-constexpr double Hold = 1e-6;
+constexpr double HoldShare = 1e-10;
+constexpr double Hold = 1e-7;
 
 // How far from its balance a place may stay: part of what is exchanged there and of what streams bring it at
 // a difference of 1 K; and how far rounding alone may bring it.
-constexpr double BalanceShare = 1e-9;
+constexpr double BalanceShare = 1e-10;
 constexpr double LeastTraffic = 1.0;  // W
 constexpr double Resolution = 1e-14;  // K that a temperature can be told to
 constexpr double RoundingShare = 1e-12;
@@ -114,7 +115,9 @@ void CircuitRows(const Circuit& circuit, const HeatTask& task, const std::vector
     }
     if (unloads) {
         entries.emplace_back(energy, circuit.evaporating, -taken * byEvaporating + Hold);
-        entries.emplace_back(energy, circuit.condensing, -taken * byCondensing + Hold);
+        // That power grows with the condensing temperature is left out: it would turn a correction round
+        // where nothing but the condenser's own heat moves that temperature.
+        entries.emplace_back(energy, circuit.condensing, Hold);
         const bool low = circuit.drive == Drive::LowLimit;
         // The temperature at its limit stays; the energy's row finds the other.
         entries.emplace_back(lift, low ? circuit.evaporating : circuit.condensing, 1.0);
@@ -170,6 +173,8 @@ bool HeatSolver::Solve(HeatTask& task, std::vector<double>& temperatures) {
     const Eigen::Map<const Eigen::VectorXd> lacks(lack_.data(), count);
     double before = std::numeric_limits<double>::infinity();
     double ease = 0.0;
+    bool turned = false;
+    Eigen::VectorXd lastChange;
     for (int step = 0; step <= MostSteps; ++step) {
         for (Circuit& circuit : task.circuits) CircuitBalance(circuit, task.exchanges, temperatures);
         const double worst = Measure(task, temperatures);
@@ -178,23 +183,24 @@ bool HeatSolver::Solve(HeatTask& task, std::vector<double>& temperatures) {
                                            [](double all, double lack) { return all + std::abs(lack); });
         // Factors of an earlier step are good as long as the corrections made with them shrink fast.
         if (ease > 0.0 || sum > 0.1 * before) factored_ = false;
-        if (sum < before) {
-            ease = ease < LeastEase ? 0.0 : ease * std::max(sum / before, EaseFalls);
-        } else if (fresh_) {
-            ease = std::clamp(ease * sum / before, FirstEase, MostEase);
+        if (turned && sum > 0.5 * before) {
+            ease = std::clamp(EaseRises * ease, FirstEase, MostEase);
+        } else {
+            ease = ease < LeastEase ? 0.0 : EaseFalls * ease;
         }
         before = sum;
-        fresh_ = !factored_;
-        if (fresh_ && !Factor(task, temperatures, ease)) break;
+        const bool fresh = !factored_;
+        if (fresh && !Factor(task, temperatures, ease)) break;
         Eigen::VectorXd change = factors_.solve(lacks);
-        if (!fresh_ && !(change.allFinite() && change.cwiseAbs().maxCoeff() < LongestOldStep)) {
-            fresh_ = true;
+        if (!fresh && !(change.allFinite() && change.cwiseAbs().maxCoeff() < LongestOldStep)) {
             if (!Factor(task, temperatures, ease)) break;
             change = factors_.solve(lacks);
         }
         // The balances of the circuits find these two by themselves.
         for (const Circuit& circuit : task.circuits)
             change[circuit.evaporating] = change[circuit.condensing] = 0.0;
+        turned = step > 0 && change.dot(lastChange) < 0.0;
+        lastChange = change;
         const double longest = change.cwiseAbs().maxCoeff();
         if (!change.allFinite()) break;
         const double share = longest > LongestStep ? LongestStep / longest : 1.0;

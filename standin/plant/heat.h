@@ -51,7 +51,6 @@ class HeatSolver {
     std::vector<double> turnover_;  ///< W/K by place: what streams bring it
     std::vector<double> traffic_;   ///< W by place: what it exchanges
     bool factored_ = false;
-    bool fresh_ = false;  ///< the factors were made at the last temperatures
     /// Of an earlier step perhaps: good as long as corrections made with it shrink.
     Eigen::SparseLU<Eigen::SparseMatrix<double>> factors_;
 };

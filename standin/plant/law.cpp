@@ -58,7 +58,11 @@ Law PipeLaw(Fluid fluid, double length, double diameter, double area, double wal
 Law ValveLaw(Fluid fluid, double opening) {
     Law law;
     law.closed = opening < LeastOpening;
-    if (!law.closed) law.quadratic = OpenValve * ShareOf(fluid) / (opening * opening);
+    if (law.closed) return law;
+    law.quadratic = OpenValve * ShareOf(fluid) / (opening * opening);
+    // At these flows it takes what an open one takes at those.
+    law.knee *= opening;
+    law.usualFlow *= opening;
     return law;
 }
 

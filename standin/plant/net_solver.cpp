@@ -9,42 +9,51 @@ namespace standin {
 namespace {
 
 constexpr int MostSteps = 50;
-constexpr int DampedFrom = 12;  ///< the step from which one that does not help is halved
 
 // A flow counts as found when it is right to this part of the net's largest, or its pressure to that of the
 // largest pressure, which is as near as numbers of 64 bits come.
 constexpr double FlowShare = 1e-9;
-constexpr double LeastFlow = 1e-9;  // kg/s
+constexpr double LeastFlow = 1e-12;  // kg/s
 constexpr double PressureShare = 1e-12;
 constexpr double LeastSlope = 1e-9;  // kPa/(kg/s)
+
+// A net with less flow than this is at rest; in others less than this part of the largest is no flow.
+constexpr double RestingFlow = 1e-6;  // kg/s
+constexpr double RoundingShare = 1e-12;
 
 /// How far from a solution factors of an earlier step are worth a try, in parts of the border of `FlowShare`.
 constexpr double NearEnough = 1e7;
 
-// A flow that comes near 0 on its way has next to no slope there, and the next step would go far beyond all
-// flows. So slopes begin too steep, which only shortens steps, and lose that from step to step.
+/// A first step from far away takes all slopes for steeper, by that part of the usual flow's: near rest they
+/// tell next to nothing.
 constexpr double FirstEase = 1.0;
-constexpr double LeastEase = 1e-6;
-constexpr double EaseFalls = 0.6;
 
-/// A step may turn a check, but not for ever.
-constexpr int LastTurn = 40;
+/// Mass counts as kept while a step is made, in parts of the border of `FlowShare`.
+constexpr double KeptShare = 10.0;
 
-double Largest(const std::vector<double>& values) {
-    double largest = 0.0;
-    for (const double value : values) largest = std::max(largest, std::abs(value));
-    return largest;
-}
+/// How steep a check is to what flows back, of its slope at the usual flow, until it is known which hold.
+constexpr double CheckSlope = 1e2;
 
-double LeastAccepted(const std::vector<double>& flows) {
-    return FlowShare * Largest(flows) + LeastFlow;
-}
+// A step goes along its line to where the net's content (see `Solve`) falls no more than by this part of how
+// it fell at first.
+constexpr double FlatEnough = 0.3;
+constexpr int MostTrials = 20;
 
 bool Finite(const std::vector<double>& values) {
     return std::all_of(values.begin(), values.end(), [](double value) { return std::isfinite(value); });
 }
 
 }  // namespace
+
+double NetSolver::Largest(const std::vector<double>& values) {
+    double largest = 0.0;
+    for (const double value : values) largest = std::max(largest, std::abs(value));
+    return largest;
+}
+
+double NetSolver::LeastAccepted() const {
+    return FlowShare * Largest(flows_) + LeastFlow;
+}
 
 NetSolver::NetSolver(const Layout& layout, const Net& net, std::span<const double> held)
     : flows_(net.aisles.size()),
@@ -53,6 +62,8 @@ NetSolver::NetSolver(const Layout& layout, const Net& net, std::span<const doubl
       carried_(net.aisles.size(), 2),
       parts_(net.points.size()),
       drops_(net.aisles.size()),
+      driving_(net.aisles.size()),
+      changes_(net.aisles.size()),
       surplus_(net.points.size()) {
     std::vector<int> local(layout.points.size(), -1);
     unknowns_.assign(net.points.size(), 0);
@@ -107,65 +118,68 @@ bool NetSolver::Carries(std::size_t edge, std::span<const Law> laws) const {
     return !laws[edge].closed && holding_[edge] == 0;
 }
 
-/// Begins where the last solution ended, but for what has been opened since, and for a net that was at rest.
+/// Begins where the last solution ended, but for what has been opened since.
 void NetSolver::Begin(std::span<const Law> laws) {
-    double usual = 0.0;
-    for (const Law& law : laws) usual = std::max(usual, law.closed ? 0.0 : law.usualFlow);
-    const bool rested = Largest(flows_) < 1e-6 * usual;
     for (std::size_t edge = 0; edge < edges_.size(); ++edge) {
         if (!laws[edge].check) holding_[edge] = 0;
         if (carried_[edge] != static_cast<char>(Carries(edge, laws))) factored_ = false;
         if (!Carries(edge, laws)) {
             flows_[edge] = 0.0;
-        } else if (rested || carried_[edge] != 1) {
+        } else if (carried_[edge] != 1) {
             flows_[edge] = laws[edge].usualFlow;
         }
     }
+    FindParts(laws);
+    soft_ = softened_ = false;
 }
 
-/// Parts the net at what carries nothing, and chooses the points on which parts rest that no vessel holds.
-void NetSolver::FindParts(std::span<const Law> laws) {
-    Joined joined(static_cast<int>(pressures_.size()));
-    for (std::size_t edge = 0; edge < edges_.size(); ++edge) {
-        if (Carries(edge, laws)) joined.Join(edges_[edge].from, edges_[edge].to);
+/// Begins anew, far from a solution: all checks are soft, and flows that tell nothing are the usual ones.
+void NetSolver::BeginFar(std::span<const Law> laws) {
+    double usual = 0.0;
+    for (const Law& law : laws) usual = std::max(usual, law.closed ? 0.0 : law.usualFlow);
+    const bool rested = Largest(flows_) < 1e-6 * usual;
+    Soften(laws);
+    for (std::size_t edge = 0; rested && edge < edges_.size(); ++edge) {
+        flows_[edge] = Carries(edge, laws) ? laws[edge].usualFlow : 0.0;
     }
-    constexpr int Held = -2;
-    std::vector<int> rest(pressures_.size(), -1);
-    for (int point = 0; point < static_cast<int>(pressures_.size()); ++point) {
-        At(parts_, point) = joined.Of(point);
-        int& lowest = At(rest, At(parts_, point));
-        if (At(unknowns_, point) < 0) {
-            lowest = Held;
-        } else if (lowest == -1 || (lowest >= 0 && At(ranks_, point) < At(ranks_, lowest))) {
-            lowest = point;
-        }
-    }
-    pins_.clear();
-    std::copy_if(rest.begin(), rest.end(), std::back_inserter(pins_), [](int point) { return point >= 0; });
+}
+
+Drop NetSolver::DropOf(const Law& law, double flow) const {
+    if (!soft_ || !law.check || flow > 0.0) return DropAt(law, flow);
+    const double slope = CheckSlope * DropAt(law, law.usualFlow).slope;
+    return {slope * flow - law.lift, slope};
 }
 
 /// Fills the drops and surpluses at the present flows and pressures. Gives how far these are from a solution,
-/// 1 at the border of what counts as one. `ease` makes the slopes steeper, by that part of the usual flow.
-double NetSolver::Measure(std::span<const Law> laws, double ease) {
-    const double flowBorder = LeastAccepted(flows_);
+/// 1 at the border of what counts as one.
+double NetSolver::Measure(std::span<const Law> laws) {
+    const double flowBorder = LeastAccepted();
     const double pressureBorder = PressureShare * std::max(1.0, Largest(pressures_));
     double worst = 0.0;
     std::fill(surplus_.begin(), surplus_.end(), 0.0);
     for (std::size_t edge = 0; edge < edges_.size(); ++edge) {
         if (!Carries(edge, laws)) continue;
-        drops_[edge] = DropAt(laws[edge], flows_[edge]);
+        drops_[edge] = DropOf(laws[edge], flows_[edge]);
         drops_[edge].slope += LeastSlope;
-        if (ease > 0.0) drops_[edge].slope += ease * DropAt(laws[edge], laws[edge].usualFlow).slope;
         const double error = std::abs(drops_[edge].pressure - Difference(edges_[edge]));
         worst = std::max(worst, std::min(error / drops_[edge].slope / flowBorder, error / pressureBorder));
         At(surplus_, edges_[edge].from) -= flows_[edge];
         At(surplus_, edges_[edge].to) += flows_[edge];
     }
-    for (std::size_t point = 0; point < surplus_.size(); ++point) {
-        if (unknowns_[point] >= 0) worst = std::max(worst, std::abs(surplus_[point]) / flowBorder);
-    }
     for (const int pin : pins_) worst = std::max(worst, std::abs(At(pressures_, pin)) / pressureBorder);
-    return worst;
+    double surplus = 0.0;
+    for (std::size_t point = 0; point < surplus_.size(); ++point) {
+        if (unknowns_[point] >= 0) surplus = std::max(surplus, std::abs(surplus_[point]));
+    }
+    massKept_ = surplus <= KeptShare * flowBorder;
+    return std::max(worst, surplus / flowBorder);
+}
+
+void NetSolver::Ease(std::span<const Law> laws) {
+    for (std::size_t edge = 0; edge < edges_.size(); ++edge) {
+        if (Carries(edge, laws))
+            drops_[edge].slope += FirstEase * DropAt(laws[edge], laws[edge].usualFlow).slope;
+    }
 }
 
 /// Fills the matrix of the corrections of the pressures, and gives what is to be corrected.
@@ -196,12 +210,13 @@ Eigen::VectorXd NetSolver::Assemble(std::span<const Law> laws) {
     return right;
 }
 
-/// One step of Newton's method, or a share of one; where `factored_`, with the factors of an earlier one.
-/// False where it leads nowhere.
-bool NetSolver::Step(std::span<const Law> laws, double share) {
+/// One step of Newton's method; where `factored_`, with the factors of an earlier one. False where it leads
+/// nowhere.
+bool NetSolver::Step(std::span<const Law> laws) {
     Eigen::VectorXd right = Assemble(laws);
+    const bool fresh = !factored_;
     if (unknownCount_ > 0) {
-        if (!factored_) factors_.factorize(matrix_);
+        if (fresh) factors_.factorize(matrix_);
         factored_ = factors_.info() == Eigen::Success;
         if (!factored_) return false;
         right = factors_.solve(right).eval();
@@ -211,69 +226,83 @@ bool NetSolver::Step(std::span<const Law> laws, double share) {
         return unknown < 0 ? 0.0 : right[unknown];
     };
     for (std::size_t edge = 0; edge < edges_.size(); ++edge) {
+        changes_[edge] = 0.0;
         if (!Carries(edge, laws)) continue;
-        const double driving = Difference(edges_[edge]) - drops_[edge].pressure +
-                               correction(edges_[edge].from) - correction(edges_[edge].to);
-        flows_[edge] += share * driving / drops_[edge].slope;
+        const double corrected = correction(edges_[edge].from) - correction(edges_[edge].to);
+        driving_[edge] = Difference(edges_[edge]) + corrected;
+        // Rounded as in `Assemble`, so that mass is kept more sharply than a pressure can be told.
+        changes_[edge] = (Difference(edges_[edge]) - drops_[edge].pressure + corrected) / drops_[edge].slope;
     }
+    // Where mass is not kept yet the whole step does it.
+    const double share = fresh && massKept_ ? ShareOfStep(laws) : 1.0;
+    for (std::size_t edge = 0; edge < edges_.size(); ++edge) flows_[edge] += share * changes_[edge];
     for (int point = 0; point < static_cast<int>(pressures_.size()); ++point) {
-        At(pressures_, point) += share * correction(point);
+        At(pressures_, point) += correction(point);
     }
     return Finite(flows_) && Finite(pressures_);
 }
 
-/// Shuts the checks that something flows back through and opens those that are pushed. True when one turned.
-bool NetSolver::TurnChecks(std::span<const Law> laws) {
-    const double flowBorder = 10.0 * LeastAccepted(flows_);
-    const double pressureBorder = 1e-9 * std::max(1.0, Largest(pressures_));
-    bool turned = false;
-    for (std::size_t edge = 0; edge < edges_.size(); ++edge) {
-        if (!laws[edge].check || laws[edge].closed) continue;
-        const bool back = holding_[edge] == 0 && flows_[edge] < -flowBorder;
-        const bool pushed =
-            holding_[edge] != 0 && Difference(edges_[edge]) + laws[edge].lift > pressureBorder;
-        if (!back && !pushed) continue;
-        holding_[edge] = back ? 1 : 0;
-        flows_[edge] = back ? 0.0 : 0.1 * laws[edge].usualFlow;
-        turned = true;
+/// The share of `changes_`, at most 1, at which the content is about least, under the pressures that drive
+/// them.
+double NetSolver::ShareOfStep(std::span<const Law> laws) const {
+    const auto rises = [&](double share) {
+        double sum = 0.0;
+        for (std::size_t edge = 0; edge < edges_.size(); ++edge) {
+            if (changes_[edge] == 0.0) continue;
+            const double pressure = DropOf(laws[edge], flows_[edge] + share * changes_[edge]).pressure;
+            sum += changes_[edge] * (pressure - driving_[edge]);
+        }
+        return sum;
+    };
+    double low = 0.0;
+    double high = 1.0;
+    double atLow = rises(low);
+    double atHigh = rises(high);
+    const double flat = -FlatEnough * atLow;
+    for (int trial = 0; trial < MostTrials && atHigh > flat; ++trial) {
+        // The false position, but within the borders of a bisection that is no even one.
+        const double middle = std::clamp((low * atHigh - high * atLow) / (atHigh - atLow),
+                                         low + 0.1 * (high - low), low + 0.6 * (high - low));
+        const double atMiddle = rises(middle);
+        if (std::abs(atMiddle) <= flat) return middle;
+        (atMiddle < 0.0 ? low : high) = middle;
+        (atMiddle < 0.0 ? atLow : atHigh) = atMiddle;
     }
-    return turned;
+    return high;
 }
 
+/// Of all flows that keep mass, those that a net takes make its content least: the sum of what each aisle's
+/// pressure drop adds up to from no flow to its flow, less what the vessels' pressures give. Drops rise with
+/// flow, so that it is convex, and Newton's steps with a search along each lead to its least.
 bool NetSolver::Solve(std::span<const Law> laws) {
     const std::vector<double> lastFlows = flows_;
     const std::vector<double> lastPressures = pressures_;
     const std::vector<char> lastHolding = holding_;
     Begin(laws);
-    FindParts(laws);
+    bool fresh = false;
     double last = std::numeric_limits<double>::infinity();
-    double ease = 0.0;
     for (int step = 0; step <= MostSteps; ++step) {
-        double distance = Measure(laws, ease);
-        if (step == 0 && distance > NearEnough) {
-            ease = FirstEase;
-            distance = Measure(laws, ease);
-        }
-        ease = ease < LeastEase ? 0.0 : ease * EaseFalls;
-        const bool found = distance <= 1.0;
-        if (step <= LastTurn || found) {
-            if (TurnChecks(laws)) {
-                FindParts(laws);
-                Measure(laws, ease);
-                factored_ = false;
-            } else if (found) {
+        double distance = Measure(laws);
+        const bool far = step == 0 && distance > NearEnough;
+        if (far) {
+            BeginFar(laws);
+            distance = Measure(laws);
+            Ease(laws);
+        } else if (distance <= 1.0) {
+            if (!TurnChecks(laws)) {
                 Rest(laws);
-                for (std::size_t edge = 0; edge < edges_.size(); ++edge) {
-                    carried_[edge] = Carries(edge, laws) ? 1 : 0;
-                }
+                Settle(laws);
                 return true;
             }
+            FindParts(laws);
+            distance = Measure(laws);
+            factored_ = false;
         }
-        // Factors of an earlier step are good as long as the corrections made with them shrink fast.
-        if (step == 0 ? distance > NearEnough : distance > 0.05 * last) factored_ = false;
-        const double share = step >= DampedFrom && distance > last ? 0.5 : 1.0;
+        // Factors of an earlier solution are good as long as the corrections made with them shrink fast.
+        if (far || fresh || distance > 0.05 * last) factored_ = false;
+        fresh = !factored_;
         last = distance;
-        if (step == MostSteps || !Step(laws, share)) break;
+        if (step == MostSteps || !Step(laws)) break;
     }
     flows_ = lastFlows;
     pressures_ = lastPressures;
@@ -282,40 +311,14 @@ bool NetSolver::Solve(std::span<const Law> laws) {
     return false;
 }
 
-/// A part that only pumps at rest tie to others rests on 0 as well, as far as their checks let it: a pump
-/// pushes it no lower than its own pressure at no flow, and draws it no higher. A check that then has more
-/// behind it than before it is shut.
-void NetSolver::Rest(std::span<const Law> laws) {
-    const double border = 10.0 * LeastAccepted(flows_);
-    std::vector<std::size_t> resting;
-    bool parts = false;
+/// Takes away what rounding left of no flow, and remembers what carries.
+void NetSolver::Settle(std::span<const Law> laws) {
+    const double largest = Largest(flows_);
+    const double nothing = largest < RestingFlow ? RestingFlow : RoundingShare * largest;
     for (std::size_t edge = 0; edge < edges_.size(); ++edge) {
-        if (!laws[edge].check || std::abs(flows_[edge]) > border) continue;
-        parts = parts || holding_[edge] == 0;
-        resting.push_back(edge);
+        if (std::abs(flows_[edge]) < nothing) flows_[edge] = 0.0;
+        carried_[edge] = Carries(edge, laws) ? 1 : 0;
     }
-    if (!parts) return;
-    for (const std::size_t edge : resting) holding_[edge] = 1;
-    FindParts(laws);
-    const auto pushes = [&](std::size_t edge) { return Difference(edges_[edge]) + laws[edge].lift; };
-    for (const int pin : pins_) {
-        double least = -std::numeric_limits<double>::infinity();
-        double most = std::numeric_limits<double>::infinity();
-        for (const std::size_t edge : resting) {
-            const bool leaves = At(parts_, edges_[edge].from) == At(parts_, pin);
-            const bool enters = At(parts_, edges_[edge].to) == At(parts_, pin);
-            if (enters && !leaves) least = std::max(least, pushes(edge));
-            if (leaves && !enters) most = std::min(most, -pushes(edge));
-        }
-        const double shift = std::max(std::min(-At(pressures_, pin), most), least);
-        for (std::size_t point = 0; point < pressures_.size(); ++point) {
-            if (parts_[point] == At(parts_, pin)) pressures_[point] += shift;
-        }
-    }
-    const double pressureBorder = 1e-9 * std::max(1.0, Largest(pressures_));
-    for (const std::size_t edge : resting) holding_[edge] = pushes(edge) < -pressureBorder ? 1 : 0;
-    for (const std::size_t edge : resting) flows_[edge] = holding_[edge] != 0 ? 0.0 : flows_[edge];
-    FindParts(laws);
 }
 
 std::vector<double> NetSolver::MouthFlows() const {

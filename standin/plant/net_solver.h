@@ -35,15 +35,25 @@ class NetSolver {
         int to;
     };
 
+    /// The largest size, 0 of none.
+    static double Largest(const std::vector<double>& values);
+    /// kg/s by which a flow may be wrong.
+    double LeastAccepted() const;
     double Difference(const Edge& edge) const { return At(pressures_, edge.from) - At(pressures_, edge.to); }
     bool Carries(std::size_t edge, std::span<const Law> laws) const;
     void Begin(std::span<const Law> laws);
+    void BeginFar(std::span<const Law> laws);
     void FindParts(std::span<const Law> laws);
-    double Measure(std::span<const Law> laws, double ease);
+    Drop DropOf(const Law& law, double flow) const;
+    double Measure(std::span<const Law> laws);
+    void Ease(std::span<const Law> laws);
     Eigen::VectorXd Assemble(std::span<const Law> laws);
-    bool Step(std::span<const Law> laws, double share);
+    bool Step(std::span<const Law> laws);
+    double ShareOfStep(std::span<const Law> laws) const;
+    void Soften(std::span<const Law> laws);
     bool TurnChecks(std::span<const Law> laws);
     void Rest(std::span<const Law> laws);
+    void Settle(std::span<const Law> laws);
 
     std::vector<Edge> edges_;
     std::vector<int> mouthPoints_;
@@ -54,11 +64,16 @@ class NetSolver {
     std::vector<double> flows_;
     std::vector<double> pressures_;
     std::vector<char> holding_;  ///< by edge: a check that is shut
+    bool soft_ = false;          ///< checks let a little flow back
+    bool softened_ = false;      ///< they were soft in this solution
     std::vector<char> carried_;  ///< by edge: at the last solution
     std::vector<int> pins_;      ///< points on which parts rest that nothing holds
     std::vector<int> parts_;     ///< by point
 
     std::vector<Drop> drops_;
+    std::vector<double> driving_;  ///< by edge: kPa between its ends behind a step
+    std::vector<double> changes_;  ///< by edge: of the flow, in a step
+    bool massKept_ = false;
     std::vector<double> surplus_;  ///< by point: kg/s that come in and do not go out
     Eigen::SparseMatrix<double> matrix_;
     struct Places {

@@ -9,7 +9,7 @@ namespace {
 
 /// What rounding leaves of nothing, and the sign of a zero, are not shown.
 double Shown(double value) {
-    constexpr double Nothing = 1e-9;
+    constexpr double Nothing = 1e-13;
     return std::abs(value) < Nothing ? 0.0 : value;
 }
 
