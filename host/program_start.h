@@ -2,9 +2,9 @@
 
 #pragma once
 
-/// Gives the words of the command line in UTF-8, as many as `arguments` has. What the program prints is shown
-/// by a terminal as UTF-8, and goes into a file or a pipe byte for byte.
-char** ProgramStart(char** arguments);
+/// Gives the words of the command line, in UTF-8 and as they were written; `count` gets their number. What
+/// the program prints is shown by a terminal as UTF-8, and goes into a file or a pipe byte for byte.
+char** ProgramStart(int& count, char** arguments);
 
 /// Ends the program at once, around the threads that still run.
 [[noreturn]] void ProgramEnd(int status);

@@ -89,8 +89,9 @@ void StartMetrics(const ConsoleAddress& address) {
 }  // namespace
 
 int main(int count, char** arguments) {
+    char** const words = ProgramStart(count, arguments);
     Options options;
-    const std::optional<int> ended = OptionsRead(count, ProgramStart(arguments), options);
+    const std::optional<int> ended = OptionsRead(count, words, options);
     if (ended) return *ended;
     if (options.trace) EnvironmentSet("VORN_ENGINE_TRACE", "1");
     EndSignalsHold();

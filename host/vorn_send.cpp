@@ -103,8 +103,9 @@ int Fail(int status, const std::string& fault) {
 }  // namespace
 
 int main(int count, char** arguments) {
+    char** const words = ProgramStart(count, arguments);
     SendOptions options;
-    const std::optional<int> ended = SendOptionsRead(count, ProgramStart(arguments), options);
+    const std::optional<int> ended = SendOptionsRead(count, words, options);
     if (ended) return *ended;
     std::error_code unread;
     if (!options.file.empty() && !MessagesRead(options.file, options.messages, unread)) {

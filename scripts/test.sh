@@ -43,7 +43,7 @@ if [ "$full" = yes ]; then
     else
         say "tool server: types and style not checked: npm could not fetch the tools"
     fi
-    scripts/windows.sh || exit 1
+    scripts/windows.sh --lint || exit 1
     run_preset asan
     # Under ThreadSanitizer only the tests with threads are worth their time.
     run_preset tsan -R Threads

@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
 # Builds everything for Windows on a Debian machine, runs the tests of the preset under Wine, and makes the archive.
+# With --lint also the lint check of what is this system's own.
 set -euo pipefail
 . "$(dirname "$0")/lib.sh"
 
@@ -78,9 +79,28 @@ end() {
     [ -z "$modem" ] || kill "$modem"
 }
 
+# The lint check, with the cross-compiler's headers and without the one option that it does not know.
+lint() {
+    local headers=() folder commands=build/windows/lint
+    while read -r folder; do headers+=("--extra-arg=-isystem$folder"); done < <(
+        x86_64-w64-mingw32-g++-posix -v -E -x c++ /dev/null 2>&1 | sed -n 's/^ \(.*c++.*\)$/\1/p')
+    mkdir -p "$commands"
+    sed 's/-fno-keep-inline-dllexport//' build/windows/compile_commands.json >"$commands/compile_commands.json"
+    git ls-files 'platform/windows/*.cpp' 'host/windows/*.cpp' | xargs -P "$(nproc)" -n 4 \
+        clang-tidy -p "$commands" --quiet --extra-arg=--target=x86_64-w64-mingw32 "${headers[@]}" 2>/dev/null
+}
+
+case "${1:-}" in
+    "" | --lint) ;;
+    *) fail "usage: scripts/windows.sh [--lint]" ;;
+esac
 scripts/setup.sh --windows
 libraries_make || fail "the libraries for Windows"
 scripts/build.sh windows || exit 1
+if [ "${1:-}" = --lint ]; then
+    say "lint: windows"
+    lint || fail "the lint check of windows"
+fi
 modem=
 trap end EXIT
 say "a Windows for the tests"

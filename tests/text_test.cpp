@@ -38,7 +38,9 @@ TEST(TextTest, ReadsRealsAsTheCLibraryDoes) {
     texts.emplace_back();
     for (const string& number : texts) {
         const string text = " \t\n\v\f\r" + number;
-        const double expected = std::strtod(text.c_str(), nullptr);
+        char* end = nullptr;
+        const double read = std::strtod(text.c_str(), &end);
+        const double expected = end == text.c_str() ? 0.0 : read;  // where it reads none, some give -0
         const double value = vorn::RealFromText(text);
         EXPECT_TRUE(std::isnan(expected) ? std::isnan(value) : value == expected) << text << ' ' << value;
         EXPECT_EQ(std::signbit(value), std::signbit(expected)) << text;

@@ -20,7 +20,7 @@ void StandardStreamsFill() {
 
 }  // namespace
 
-char** ProgramStart(char** arguments) {
+char** ProgramStart(int& /*count*/, char** arguments) {
     StandardStreamsFill();
     // The system's code page is the one of the user's language; numbers keep their decimal point.
     std::setlocale(LC_CTYPE, "");

@@ -26,7 +26,7 @@ void ConsoleRestore() {
 
 }  // namespace
 
-char** ProgramStart(char** arguments) {
+char** ProgramStart(int& count, char** arguments) {
     codePageBefore = GetConsoleOutputCP();
     SetConsoleOutputCP(CP_UTF8);
     std::atexit(ConsoleRestore);
@@ -34,18 +34,19 @@ char** ProgramStart(char** arguments) {
     std::setvbuf(stdout, nullptr, _IOFBF, OutputBufferBytes);
     for (std::FILE* const stream : {stdin, stdout, stderr}) _setmode(_fileno(stream), _O_BINARY);
 
-    int count = 0;
-    wchar_t** const wide = CommandLineToArgvW(GetCommandLineW(), &count);
+    // Not the words of `main`: some run-times put the names of files in the place of a `*`.
+    int words = 0;
+    wchar_t** const wide = CommandLineToArgvW(GetCommandLineW(), &words);
     if (wide == nullptr) return arguments;
-    static std::vector<std::string> texts;
-    static std::vector<char*> words;
-    for (int index = 0; index < count; ++index) {
-        texts.push_back(vorn::NarrowFromWide(wide[index], CP_UTF8));
+    count = words;
+    static std::vector<std::string> texts(static_cast<std::size_t>(count));
+    static std::vector<char*> starts(texts.size() + 1);
+    for (std::size_t index = 0; index < texts.size(); ++index) {
+        texts[index] = vorn::NarrowFromWide(wide[index], CP_UTF8);
+        starts[index] = texts[index].data();
     }
     LocalFree(wide);
-    for (std::string& text : texts) words.push_back(text.data());
-    words.push_back(nullptr);
-    return words.data();
+    return starts.data();
 }
 
 void ProgramEnd(int status) {

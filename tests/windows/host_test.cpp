@@ -35,18 +35,18 @@ void RunAtConsole(const std::filesystem::path& program, std::wstring line) {
     CloseHandle(process.hProcess);
 }
 
-TEST(SendThreadsTest, ShowsItsReplyAtAConsoleAndLeavesItAsItWas) {
-    const HostProcess host;
+TEST(SendThreadsTest, TakesAndShowsUnicodeAtAConsoleAndLeavesItAsItWas) {
+    HostProcess host(std::vector<string>{});
     // The host has a console, which nobody sees.
     FreeConsole();
     ASSERT_TRUE(AttachConsole(host.Number()));
     SetConsoleOutputCP(437);
     RunAtConsole(ProgramBeside("vorn-send"),
-                 L"vorn-send --port " + std::to_wstring(host.Port()) + L" -- --none");
-    EXPECT_NE(Shown().find(L"(project Char error)"), std::wstring::npos);
-    EXPECT_NE(Shown().find(L"项目名称找不到"), std::wstring::npos);
+                 L"vorn-send --port " + std::to_wstring(host.Port()) + L" Get 房*");
+    EXPECT_NE(Shown().find(L"none varname 找不到变量名称"), std::wstring::npos);
     EXPECT_EQ(GetConsoleOutputCP(), 437U);
     FreeConsole();
+    EXPECT_EQ(host.WaitFor("read   Get 房*  "), NoVariable);
 }
 
 TEST(SerialPortTest, IsSetAsItIsAskedFor) {
