@@ -158,6 +158,8 @@ TEST_F(LinkTest, TellsTheLastFailureOfTheFirstFailedStage) {
         {Ends("NOD0 0 > MOD2 1"), "连线错误,下游端口只能是入口性质"},
         {Ends("MOD0 1 > NOD0 0"), "连线错误,上游端口已连接:1"},
         {Ends("NOD0 0 > MOD1 0"), "连线错误,下游端口已连接0"},
+        {Ends("NOD0 0 > MOD1 5"), "连线错误,下游端口已连接5"},
+        {Ends("NOD0 0 > MOD9 0"), "连线错误,下游端口已连接0"},
         {Ends("MOD0 0 > MOD1 1"), "连线错误,下游端口只能是入口性质"},
         {Ends("MOD0 1 > MOD1 0"), "连线错误,下游端口已连接0"},
         {Ends("XYZ1 1 > MOD1 1"), "连线错误,下游端口只能是入口性质"},

@@ -135,6 +135,7 @@ TEST_F(RunControlTest, SetsAreCopiedForAllElementsAndOnlyAtAStart) {
     Send("PjtRunToCache", "P1", "2");
     Send("PjtRun", "P1");
     EXPECT_EQ(RunValue(0, 0), 1.0);
+    EXPECT_EQ(node[standin::RunLayer].items[1], 0.0);
     Send("PjtCacheToRun", "P1", "2");
     Send("PjtRun", "P1");
     EXPECT_EQ(RunValue(0, 0), 7.0);

@@ -248,6 +248,7 @@ TEST_F(ValuesTest, DeletesAllButJumps) {
         ExpectExchange("DeleteMNL", "P_" + name, "", name == "JMP3" ? "跳转不可被删除" : "OK",
                        "NameParsing_ModNod(\"P_" + name + "\"); " + calls);
     }
+    EXPECT_EQ(Send("DeleteMNL", "P_valve-7"), NoElement);
     EXPECT_EQ(ProjectModuleNbCheck(0), 0);
     EXPECT_EQ(ProjectNodeNbCheck(0), 0);
     EXPECT_EQ(ProjectLinkNbCheck(0), 0);
