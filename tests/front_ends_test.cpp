@@ -126,7 +126,7 @@ std::pair<string, int> RunProgram(const std::filesystem::path& program, const st
 }
 
 TEST(SendThreadsTest, SendsOneCommandOverEitherTransport) {
-    HostProcess host(std::vector<string>{});
+    HostProcess host({"--metrics"});
     const string row = host.WaitFor("holds the pipe VornServerPipe");
     const string port = "--port " + std::to_string(host.Port()) + " ";
     const string pipe = "--pipe=" + row + " ";
@@ -151,6 +151,7 @@ TEST(SendThreadsTest, SendsOneCommandOverEitherTransport) {
         {port + "-- --none", "项目名称找不到(project Char error)\n", 0},
         {pipe + "a/b", "vorn-send: COMMAND and NAME cannot hold '/' on the pipe\n", 2},
         {"--port 9 Fdp P", "vorn-send: no answer on port 9 (Connection)\n", 1},
+        {"--port 9360 Fdp P", "vorn-send: no answer on port 9360 (status 404)\n", 1},
     };
     for (const auto& each : cases) {
         const auto [output, status] = RunProgram(ProgramBeside("vorn-send"), each.arguments, each.input);
@@ -158,6 +159,13 @@ TEST(SendThreadsTest, SendsOneCommandOverEitherTransport) {
         EXPECT_EQ(status, each.status) << each.arguments;
     }
     EXPECT_EQ(host.WaitFor("write  Create PLANT2 "), R"([1,\n"2\x09"] OK)");
+    string counters;
+    for (int look = 0; look < 2000 && counters.find("command=\"Create\"} 2\n") == string::npos; ++look) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        counters = httplib::Client("127.0.0.1", 9360).Get("/metrics")->body;
+    }
+    EXPECT_NE(counters.find("vornserver_exchanges_total{side=\"write\",command=\"Create\"} 2\n"),
+              string::npos);
 }
 
 TEST(CommandLineTest, TellsWhatIsWrong) {

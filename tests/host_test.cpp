@@ -1,7 +1,9 @@
 // The host program around the library: what it prints, and how it ends.
 
+#include <chrono>
 #include <filesystem>
 #include <fstream>
+#include <thread>
 
 #include "tests/support/host_process.h"
 #include "tests/support/service_test.h"
@@ -21,6 +23,15 @@ TEST(HostThreadsTest, AnswersAndEndsThoughNobodyReadsWhatItPrints) {
     ASSERT_EQ(host.Ask("Put", "P", "Remove"), "OK");
     ASSERT_EQ(host.Ask("Put", "P", "Run"), "找不到项目");
     EXPECT_EQ(host.End(), 0);
+}
+
+TEST(HostThreadsTest, PrintsWhatNobodyReadToWhoReadsAgain) {
+    HostProcess host({"--trace"});
+    const string name = "P_" + string(20000, 'x');
+    for (int request = 0; request < 100; ++request) host.Ask("Get", name);
+    host.Ask("Fdp", "LAST");
+    std::this_thread::sleep_for(std::chrono::milliseconds(500));  // it fetches its log and finds no room
+    EXPECT_EQ(host.WaitFor("read   Fdp LAST "), " 0");
 }
 
 TEST(HostThreadsTest, PrintsTheLastExchangesAtItsEnd) {

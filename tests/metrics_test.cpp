@@ -20,6 +20,7 @@ TEST(MetricsTest, CountsExchangesBySideWordAndKindOfReply) {
         "read   Get P_X  1.000000\nread   Get P_Y  none varname 找不到变量名称\n"
         "write  Set P_X 5 OK\nwrite  CacheToRun P_MOD0 7 shibai\nread   PjtInfoChk P  {\n");
     MetricsCount("read       \"DeviceInfo\": [\nread   ]\nread   \nwrite  \\x1B[2J x OK\n");
+    MetricsCount("read   " + std::string(33, 'W') + " P  x\n");
     const std::pair<std::string, long> rows[] = {
         {Exchanges("read", "Get"), 2},
         {Exchanges("write", "Set"), 1},
@@ -32,8 +33,8 @@ TEST(MetricsTest, CountsExchangesBySideWordAndKindOfReply) {
         {"vornserver_log_bytes_total{side=\"write\"}", 56},
     };
     for (const auto& [name, value] : rows) EXPECT_EQ(Sample(name), value) << name;
-    // "DeviceInfo" in quotes, a bracket, nothing, an escape.
-    EXPECT_EQ(Sample("vornserver_log_fragments_total"), 4);
+    // "DeviceInfo" in quotes, a bracket, nothing, an escape, too long a word.
+    EXPECT_EQ(Sample("vornserver_log_fragments_total"), 5);
     EXPECT_GT(Sample("process_resident_memory_bytes"), 1000000);
     // Whoever sends words of his own fills no memory.
     for (char first = 'a'; first <= 'z'; ++first) {

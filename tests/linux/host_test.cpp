@@ -182,6 +182,24 @@ TEST(SerialPortTest, SetsTheSpeedThatIsAskedFor) {
     }
 }
 
+TEST(SerialThreadsTest, GoesOnWithADeviceThatIsBack) {
+    const TemporaryFolder folder;
+    const std::filesystem::path device = folder.Path() / "device";
+    auto terminal = std::make_unique<SerialLink>();
+    std::filesystem::create_symlink(terminal->Device(), device);
+    HostProcess host({"--quiet", "--serial", device.string()});
+    terminal->Write("Get/X\rhalf a line");
+    EXPECT_EQ(terminal->ReadLine(), NoVariable);
+    terminal.reset();
+    EXPECT_EQ(host.WaitFor("vorn-host: the serial port "), device.string() + " has gone");
+    terminal = std::make_unique<SerialLink>();
+    std::filesystem::remove(device);
+    std::filesystem::create_symlink(terminal->Device(), device);
+    EXPECT_EQ(host.WaitFor(device.string() + " is "), "back");
+    terminal->Write("Get/X\r");
+    EXPECT_EQ(terminal->ReadLine(), NoVariable);
+}
+
 /// Standard error as a pipe of 4096 bytes while the object lives.
 class ErrorPipe {
   public:
@@ -237,6 +255,19 @@ TEST(LineQueueTest, KeepsWhatNobodyReadsInBoundsAndSaysWhatItDropped) {
     queue.Put(full + "a\n");
     for (const string& lines : {dropped, dropped, string("b\n")}) queue.Put(lines);
     EXPECT_EQ(Drain(error, queue, full), "Fa\n" + notice + "b\n");
+}
+
+TEST(LineQueueTest, WaitsForNoTerminalThatNobodyReads) {
+    const SerialLink terminal;
+    const int before = dup(STDERR_FILENO);
+    const int device = open(terminal.Device().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    dup2(device, STDERR_FILENO);
+    vorn::LineQueue queue(vorn::StandardStream::Error);
+    for (size_t line = 0; line < 5000; ++line) queue.Put(string(line % 100, 'x') + "\n");
+    const bool sent = queue.Send();
+    dup2(before, STDERR_FILENO);
+    for (const int each : {before, device}) close(each);
+    EXPECT_FALSE(sent);
 }
 
 TEST(SendThreadsTest, TellsThatItsReplyCannotBeWritten) {
