@@ -173,6 +173,11 @@ struct Project {
     std::shared_ptr<PlantKept> plant;
 };
 
+/// True for a project that steps by itself: started, and not paused.
+inline bool Runs(const Project& project) {
+    return project.started && !project.starting && !project.paused;
+}
+
 /// The one lock of the engine.
 std::mutex& EngineLock();
 

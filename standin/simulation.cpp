@@ -19,10 +19,6 @@ using Clock = std::chrono::steady_clock;
 
 constexpr auto StepTime = std::chrono::milliseconds(100);
 
-bool Running(const Project& project) {
-    return project.started && !project.starting && !project.paused;
-}
-
 /// Calls `visit` for each open project while none gives true, and tells whether one did.
 template <typename Visit>
 bool AnyProject(Visit visit) {
@@ -39,13 +35,13 @@ bool StepsRequested() {
 }
 
 bool AnyRunning() {
-    return !SimulationKeptOff() && AnyProject(Running);
+    return !SimulationKeptOff() && AnyProject(Runs);
 }
 
 /// Where there is no memory for a step it is not made, and its time passes.
-bool Step(int slot) {
+bool Step(int slot, StepCause cause) {
     try {
-        return PlantStep(slot, StepSeconds);
+        return PlantStep(slot, StepSeconds, cause);
     } catch (const std::bad_alloc&) {
         std::this_thread::sleep_for(StepTime);
         return false;
@@ -58,7 +54,7 @@ void StepRequested(std::unique_lock<std::mutex>& lock) {
         const Project* asked = ProjectFind(slot);
         if (SimulationKeptOff() || asked == nullptr || asked->stepRequests == 0) continue;
         lock.unlock();
-        const bool made = Step(slot);
+        const bool made = Step(slot, StepCause::Request);
         lock.lock();
         Project* project = ProjectFind(slot);
         if (made && project != nullptr && project->stepRequests > 0) --project->stepRequests;
@@ -68,9 +64,9 @@ void StepRequested(std::unique_lock<std::mutex>& lock) {
 void StepRunning(std::unique_lock<std::mutex>& lock) {
     for (int slot = 0; slot < SlotCount; ++slot) {
         const Project* project = ProjectFind(slot);
-        if (SimulationKeptOff() || project == nullptr || !Running(*project)) continue;
+        if (SimulationKeptOff() || project == nullptr || !Runs(*project)) continue;
         lock.unlock();
-        Step(slot);
+        Step(slot, StepCause::Run);
         lock.lock();
     }
 }

@@ -483,6 +483,14 @@ TEST_F(PlantTest, LikeBranchesGetLikeFlowsAndANodeTellsThemAtItsPorts) {
     EXPECT_NEAR(plant.Item(supply, 2), plant.Port(pump, 1).flow, 1e-9);
 }
 
+TEST_F(PlantTest, AVesselTiesWhatIsLinkedToIt) {
+    Drawing drawing;
+    drawing.Chain({drawing.Add(Duct), drawing.Add(Tank), drawing.Add(Pipe)});
+    MadePlant plant("P", drawing);
+    ASSERT_TRUE(PlantStep(plant.Slot(), 0.1));
+    EXPECT_EQ(plant.Records().variables[5].integers[1], 1) << "nets";
+}
+
 TEST_F(PlantTest, AnExchangerMovesWhatItsEffectivenessSays) {
     for (const double area : {0.0, 1.0, 8.0, 1e6}) {
         Drawing drawing;
@@ -586,27 +594,44 @@ TEST_F(PlantTest, ACircuitHasHalfOfCarnotsCop) {
 class PlantThreadsTest : public PlantTest {};
 
 TEST_F(PlantThreadsTest, StepsKeepWhatClientsWriteAndDropWhatHasChanged) {
-    Drawing drawing = Mesh(60);
-    MadePlant plant("P", drawing);
+    const Drawing drawing = Mesh(300);  // so large that a step is under way at almost any time
+    const auto open = [&drawing] {
+        MadePlant("P", drawing);
+        EXPECT_EQ(Send("PjtRun", "P"), "OK");
+    };
+    open();
     std::atomic<bool> ends = false;
+    std::atomic<int> made = 0;
     std::thread stepper([&] {
-        while (!ends) PlantStep(0, 1e-5);  // so short that the room stays as it was set
+        // So short that the room stays as it was set.
+        for (; !ends; ++made) PlantStep(0, 1e-5, standin::StepCause::Run);
     });
-    for (int round = 0; round < 300; ++round) {
+    const auto awaitStepUnderWay = [&made] {
+        for (const int before = made; made < before + 2;) std::this_thread::yield();
+    };
+    for (int round = 0; round < 120; ++round) {
         const string number = std::to_string(20 + round % 7);
         Send("Set", "P_MOD1_Head", number);
         Send("Set", "P_MOD2_InsideTemperature", number);
-        // Also behind the step that was under way.
-        const double steps = Get("P_GStep");
-        while (Get("P_GStep") < steps + 1) std::this_thread::yield();
+        awaitStepUnderWay();
+        EXPECT_GT(Get("P_GStep"), 0);
         EXPECT_EQ(Get("P_MOD1_Head"), 20 + round % 7);
         EXPECT_NEAR(Get("P_MOD2_InsideTemperature"), 20 + round % 7, 0.05);
         if (round % 10 == 0) Send("AddModule", "P", Valve());
-        if (round % 50 == 24) Send("PjtClear", "P");
-        if (round % 50 == 24 || round % 50 == 49) {
-            Send("PjtClose", "P");
-            plant = MadePlant("P", drawing);
+        if (round % 10 == 3 || round % 10 == 6) {
+            Send(round % 10 == 3 ? "PjtStop" : "PjtPause", "P");
+            const double steps = Get("P_GStep");
+            awaitStepUnderWay();
+            EXPECT_EQ(Get("P_GStep"), steps);
+            Send(round % 10 == 3 ? "PjtRun" : "PjtPause", "P");
         }
+        if (round % 10 != 9) continue;
+        Send("PjtClear", "P");
+        Send("AddModule", "P", Valve());
+        awaitStepUnderWay();
+        EXPECT_EQ(Get("P_MOD0_IM0_PRE"), 0.0) << "what stood there before was a tank";
+        Send("PjtClose", "P");
+        open();
     }
     ends = true;
     stepper.join();

@@ -111,7 +111,7 @@ void WriteNodes(Project& project, const Layout& layout, const PlantOutputs& outp
 PlantKept::PlantKept() = default;
 PlantKept::~PlantKept() = default;
 
-bool PlantStep(int slot, double seconds) {
+bool PlantStep(int slot, double seconds, StepCause cause) {
     std::unique_lock lock(EngineLock());
     Project* project = ProjectFind(slot);
     if (project == nullptr) return false;
@@ -148,7 +148,7 @@ bool PlantStep(int slot, double seconds) {
     kept->plant = std::move(plant);
 
     lock.lock();
-    if (changed()) return false;
+    if (changed() || (cause == StepCause::Run && !Runs(*project))) return false;
     WriteDevices(*project, layout, inputs, outputs);
     WriteNodes(*project, layout, outputs);
     ProjectValuesWrite(*project, layout, outputs, seconds);

@@ -27,11 +27,14 @@ struct PlantKept {
     ~PlantKept();
 };
 
-/// Steps the project of a slot on by that many seconds, whatever its flags, and takes the lock by itself.
-/// False, with nothing written, where no project is open or it changed while the step was computed: its
-/// structure, its run, or the slot's project. Only values that a plant gives are written; of those that it
-/// also reads (the temperature of a room, of a vessel) one that a client wrote meanwhile stays as the client
-/// wrote it.
-bool PlantStep(int slot, double seconds);
+/// Why a step is made: the project runs, or a client asked for it, whatever the flags.
+enum class StepCause { Run, Request };
+
+/// Steps the project of a slot on by that many seconds, and takes the lock by itself. False, with nothing
+/// written, where no project is open or it changed while the step was computed: its structure, its run, or
+/// the slot's project; a step of a run also where the project runs no longer. Only values that a plant gives
+/// are written; of those that it also reads (the temperature of a room, of a vessel) one that a client wrote
+/// meanwhile stays as the client wrote it.
+bool PlantStep(int slot, double seconds, StepCause cause = StepCause::Request);
 
 }  // namespace standin
