@@ -139,6 +139,7 @@ const char* ProjectDocumentImport(int pjtnb, const char* text) {
     if (PjtStartGet(pjtnb)) return "project is runing";
     ImportLists lists;
     if (!ReadDocument(text, lists)) return "Shibai";
+    GiveConnectionsDevices(lists);
     Pipe_ProjectInfoClear(pjtnb);
     LinkExpansion(pjtnb, std::move(lists));
     ProjectInfoWrite(ProjectNameGet(pjtnb));

@@ -20,31 +20,6 @@ namespace vorn {
 
 namespace {
 
-/// A device for each connection: the first in the list that bears the connection's identity, or a new one at
-/// the list's end.
-void GiveConnectionsDevices(ImportLists& lists) {
-    std::vector<DeviceEntry>& devices = lists.ImportDevices;
-    const std::vector<ConnectionEntry>& connections = lists.ImportConnections;
-    // The index looks into the records, which therefore must not move.
-    devices.reserve(devices.size() + connections.size());
-    std::unordered_map<std::string_view, DeviceEntry*> firstOf;
-    firstOf.reserve(devices.capacity());
-    for (DeviceEntry& device : devices) firstOf.try_emplace(BoundedText(device.InstanceID), &device);
-
-    for (const ConnectionEntry& connection : connections) {
-        const auto found = firstOf.find(BoundedText(connection.ConnectionID));
-        DeviceEntry* device = found == firstOf.end() ? nullptr : found->second;
-        if (device == nullptr) {
-            device = &devices.emplace_back();
-            TextCopy(device->InstanceID, BoundedText(connection.ConnectionID));
-            firstOf.emplace(BoundedText(device->InstanceID), device);
-        }
-        const Fitting fitting = FittingFor(connection.StartPortSize, connection.EndPortSize);
-        device->ModuleOneID = fitting.oneId;
-        TextCopy(device->ModelID, fitting.model);
-    }
-}
-
 struct GridPlace {
     int x = 0;
     int z = 0;
@@ -174,8 +149,32 @@ void TieRooms(int pjtnb, const std::vector<DeviceEntry>& devices) {
 
 }  // namespace
 
+// A connection's device is the first in the list that bears the connection's identity, or a new one at the
+// list's end.
+void GiveConnectionsDevices(ImportLists& lists) {
+    std::vector<DeviceEntry>& devices = lists.ImportDevices;
+    const std::vector<ConnectionEntry>& connections = lists.ImportConnections;
+    // The index looks into the records, which therefore must not move.
+    devices.reserve(devices.size() + connections.size());
+    std::unordered_map<std::string_view, DeviceEntry*> firstOf;
+    firstOf.reserve(devices.capacity());
+    for (DeviceEntry& device : devices) firstOf.try_emplace(BoundedText(device.InstanceID), &device);
+
+    for (const ConnectionEntry& connection : connections) {
+        const auto found = firstOf.find(BoundedText(connection.ConnectionID));
+        DeviceEntry* device = found == firstOf.end() ? nullptr : found->second;
+        if (device == nullptr) {
+            device = &devices.emplace_back();
+            TextCopy(device->InstanceID, BoundedText(connection.ConnectionID));
+            firstOf.emplace(BoundedText(device->InstanceID), device);
+        }
+        const Fitting fitting = FittingFor(connection.StartPortSize, connection.EndPortSize);
+        device->ModuleOneID = fitting.oneId;
+        TextCopy(device->ModelID, fitting.model);
+    }
+}
+
 void LinkExpansion(int pjtnb, ImportLists lists) {
-    GiveConnectionsDevices(lists);
     PlaceDevices(pjtnb, lists.ImportDevices);
     TiePipes(pjtnb, lists.ImportConnections);
     TieRooms(pjtnb, lists.ImportDevices);
