@@ -48,16 +48,7 @@ constexpr bool OwnMemory = false;
 constexpr bool OwnMemory = true;
 #endif
 
-/// The process that runs a program's file, and pages of its memory by a column of its `statm`.
-pid_t ProcessOf(const string& program) {
-    std::error_code error;
-    for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
-        const auto file = std::filesystem::read_symlink(entry.path() / "exe", error);
-        if (!error && file == program) return std::stoi(entry.path().filename());
-    }
-    return 0;
-}
-
+// Columns of a process's `statm`.
 constexpr int Data = 5;
 constexpr int Resident = 1;
 
@@ -86,7 +77,7 @@ string ManyHeaders(int port, size_t bytes) {
 TEST(WaysInThreadsTest, GivesMemoryBackAfterLargeRequests) {
     if (!OwnMemory) GTEST_SKIP() << "the sanitizer keeps what is freed";
     HostProcess host;
-    const pid_t process = ProcessOf(host.Program());
+    const auto process = static_cast<pid_t>(host.Number());
     httplib::Client client = host.Client();
     client.set_read_timeout(60);
     ASSERT_TRUE(client.Post("/api", Fdp(10), "application/json"));
@@ -117,7 +108,7 @@ TEST(WaysInThreadsTest, GoesOnWhenRequestsAreTooLargeForItsMemory) {
     const SerialLink terminal;
     HostProcess host({"--quiet", "--serial", terminal.Device()});
     const string pipe = "VornServerPipe" + host.WaitFor("holds the pipe VornServerPipe");
-    const pid_t process = ProcessOf(host.Program());
+    const auto process = static_cast<pid_t>(host.Number());
     ASSERT_TRUE(host.Client().Get("/hi"));
     const auto leaveFree = [process](size_t megabytes) {
         const rlim_t most = (MegabytesOf(process, Data) + megabytes) << 20U;
