@@ -485,10 +485,12 @@ TEST_F(PlantTest, LikeBranchesGetLikeFlowsAndANodeTellsThemAtItsPorts) {
 
 TEST_F(PlantTest, AVesselTiesWhatIsLinkedToIt) {
     Drawing drawing;
-    drawing.Chain({drawing.Add(Duct), drawing.Add(Tank), drawing.Add(Pipe)});
+    drawing.Chain({drawing.Add(Pipe), drawing.Add(Tank, {1.0}), drawing.Add(Pipe)});
+    drawing.Add(NodePiece);
     MadePlant plant("P", drawing);
     ASSERT_TRUE(PlantStep(plant.Slot(), 0.1));
-    EXPECT_EQ(plant.Records().variables[5].integers[1], 1) << "nets";
+    EXPECT_EQ(plant.Records().variables[5].integers[0], 4) << "elements";
+    EXPECT_EQ(plant.Records().variables[5].integers[1], 1) << "nets: a lone node is none";
 }
 
 TEST_F(PlantTest, AnExchangerMovesWhatItsEffectivenessSays) {
@@ -583,6 +585,11 @@ TEST_F(PlantTest, ACircuitHasHalfOfCarnotsCop) {
     EXPECT_NEAR(plant.Port(cooler, 0).flow, taken / 160e3, 1e-5);
     EXPECT_EQ(plant.Port(cooler, 0).pressure, 600.0);
     EXPECT_NEAR(plant.Item(cooler, 1), plant.Item(store, 0), 1e-9);
+    const auto energy = [&] { return ProjectReal(plant, 1) / (4.0 * 0.1 / 3600.0); };  // in steps
+    EXPECT_NEAR(energy(), 1.0, 1e-6);
+    PjtStartSet(plant.Slot(), true);
+    ASSERT_TRUE(PlantStep(plant.Slot(), 0.1) && PlantStep(plant.Slot(), 0.1));
+    EXPECT_NEAR(energy(), 2.0, 1e-6) << "since the start";
     plant.Item(valve, 0) = 0.0;
     ASSERT_TRUE(PlantStep(plant.Slot(), 0.1));
     EXPECT_EQ(plant.Port(cooler, 0).flow, 0.0);

@@ -99,8 +99,9 @@ void MakePoints(const PlantRows& rows, const Ends& ends, Layout& layout) {
             found = static_cast<int>(layout.points.size());
             layout.points.push_back({.rank = rank});
         }
-        std::int64_t& lowest = At(layout.points, found).rank;
-        lowest = std::min(lowest, rank);
+        Point& is = At(layout.points, found);
+        is.linked = is.linked || At(linked, key) != 0;
+        is.rank = std::min(is.rank, rank);
         return found;
     };
     for (std::size_t device = 0; device < layout.devices.size(); ++device) {
@@ -150,7 +151,9 @@ void MakeNets(Layout& layout) {
             layout.nets.emplace_back();
         }
         layout.points[number].net = net;
-        At(layout.nets, net).points.push_back(static_cast<int>(number));
+        Net& is = At(layout.nets, net);
+        is.points.push_back(static_cast<int>(number));
+        is.linked = is.linked || layout.points[number].linked;
     }
     for (std::size_t number = 0; number < layout.aisles.size(); ++number) {
         Aisle& aisle = layout.aisles[number];

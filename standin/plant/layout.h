@@ -71,11 +71,13 @@ struct Content {
 /// Ends of links that meet: one pressure, one temperature. A node is a point of its own.
 struct Point {
     int net = -1;
+    bool linked = false;    ///< not of a lone node
     std::int64_t rank = 0;  ///< where a part of a net that nothing holds rests on 0: its lowest rank
 };
 
 struct Net {
     Fluid fluid = Fluid::Water;
+    bool linked = false;   ///< not a lone node
     bool circuit = false;  ///< of refrigerant, with a compressor
     std::vector<int> points;
     std::vector<int> aisles;

@@ -10,6 +10,7 @@ namespace standin {
 
 /// Parts the net at what carries nothing, and chooses the points on which parts rest that no vessel holds.
 void NetSolver::FindParts(std::span<const Law> laws) {
+    partsKnown_ = true;
     Joined joined(static_cast<int>(pressures_.size()));
     for (std::size_t edge = 0; edge < edges_.size(); ++edge) {
         if (Carries(edge, laws)) joined.Join(edges_[edge].from, edges_[edge].to);

@@ -120,17 +120,20 @@ bool NetSolver::Carries(std::size_t edge, std::span<const Law> laws) const {
 
 /// Begins where the last solution ended, but for what has been opened since.
 void NetSolver::Begin(std::span<const Law> laws) {
+    bool turned = false;
     for (std::size_t edge = 0; edge < edges_.size(); ++edge) {
         if (!laws[edge].check) holding_[edge] = 0;
-        if (carried_[edge] != static_cast<char>(Carries(edge, laws))) factored_ = false;
+        turned = turned || carried_[edge] != static_cast<char>(Carries(edge, laws));
         if (!Carries(edge, laws)) {
             flows_[edge] = 0.0;
         } else if (carried_[edge] != 1) {
             flows_[edge] = laws[edge].usualFlow;
         }
     }
-    FindParts(laws);
     soft_ = softened_ = false;
+    if (!turned && partsKnown_) return;
+    factored_ = false;
+    FindParts(laws);
 }
 
 /// Begins anew, far from a solution: all checks are soft, and flows that tell nothing are the usual ones.
@@ -307,7 +310,7 @@ bool NetSolver::Solve(std::span<const Law> laws) {
     flows_ = lastFlows;
     pressures_ = lastPressures;
     holding_ = lastHolding;
-    factored_ = false;
+    factored_ = partsKnown_ = false;
     return false;
 }
 

@@ -67,6 +67,7 @@ class NetSolver {
     bool soft_ = false;          ///< checks let a little flow back
     bool softened_ = false;      ///< they were soft in this solution
     std::vector<char> carried_;  ///< by edge: at the last solution
+    bool partsKnown_ = false;    ///< of the last solution
     std::vector<int> pins_;      ///< points on which parts rest that nothing holds
     std::vector<int> parts_;     ///< by point
 

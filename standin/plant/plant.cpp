@@ -129,13 +129,14 @@ void Plant::TellProject(const PlantInputs& inputs, PlantOutputs& outputs) const 
     int waterPoints = 0;
     for (int number = 0; number < static_cast<int>(layout_.nets.size()); ++number) {
         const Net& net = At(layout_.nets, number);
+        outputs.nets += net.linked ? 1 : 0;
         if (net.circuit) {
             const HeatBalance::CircuitState& circuit = balance_.CircuitAt(number);
             ++outputs.circuits;
             evaporating += circuit.evaporating;
             outputs.heatTaken += circuit.taken;
             outputs.power += circuit.power;
-        } else if (net.fluid == Fluid::Water) {
+        } else if (net.linked && net.fluid == Fluid::Water) {
             for (const int point : net.points) water += balance_.PointTemperature(point);
             waterPoints += static_cast<int>(net.points.size());
         }

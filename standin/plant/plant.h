@@ -37,6 +37,7 @@ struct PlantOutputs {
     double meanTemperature = 0.0;     ///< evaporating, or of the water where there is no circuit
     double heatTaken = 0.0;           ///< by the circuits, W
     double power = 0.0;               ///< drawn by pumps and compressors, W
+    int nets = 0;
     int circuits = 0;
     int unsolvedNets = 0;
     bool converged = true;

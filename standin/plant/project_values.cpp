@@ -41,7 +41,8 @@ void ProjectValuesWrite(Project& project, const Layout& layout, const PlantOutpu
 
     double& temperature = standard("GTemp").reals[0];
     if (outputs.hasMeanTemperature) temperature = outputs.meanTemperature;
-    standard("WAll").reals[0] += outputs.power * seconds / JoulePerKilowattHour;
+    double& energy = standard("WAll").reals[0];  // since the start
+    energy = (project.steps == 1 ? 0.0 : energy) + outputs.power * seconds / JoulePerKilowattHour;
     standard("COP").reals[0] = outputs.power > 0.0 ? outputs.heatTaken / outputs.power : 0.0;
 
     auto& series = standard("GSeries").reals;  // the oldest first
@@ -51,8 +52,8 @@ void ProjectValuesWrite(Project& project, const Layout& layout, const PlantOutpu
     project.stepsUnsolved = project.steps == 1 ? 0 : project.stepsUnsolved;
     if (!outputs.converged) project.stepsUnsolved = Counted(project.stepsUnsolved, 0);
     const auto elements = static_cast<int>(layout.devices.size() + layout.nodes.size());
-    standard("GCounts").integers = {elements, static_cast<int>(layout.nets.size()), outputs.circuits,
-                                    outputs.unsolvedNets, project.stepsUnsolved};
+    standard("GCounts").integers = {elements, outputs.nets, outputs.circuits, outputs.unsolvedNets,
+                                    project.stepsUnsolved};
     RememberTemperature(project, temperature);
 }
 
