@@ -15,7 +15,7 @@
 
 #include "include/vorn_contract.h"
 #include "platform/executable_path.h"
-#include "platform/listen_socket.h"
+#include "platform/http_server.h"
 
 namespace {
 
@@ -59,7 +59,7 @@ struct Log {
 };
 
 struct Console {
-    httplib::Server server{};
+    vorn::HttpServer server{};
     std::map<std::string, File> files{};  ///< by path
     std::string host{};                   ///< as it was asked for
     std::string portText{};  ///< with its colon; empty for the port that links have by themselves
@@ -105,16 +105,9 @@ bool FromHere(const Console& console, const httplib::Request& request) {
     return own && (!request.has_header("Origin") || request.get_header_value("Origin") == "http://" + host);
 }
 
-/// Replies go out whole and as they are: for a browser the library would pack them with Brotli, which takes
-/// seconds for each megabyte. The request is the library's own and changeable.
-void TakeAsItIs(const httplib::Request& request) {
-    auto& changeable = const_cast<httplib::Request&>(request);
-    changeable.ranges.clear();
-    changeable.headers.erase("Accept-Encoding");
-}
-
 /// Passes a request on to the library and its answer back.
 void Pass(const Console& console, const httplib::Request& request, httplib::Response& response) {
+    vorn::HttpServer::BodyTaken();
     httplib::Client client("127.0.0.1", console.servicePort);
     client.set_read_timeout(AnswerSeconds);
     client.set_write_timeout(AnswerSeconds);
@@ -168,7 +161,6 @@ void FileTell(const Console& console, const httplib::Request& request, httplib::
 }
 
 void Prepare(Console& console) {
-    console.server.set_socket_options([](socket_t socket) { vorn::ListenSocketOptions(socket); });
     console.server.set_payload_max_length(BodyBytesAtMost);
     console.server.set_default_headers({{"Content-Security-Policy", ContentPolicy},
                                         {"X-Content-Type-Options", "nosniff"},
@@ -178,7 +170,6 @@ void Prepare(Console& console) {
                                         {"Cache-Control", "no-cache"}});
     console.server.set_pre_routing_handler(
         [&console](const httplib::Request& request, httplib::Response& response) {
-            TakeAsItIs(request);
             if (FromHere(console, request)) return httplib::Server::HandlerResponse::Unhandled;
             response.status = 403;
             response.set_content("this console serves its own page only\n", "text/plain");

@@ -12,7 +12,7 @@
 #include <utility>
 
 #include "host/process_figures.h"
-#include "platform/listen_socket.h"
+#include "platform/http_server.h"
 
 namespace {
 
@@ -148,8 +148,7 @@ std::string MetricsText() {
 
 std::string MetricsStart(const ConsoleAddress& address, std::string& fault) {
     // Never destroyed: the process ends around its threads.
-    auto& server = *new httplib::Server;
-    server.set_socket_options([](socket_t socket) { vorn::ListenSocketOptions(socket); });
+    auto& server = *new vorn::HttpServer;
     server.Get("/metrics", [](const httplib::Request&, httplib::Response& response) {
         response.set_content(MetricsText(), "text/plain; version=0.0.4; charset=utf-8");
     });

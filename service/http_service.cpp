@@ -8,11 +8,9 @@
 
 #include "include/vorn_contract.h"
 #include "include/vorn_server.h"
-#include "platform/listen_socket.h"
+#include "platform/http_server.h"
 #include "platform/memory.h"
 #include "service/api_envelope.h"
-#include "service/http_server.h"
-#include "service/http_workers.h"
 
 namespace vorn {
 
@@ -54,8 +52,6 @@ void Api(const httplib::Request& request, httplib::Response& response,
 
 void Serve() {
     HttpServer svr;
-    svr.new_task_queue = [] { return new HttpWorkers; };
-    svr.set_socket_options([](socket_t socket) { ListenSocketOptions(static_cast<std::intptr_t>(socket)); });
     svr.set_keep_alive_max_count(RequestsPerConnection);
     svr.Get("/hi", Hi);
     svr.Post("/api", Api);

@@ -6,7 +6,7 @@
 
 #include "include/vorn_contract.h"
 #include "include/vorn_server.h"
-#include "service/http_workers.h"
+#include "platform/http_workers.h"
 #include "service/pipe_message.h"
 #include "service/pipe_service.h"
 #include "standin/plant/step.h"

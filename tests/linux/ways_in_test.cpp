@@ -106,7 +106,7 @@ TEST(WaysInThreadsTest, GoesOnWhenRequestsAreTooLargeForItsMemory) {
     if (!OwnMemory) GTEST_SKIP() << "the sanitizer takes memory of its own";
     signal(SIGPIPE, SIG_IGN);  // a client's library writes on where it was let go
     const SerialLink terminal;
-    HostProcess host({"--quiet", "--serial", terminal.Device()});
+    HostProcess host({"--quiet", "--metrics", "--serial", terminal.Device()});
     const string pipe = "VornServerPipe" + host.WaitFor("holds the pipe VornServerPipe");
     const auto process = static_cast<pid_t>(host.Number());
     ASSERT_TRUE(host.Client().Get("/hi"));
@@ -135,6 +135,7 @@ TEST(WaysInThreadsTest, GoesOnWhenRequestsAreTooLargeForItsMemory) {
         all.push_back(host.Client());
         all.back().set_keep_alive(true);
         EXPECT_TRUE(all.back().Get("/hi"));
+        EXPECT_TRUE(httplib::Client("127.0.0.1", 9360).Get("/metrics"));
     }
     all.clear();
     terminal.Write("Get/" + string(60000, 'x') + "\rGet/X\r");

@@ -1,4 +1,4 @@
-// One connection of the HTTP service, as the HTTP library reads and writes it.
+// One connection of an HTTP server, as the HTTP library reads and writes it.
 
 #pragma once
 
@@ -10,7 +10,7 @@
 namespace vorn {
 
 /// Hides each request's `Range` header from the library, which would refuse a request for a malformed one and
-/// cut the reply by a good one; nothing of the service deals in parts of a reply. Keeps what came behind a
+/// cut the reply by a good one; nothing here deals in parts of a reply. Keeps what came behind a
 /// request for the next one.
 class HttpConnection : public httplib::Stream {
   public:

@@ -1,4 +1,4 @@
-// The threads that serve the connections of the HTTP service.
+// The threads that serve the connections of an HTTP server.
 
 #pragma once
 

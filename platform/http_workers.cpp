@@ -1,4 +1,4 @@
-#include "service/http_workers.h"
+#include "platform/http_workers.h"
 
 #include <exception>
 #include <new>

@@ -1,10 +1,9 @@
-#include "service/http_connection.h"
+#include "platform/http_connection.h"
 
 #include <algorithm>
 #include <string_view>
 
 #include "platform/stream_socket.h"
-#include "text/fixed_text.h"
 
 namespace vorn {
 
@@ -12,6 +11,11 @@ namespace {
 
 constexpr std::string_view HiddenName = "RANGE";
 constexpr std::size_t OtherLine = HiddenName.size();
+
+/// True for a letter of the name, in upper or lower case.
+bool Matches(char byte, char letter) {
+    return byte == letter || byte == letter - 'A' + 'a';
+}
 
 std::intptr_t Number(socket_t socket) {
     return static_cast<std::intptr_t>(socket);
@@ -44,7 +48,7 @@ void HttpConnection::HideRange(char& byte) {
     if (byte == '\n') {
         matched_ = 0;
     } else if (matched_ < OtherLine) {
-        const bool matches = AsciiUpper(byte) == HiddenName[matched_];
+        const bool matches = Matches(byte, HiddenName[matched_]);
         matched_ = matches ? matched_ + 1 : OtherLine;
         if (matches && matched_ == HiddenName.size()) byte = '_';
     }

@@ -1,7 +1,9 @@
-#include "service/http_server.h"
+#include "platform/http_server.h"
 
 #include <exception>
 
+#include "platform/http_workers.h"
+#include "platform/listen_socket.h"
 #include "platform/memory.h"
 #include "platform/stream_socket.h"
 
@@ -17,6 +19,11 @@ int Milliseconds(time_t seconds) {
 }
 
 }  // namespace
+
+HttpServer::HttpServer() {
+    new_task_queue = [] { return new HttpWorkers; };
+    set_socket_options([](socket_t socket) { ListenSocketOptions(static_cast<std::intptr_t>(socket)); });
+}
 
 bool HttpServer::HasBody(const httplib::Request& request) {
     return request.has_header("Content-Length") || request.has_header("Transfer-Encoding");
