@@ -22,12 +22,36 @@ struct AisleType {
     int outlet = -1;
 };
 
+/// What modules of a type do in the plant.
+enum class Role {
+    None,  ///< carries what flows through it and does nothing else
+    CastIronPipe,
+    CopperPipe,
+    Duct,
+    Pump,
+    Valve,
+    ExpansionValve,
+    Exchanger,
+    Condenser,
+    Evaporator,
+    Terminal,  ///< fan coil, radiator
+    AirCooler,
+    Compressor,
+    Tank,
+    Tower,
+    Receiver,
+    Room,
+    ColdStore
+};
+
 struct ModuleType {
     std::int64_t oneId;
     std::string_view name;  ///< UTF-8
+    Role role;
     std::span<const PortType> ports;
     std::span<const AisleType> aisles;
     std::span<const std::string_view> items;  ///< the rows of the type's table of items, all reals
+    bool reducer = false;                     ///< a pipe or duct with a reducer's loss
 };
 
 /// All types, by type number.

@@ -1,34 +1,12 @@
-// What each module type does in the plant, and the items that it is told by.
+// The module types as the plant sees them, and the items that they are told by.
 
 #pragma once
 
 #include <array>
-#include <span>
 
 #include "standin/catalogue.h"
 
 namespace standin {
-
-enum class Role {
-    None,  ///< carries what flows through it and does nothing else
-    CastIronPipe,
-    CopperPipe,
-    Duct,
-    Pump,
-    Valve,
-    ExpansionValve,
-    Exchanger,
-    Condenser,
-    Evaporator,
-    Terminal,  ///< fan coil, radiator
-    AirCooler,
-    Compressor,
-    Tank,
-    Tower,
-    Receiver,
-    Room,
-    ColdStore
-};
 
 enum class Item {
     Length,    ///< m
@@ -48,12 +26,8 @@ enum class Item {
 };
 
 /// One type of the catalogue as the plant sees it.
-struct DeviceType {
-    Role role = Role::None;
-    bool reducer = false;
+struct DeviceType : ModuleType {
     std::array<int, static_cast<std::size_t>(Item::Count)> rows{};  ///< of each item, -1 where it has none
-    std::span<const PortType> ports;
-    std::span<const AisleType> aisles;
 
     int Row(Item item) const { return rows[static_cast<std::size_t>(item)]; }
 };
