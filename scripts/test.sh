@@ -35,7 +35,7 @@ scripts/test_console.sh "$@" || exit 1
 
 if [ "$full" = yes ]; then
     say "lint"
-    git ls-files '*.cpp' ':!tests' ':!bench' ':!*/windows/*' | xargs -P "$(nproc)" -n 4 clang-tidy -p build/release --quiet 2>/dev/null \
+    git ls-files '*.cpp' ':!tests' ':!bench' ':!examples' ':!*/windows/*' | xargs -P "$(nproc)" -n 4 clang-tidy -p build/release --quiet 2>/dev/null \
         || fail "the lint check"
     mypy || fail "the types of the Python code"
     if npm --prefix clients/mcp ci --no-progress >/dev/null 2>&1; then
