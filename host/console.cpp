@@ -15,7 +15,7 @@
 
 #include "include/vorn_contract.h"
 #include "platform/executable_path.h"
-#include "platform/http_server.h"
+#include "transport/http_server.h"
 
 namespace {
 

@@ -12,7 +12,7 @@
 #include <utility>
 
 #include "host/process_figures.h"
-#include "platform/http_server.h"
+#include "transport/http_server.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include "include/vorn_contract.h"
 #include "platform/named_pipe.h"
-#include "platform/pipe_client.h"
+#include "transport/pipe_client.h"
 
 std::string PipeNameOf(int row) {
     return VORN_PIPE_NAME_PREFIX + std::to_string(row);

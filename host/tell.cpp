@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "platform/line_queue.h"
+#include "transport/line_queue.h"
 
 namespace {
 

@@ -8,9 +8,9 @@
 
 #include "include/vorn_contract.h"
 #include "include/vorn_server.h"
-#include "platform/http_server.h"
 #include "platform/memory.h"
 #include "service/api_envelope.h"
+#include "transport/http_server.h"
 
 namespace vorn {
 

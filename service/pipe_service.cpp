@@ -8,10 +8,10 @@
 #include "include/vorn_contract.h"
 #include "include/vorn_server.h"
 #include "platform/memory.h"
-#include "platform/pipe_client.h"
 #include "platform/sleep.h"
 #include "service/pipe_message.h"
 #include "service/server_root.h"
+#include "transport/pipe_client.h"
 
 namespace vorn {
 

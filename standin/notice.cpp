@@ -1,6 +1,6 @@
 #include "standin/notice.h"
 
-#include "platform/line_queue.h"
+#include "transport/line_queue.h"
 
 namespace standin {
 

@@ -6,7 +6,6 @@
 
 #include "include/vorn_contract.h"
 #include "include/vorn_server.h"
-#include "platform/http_workers.h"
 #include "service/pipe_message.h"
 #include "service/pipe_service.h"
 #include "standin/plant/step.h"
@@ -15,6 +14,7 @@
 #include "tests/support/service_test.h"
 #include "tests/support/system.h"
 #include "tests/support/working_folder.h"
+#include "transport/http_workers.h"
 
 namespace {
 

@@ -7,13 +7,13 @@
 
 #include "include/vorn_contract.h"
 #include "include/vorn_server.h"
-#include "platform/pipe_client.h"
 #include "service/pipe_message.h"
 #include "service/pipe_service.h"
 #include "service/server_root.h"
 #include "tests/support/host_process.h"
 #include "tests/support/peer.h"
 #include "tests/support/pipe_test.h"
+#include "transport/pipe_client.h"
 
 namespace {
 

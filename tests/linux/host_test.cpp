@@ -17,10 +17,10 @@
 #include "host/listening_ports.h"
 #include "host/serial_port.h"
 #include "include/vorn_contract.h"
-#include "platform/line_queue.h"
 #include "tests/support/host_process.h"
 #include "tests/support/linux/locale_files.h"
 #include "tests/support/service_test.h"
+#include "transport/line_queue.h"
 
 namespace {
 

@@ -18,12 +18,12 @@
 
 #include "platform/listen_socket.h"
 #include "platform/named_pipe.h"
-#include "platform/pipe_client.h"
 #include "platform/stream_socket.h"
 #include "service/pipe_service.h"
 #include "tests/support/host_process.h"
 #include "tests/support/pipe_test.h"
 #include "tests/support/system.h"
+#include "transport/pipe_client.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "platform/http_workers.h"
+#include "transport/http_workers.h"
 
 #include <exception>
 #include <new>

@@ -4,7 +4,7 @@
 
 #include <httplib.h>
 
-#include "platform/http_connection.h"
+#include "transport/http_connection.h"
 
 namespace vorn {
 

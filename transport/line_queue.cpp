@@ -1,4 +1,4 @@
-#include "platform/line_queue.h"
+#include "transport/line_queue.h"
 
 #include <algorithm>
 

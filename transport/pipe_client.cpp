@@ -1,4 +1,4 @@
-#include "platform/pipe_client.h"
+#include "transport/pipe_client.h"
 
 #include <array>
 

@@ -1,4 +1,4 @@
-#include "platform/http_connection.h"
+#include "transport/http_connection.h"
 
 #include <algorithm>
 #include <string_view>

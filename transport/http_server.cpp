@@ -1,11 +1,11 @@
-#include "platform/http_server.h"
+#include "transport/http_server.h"
 
 #include <exception>
 
-#include "platform/http_workers.h"
 #include "platform/listen_socket.h"
 #include "platform/memory.h"
 #include "platform/stream_socket.h"
+#include "transport/http_workers.h"
 
 namespace vorn {
 
