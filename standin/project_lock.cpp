@@ -2,9 +2,11 @@
 
 #include <array>
 #include <string>
+#include <system_error>
 #include <utility>
 
 #include "platform/file_lock.h"
+#include "platform/file_text.h"
 #include "standin/notice.h"
 #include "standin/project.h"
 #include "standin/project_folder.h"
@@ -42,6 +44,9 @@ void TellHeld(std::string_view name, const std::string& holder) {
 bool ProjectLockTake(int slot, std::string_view name) {
     const std::string path = ProjectLockFile(name);
     if (path.empty()) return true;
+    // Two servers that each make the first project of a store would both succeed if the store came later.
+    std::error_code fault;
+    vorn::FolderMake(path.substr(0, path.rfind('/')), fault);
     std::string& told = LastTold();
     std::string holder;
     if (LockOf(slot).Take(path, vorn::ProcessTitle(), holder) == vorn::LockResult::Held) {

@@ -172,7 +172,7 @@ Order OrderOf(const Project& project) {
     if (order.text.size() > StoredBytesLimit) order.fault = std::make_error_code(std::errc::file_too_large);
     if (order.fault || !vorn::FolderMake(order.path, order.fault)) return order;
     order.path = PathOf(project.name);
-    // A project that was made before there was a store has no lock yet.
+    // A project has no lock yet where the store could not be made before.
     if (!ProjectLockEnsure(SlotOf(project), project.name))
         order.fault = std::make_error_code(std::errc::resource_unavailable_try_again);
     return order;

@@ -5,7 +5,6 @@
 #include "platform/file_text.h"
 #include "standin/project.h"
 #include "tests/support/service_test.h"
-#include "tests/support/working_folder.h"
 
 using standin::ProjectFind;
 
@@ -17,9 +16,6 @@ class ImportTest : public ServiceTest {
   protected:
     ImportTest() { Send("Create", "P"); }
     const standin::Project& Project() { return *ProjectFind(0); }
-
-  private:
-    WorkingFolder folder_;
 };
 
 std::string Document(const std::string& devices, const std::string& connections = "") {

@@ -13,7 +13,6 @@
 #include "tests/support/failing_new.h"
 #include "tests/support/service_test.h"
 #include "tests/support/system.h"
-#include "tests/support/working_folder.h"
 #include "transport/http_workers.h"
 
 namespace {
@@ -114,9 +113,6 @@ class MemoryProjectTest : public MemoryTest {
     const string Document = R"({"DeviceInfo":[{"InstanceID":"tank","VornModuleID":26010100000000014},
         {"InstanceID":"pump","VornModuleID":26010100000000011}],"ConnectionInfo":[{"StartPortID":"1",
         "StartDeviceInstanceID":"tank","EndDeviceInstanceID":"pump","ConnectionID":"pipe 12345678901234567"}]})";
-
-  private:
-    WorkingFolder folder_;
 };
 
 TEST_F(MemoryProjectTest, LetsACommandFailAndNotTheProject) {

@@ -9,7 +9,6 @@
 #include "network/net_access.h"
 #include "network/topology_report.h"
 #include "tests/support/service_test.h"
-#include "tests/support/working_folder.h"
 
 namespace {
 
@@ -172,7 +171,6 @@ TEST_F(NetworkReportTest, AsksForTheNameOfATypeOnce) {
 }
 
 TEST_F(NetworkReportTest, VacantModulesHaveNoAisles) {
-    const WorkingFolder folder;
     const auto aisleOf = [](int module) { return ModulePortInfo(0, module, 0, 5).AisleNb; };
     PlantMake();
     EXPECT_EQ(aisleOf(0), -1);  // an end port

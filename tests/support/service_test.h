@@ -14,6 +14,7 @@
 #include "standin/levers/levers.h"
 #include "standin/levers/trace_record.h"
 #include "tests/support/trace_sleep.h"
+#include "tests/support/working_folder.h"
 
 /// The reply to one request.
 inline std::string Send(const std::string& command, const std::string& name,
@@ -88,7 +89,7 @@ inline std::string Fluid(const std::string& more = "") {
     return R"({"VornModuleID":3000,"NodeName":"FLUID")" + more + "}";
 }
 
-/// Each test begins with no open project and an engine that refuses nothing.
+/// Each test begins with no open project, an engine that refuses nothing and a folder of its own.
 class ServiceTest : public testing::Test {
   protected:
     ServiceTest() { standin::EngineReset(); }
@@ -96,4 +97,5 @@ class ServiceTest : public testing::Test {
         AtSleep({});
         standin::EngineReset();
     }
+    WorkingFolder folder_;
 };
