@@ -170,13 +170,14 @@ TEST_F(ImportTest, LetsTheFirstOfEqualIdentitiesWin) {
                   R"({"ConnectionID":"c","StartPortSize":{"x":0.1,"y":0.1},"EndPortSize":{"x":0.1,"y":0.1}},)"
                   R"({"ConnectionID":"d"},{},{"ConnectionID":"c","StartPortSize":{"x":0.2,"y":0.2},)"
                   R"("EndPortSize":{"x":0.2,"y":0.2}},)"
-                  R"({"ConnectionID":"d","StartDeviceInstanceID":"A","EndDeviceInstanceID":"c"})"));
+                  R"({"ConnectionID":"d","StartDeviceInstanceID":"A","EndDeviceInstanceID":"c"},)"
+                  R"({"ConnectionID":"b","StartDeviceInstanceID":"none"})"));
     const auto& modules = Project().modules.rows;
-    ASSERT_EQ(modules.size(), 3U);
+    ASSERT_EQ(modules.size(), 4U);
     EXPECT_EQ(modules[0].x, 2 * 5 + 120);
     EXPECT_EQ(modules[1].modelId, "DN200铸铁管道");
     EXPECT_EQ(modules[1].x, 9 * 50 + 3 * 5 + 120);
-    EXPECT_EQ(modules[2].instanceId, "d");
+    EXPECT_EQ(modules[2].instanceId + modules[3].instanceId, "db");
     EXPECT_EQ(Project().nodes.rows.size(), 2U);
     EXPECT_EQ(Project().nodes.rows[0].linksAtPort[8], 1);
     EXPECT_EQ(Project().links.rows.size(), 2U);

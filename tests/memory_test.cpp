@@ -152,6 +152,22 @@ TEST_F(MemoryProjectTest, LetsACommandFailAndNotTheProject) {
         ExpectWhole);
 }
 
+TEST_F(MemoryProjectTest, KeepsTheProjectUntilADocumentIsReadWhole) {
+    // Each of the connections gets a device, and each of these asks for memory.
+    constexpr int Connections = 100;
+    string document = R"({"ConnectionInfo":[{})";
+    for (int number = 0; number < Connections; ++number)
+        document += R"(,{"ConnectionID":"c)" + std::to_string(number) + "\"}";
+    document += "]}";
+    for (int count = 0; count < Connections; ++count) {
+        FailNew(count);
+        Send("PjtSent", "P", document);
+        EXPECT_TRUE(NewFailed());
+        FailNew(-1);
+        ASSERT_EQ(Send("VarInfoGet", "P_tank").substr(0, 1), "[") << count;
+    }
+}
+
 /// As `MemoryTest`, over a pipe.
 class MemoryThreadsTest : public MemoryTest {};
 

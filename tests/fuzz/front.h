@@ -13,7 +13,7 @@
 #include "service/dispatcher.h"
 #include "service/service_locks.h"
 #include "standin/levers/levers.h"
-#include "tests/support/working_folder.h"
+#include "tests/fuzz/memory_files.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size);
 
@@ -48,9 +48,9 @@ inline std::string Ask(const std::string& command, const std::string& name,
     return reply;
 }
 
-/// An engine without projects, in a folder of the program's own that is empty at its start.
+/// An engine without projects, open or stored.
 inline void BeginFresh() {
-    static const WorkingFolder folder;
+    FilesForget();
     standin::EngineReset();
     standin::SimulationKeepOff(true);
 }
