@@ -86,7 +86,7 @@ def test_the_schema_is_kept_as_a_validator_keeps_it() -> None:
     judged = [(not PROJECT_DOCUMENT.faults(each), validator.is_valid(each), each) for each in documents()]
     # Of the words that are its own the validator knows nothing: a length without a fraction.
     differ = [row for row in judged if row[0] != row[1] and "fraction" not in str(PROJECT_DOCUMENT.faults(row[2]))]
-    assert differ == [] and 50 < sum(row[0] for row in judged) < len(judged) - 50
+    assert differ == [] and 30 < sum(row[0] for row in judged) < len(judged) - 30
 
 
 @pytest.mark.parametrize(("text", "value"), [

@@ -200,7 +200,13 @@ class Plant:
     @classmethod
     def load(cls, path: str | Path) -> Plant:
         """Reads a document from a file. Raises PlantError, OSError, and ValueError for what is no JSON."""
-        return cls.of_document(json.loads(Path(path).read_text(encoding="utf-8")))
+        return cls.of_text(Path(path).read_text(encoding="utf-8"))
+
+    @classmethod
+    def of_text(cls, text: str) -> Plant:
+        """Reads a document from its text. Raises PlantError, also for a member that is there twice, and ValueError for
+        what is no JSON."""
+        return cls.of_document(json.loads(text, object_pairs_hook=_members))
 
     @classmethod
     def of_document(cls, document: Mapping[str, Any]) -> Plant:
@@ -210,6 +216,14 @@ class Plant:
             raise PlantError(faults)
         return cls([_device_of(entry) for entry in document.get("DeviceInfo", [])],
                    [_connection_of(entry) for entry in document.get("ConnectionInfo", [])])
+
+
+def _members(pairs: list[tuple[str, Any]]) -> dict[str, Any]:
+    members = dict(pairs)
+    if len(members) != len(pairs):
+        twice = next(name for name, count in Counter(name for name, _ in pairs).items() if count > 1)
+        raise PlantError([f"{twice} is there twice in one object, of which the service reads one"])
+    return members
 
 
 def _port_fault(device: Device, number: int, outlet: bool, used: int) -> str:
