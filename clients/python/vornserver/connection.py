@@ -106,6 +106,8 @@ class Connection:
                 connection = self._ready(deadline)
                 try:
                     return self._sent(connection, method, path, body, deadline)
+                except VornError:  # a reply, though not a good one
+                    raise
                 except TIMEOUTS as error:
                     self.close()
                     raise TimeLimit(f"no reply within {seconds:g} s") from error
