@@ -15,9 +15,10 @@ from vornserver import (
     BatchError, Plant, PlantError, Project, Server, ServiceError, ServiceNotFound, Topology, VerdictError)
 from vornserver.errors import KINDS
 from vornserver.interface import COMMANDS, DATA, VERSION
+from vornserver.plant import type_id
 
 REPOSITORY = Path(__file__).resolve().parents[3]
-PUMP = 26010100000000011
+PUMP = type_id("pump")
 
 
 @pytest.fixture(scope="module")

@@ -16,6 +16,7 @@ import pytest
 from host import Host
 from vornserver.__main__ import main
 from vornserver.interface import COMMANDS
+from vornserver.plant import type_id
 from vornserver.shell_output import table, width
 from vornserver.shell_top import spark
 
@@ -39,7 +40,7 @@ SESSION: list[tuple[list[str], int, str]] = [
     (["send", "P1", "/no/such/file"], 1, "/no/such/file"),
     (["check", "P1"], 0, "OK"),
     (["topology", "P1"], 0, "compressor"),
-    (["add-module", "P1", "26010100000000011", "水泵", "--position-x", "2"], 0, "MOD36"),
+    (["add-module", "P1", str(type_id("pump")), "水泵", "--position-x", "2"], 0, "MOD36"),
     (["--json", "add-node", "P1", "3000", "FLUID"], 0, '"NOD2"'),
     (["set-cache-value", "P1", "compressor", "1", "3"], 0, "OK"),
     (["set-cache-value", "P1", "compressor", "1", "much"], 1, "must be of the form"),

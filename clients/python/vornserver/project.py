@@ -10,9 +10,9 @@ from typing import Any, Iterable, Iterator, Mapping, Sequence, overload
 
 from vornserver.caller import Service
 from vornserver.commands import ProjectCommands
-from vornserver.errors import BatchError, ServiceError, UnexpectedReply
+from vornserver.errors import BatchError, PlantError, ServiceError, UnexpectedReply
 from vornserver.interface import COMMANDS
-from vornserver.plant import Plant
+from vornserver.plant import Plant, rounded_from
 from vornserver.samples import Poller, Sample, one_number
 from vornserver.topology import Topology
 from vornserver.values import Value, Writable
@@ -166,10 +166,15 @@ class Project(ProjectCommands):
         return Poller(self.read_batch, every)
 
     def send(self, document: Mapping[str, Any] | Plant) -> None:
-        """Replaces the project by a plant or a project document, and stores it. Either is checked before. Raises
-        PlantError, and StateError where the project runs."""
+        """Replaces the project by a plant or a project document, and stores it. Either is checked before; types that the
+        catalogue does not have are looked for afterwards. Raises PlantError, and StateError where the project runs."""
         plant = document if isinstance(document, Plant) else Plant.of_document(document)
         super().send(plant.document(check=True))
+        if foreign := plant.foreign:
+            there = {each.instance_id for each in self.topology().modules}
+            if lost := [each for each in foreign if each.id not in there]:
+                raise PlantError([f"the engine has no type {each.type}, so that device {each.id!r} is left out"
+                                  + rounded_from(each.type) for each in lost])
 
     def topology(self) -> Topology:
         """The devices, nodes, links and branches."""
