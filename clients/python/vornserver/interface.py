@@ -4,10 +4,11 @@ from __future__ import annotations
 
 import json
 import re
+from contextlib import suppress
 from dataclasses import dataclass, field
 from functools import cached_property, lru_cache
 from importlib import resources
-from typing import Any, Iterator
+from typing import Any, Dict, Iterator, cast
 
 from vornserver.errors import KINDS, ServiceError, UnexpectedReply
 from vornserver.schema import Json, Schema
@@ -28,6 +29,7 @@ DATA = _load()
 WAYS: Json = DATA["interface"]["ways"]
 VERSION: str = DATA["interface"]["version"]
 FAILURES: dict[str, Json] = DATA["failures"]
+NUMBERS = {int, float}
 FITTINGS: Json = DATA["fittings"]
 CATALOGUE: Json = DATA["catalogue"]
 PROJECT_DOCUMENT = Schema(DATA["schemas"]["project_document.schema.json"], DATA["schemas"])
@@ -145,6 +147,8 @@ class Command:
     def entries(self, texts: list[str]) -> list[Value | ServiceError | None]:
         """The entries of a batch's reply, as `entry_value`. Raises UnexpectedReply."""
         failures = self.entry_failures
+        with suppress(ValueError, TypeError):  # all are numbers, as they are in most batches
+            return [float(text) if "." in text else int(text) for text in texts]
         try:
             return [failure_of(failures[text], text) if text in failures else None if text == "OK" else value_of(text)
                     for text in texts]
@@ -155,7 +159,10 @@ class Command:
         """What the entries of a batch's reply contain by their names: values, and failures."""
         values: dict[str, Value] = {}
         failures: dict[str, ServiceError] = {}
-        for name, entry in zip(names, self.entries(texts)):
+        entries = self.entries(texts)
+        if set(map(type, entries)) <= NUMBERS:
+            return cast(Dict[str, Value], dict(zip(names, entries))), {}
+        for name, entry in zip(names, entries):
             if isinstance(entry, ServiceError):
                 failures[name] = entry
             elif entry is not None:

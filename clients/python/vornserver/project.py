@@ -6,12 +6,12 @@ import itertools
 import re
 import time
 from types import TracebackType
-from typing import Any, Iterable, Iterator, Mapping, Sequence, overload
+from typing import Any, Dict, Iterable, Iterator, Mapping, Sequence, cast, overload
 
 from vornserver.caller import Service
 from vornserver.commands import ProjectCommands
 from vornserver.errors import BatchError, PlantError, ServiceError, UnexpectedReply
-from vornserver.interface import COMMANDS
+from vornserver.interface import COMMANDS, NUMBERS
 from vornserver.plant import Plant, rounded_from
 from vornserver.samples import Poller, Sample, one_number
 from vornserver.topology import Topology
@@ -37,6 +37,7 @@ class Project(ProjectCommands):
         self.name = name.upper()
         self.closes = closes
         self._ids: dict[str, str] = {}  # MOD or NOD and the number, of the elements with names of their own
+        self._full_name_of: dict[str, str] = {}
 
     def __repr__(self) -> str:
         return f"Project({self.server!r}, {self.name!r})"
@@ -53,6 +54,7 @@ class Project(ProjectCommands):
         """As `Server.call`."""
         if command in _RENUMBERING:
             self._ids = {}
+            self._full_name_of = {}
         return self.server.call(command, name, messages)
 
     def full_name(self, variable: str) -> str:
@@ -60,6 +62,15 @@ class Project(ProjectCommands):
         element's InstanceID. Raises MissingError where no element has it."""
         element, dot, item = variable.rpartition(".")
         return super().full_name(f"{self.own_form(element)}_{item}" if dot else variable)
+
+    def _full_names(self, names: list[str]) -> list[str]:
+        """As `full_name`, and quick for names that were asked for before."""
+        known = self._full_name_of
+        try:
+            return [known[name] for name in names]
+        except KeyError:
+            known.update((name, self.full_name(name)) for name in names if name not in known)
+        return [known[name] for name in names]
 
     def own_form(self, element: str) -> str:
         """MOD or NOD and the number, of a module or node with a name of its own. Raises MissingError."""
@@ -88,8 +99,10 @@ class Project(ProjectCommands):
         BatchError with what could be read for a batch, and ValueError for a list, which `read_list` reads."""
         if isinstance(variable, str):
             return one_number(variable, super().read(variable))
-        names = list(variable)
-        return {name: one_number(name, value) for name, value in self._read(names).items()}
+        values = self._read(list(variable))
+        if set(map(type, values.values())) <= NUMBERS:
+            return cast(Dict[str, float], values)
+        return {name: one_number(name, value) for name, value in values.items()}
 
     def read_list(self, variable: str) -> list[float]:
         """Reads a list of eight numbers. Raises MissingError, and ValueError for a single number."""
@@ -142,7 +155,7 @@ class Project(ProjectCommands):
                texts: list[str] | None = None) -> tuple[dict[str, Value], dict[str, ServiceError]]:
         if not names:
             return {}, {}
-        messages: dict[str, object] = {"VarName": [self.full_name(name) for name in names]}
+        messages: dict[str, object] = {"VarName": self._full_names(names)}
         if texts is not None:
             messages["VarValue"] = texts
         replies = self.call(command, "json", messages)

@@ -5,7 +5,8 @@ from __future__ import annotations
 import difflib
 import math
 import re
-from typing import Any, Callable, Iterator, Mapping
+from collections.abc import Mapping
+from typing import Any, Callable, Iterator
 
 Json = dict[str, Any]
 
@@ -23,6 +24,11 @@ TYPES: dict[str, Callable[[Any], bool]] = {
 
 def _bytes(value: str) -> int:
     return len(value.encode(errors="replace"))
+
+
+def _are_all_texts(entries: list[Any], schema: Json) -> bool:
+    """Whether nothing is to be said of the entries of a long list of plain texts, without looking at each."""
+    return schema.keys() == {"type"} and schema["type"] == "string" and set(map(type, entries)) == {str}
 
 
 def _types(schema: Json) -> list[str]:
@@ -96,7 +102,7 @@ class Schema:
         yield from self._combined(value, schema, place)
         if isinstance(value, Mapping):
             yield from self._member_faults(value, schema, place)
-        if isinstance(value, list) and "items" in schema:
+        if isinstance(value, list) and "items" in schema and not _are_all_texts(value, schema["items"]):
             for number, entry in enumerate(value):
                 yield from self._faults(entry, schema["items"], f"{place}[{number}]")
 
