@@ -15,10 +15,12 @@ BY_HAND = ("newProject", "batch")
 SERVER_TARGETS = ("projectName", "directory")
 PROJECT_TARGETS = ("project", "projectName", "element", "variable")
 
-RESULTS = {"ok": "None", "text": "str", "value": "Value", "flag": "bool", "json": "Any", "svg": "str"}
+RESULTS = {"ok": "None", "text": "str", "value": "float", "flag": "bool", "json": "Any", "svg": "str"}
 TYPES = {"integer": "int", "number": "float", "string": "str"}
-# Values of variables are told as numbers too.
-VALUES = ("Value", "value")
+# Values are given as numbers too: that of an item of a table, and that of a variable, which may be a list.
+ITEM_VALUE, VARIABLE_VALUE = "Value", "value"
+VALUES = {ITEM_VALUE: ("float | str", "number_text(value)"),
+          VARIABLE_VALUE: ("Writable", "self.value_text(variable, value)")}
 BUILT_IN = {"set": "cache_set", "type": "link_type"}
 
 HEAD = '''"""The commands as methods. Made from the description in api/ by api/generate.py; do not edit."""
@@ -28,7 +30,7 @@ from __future__ import annotations
 from typing import Any, Literal, Mapping
 
 from vornserver.caller import Caller
-from vornserver.values import Value, text_of
+from vornserver.values import Writable, number_text
 '''
 
 WIDTH = 116
@@ -55,9 +57,10 @@ def client_data(description: Description) -> str:
                              for each in description.families]
     schemas = {path.name: json.loads(path.read_text(encoding="utf-8"))
                for path in sorted((API / "schemas").glob("*.json")) if path.name != "envelope.schema.json"}
+    fittings = json.loads((API / "fittings.json").read_text(encoding="utf-8"))
     parts: Json = {
         "interface": interface, "failures": description.failures, "catalogue": description.catalogue,
-        "schemas": schemas,
+        "fittings": fittings, "schemas": schemas,
         "commands": {command["id"]: {"family": family.name, **_command(command)}
                      for family in description.families for command in family.commands}}
     texts = []
@@ -86,7 +89,7 @@ def _folded(head: str, parts: list[str], tail: str) -> list[str]:
 
 def _type(member: str, schema: Json) -> str:
     if member in VALUES:
-        return "Value | str"
+        return VALUES[member][0]
     if "enum" in schema:
         return f"Literal[{', '.join(json.dumps(each) for each in schema['enum'])}]"
     return TYPES[schema["type"]]
@@ -95,7 +98,7 @@ def _type(member: str, schema: Json) -> str:
 def _sent(member: str, schema: Json) -> str:
     """The argument as it is sent: a number that must be one with a fraction is made so."""
     if member in VALUES:
-        return f"text_of({snake(member)})"
+        return VALUES[member][1]
     return f"float({snake(member)})" if schema["type"] == "number" else snake(member)
 
 

@@ -16,6 +16,9 @@ from pathlib import Path
 import pytest
 from web import REPOSITORY, await_that, free_port, program, service
 
+from vornserver import AccessRefused, Credentials, Server, ServiceNotFound
+from vornserver.__main__ import main
+
 LOGIN = {"Authorization": "Basic " + b64encode(b"anna:secret word").decode()}
 COMMAND = json.dumps({"command": "Get", "name": "X_GTemp"})
 UNKNOWN = "none varname 找不到变量名称"
@@ -26,6 +29,7 @@ class Proxy:
 
     def __init__(self, port: int, certificate: Path) -> None:
         self.port = port
+        self.certificate = certificate
         self.context = ssl.create_default_context(cafile=str(certificate))
 
     def request(self, method: str, path: str, body: str = "", **headers: str) -> tuple[int, str]:
@@ -98,6 +102,29 @@ def test_lets_in_whom_it_knows(
 def test_lets_its_own_page_in(proxy: Proxy) -> None:
     own = f"https://localhost:{proxy.port}"
     assert proxy.request("POST", "/api", COMMAND, **LOGIN, Origin=own) == (200, UNKNOWN)
+
+
+def test_the_python_client_passes(proxy: Proxy, tmp_path: Path, monkeypatch: pytest.MonkeyPatch) -> None:
+    address, anna = f"https://localhost:{proxy.port}", Credentials("anna", "secret word")
+    with Server.find(address, credentials=anna, ca_file=proxy.certificate) as server:
+        with server.create("PROXIED") as project:
+            project["GTemp"] = 21.5
+            assert [project["GTemp"] for _ in range(150)] == [21.5] * 150  # more than a kept connection carries
+    for wrong in (None, Credentials("anna", "wrong"), Credentials(token="x")):
+        with pytest.raises(AccessRefused), Server(address, credentials=wrong, ca_file=proxy.certificate) as server:
+            server.holds_project("PROXIED")
+    with pytest.raises(ServiceNotFound, match="certificate"):
+        Server(address, credentials=anna).holds_project("PROXIED")
+    # The shell, with a private file and with one that others can read.
+    secret = tmp_path / "credentials"
+    secret.write_text("user anna\npassword secret word\n")
+    monkeypatch.setenv("VORNSERVER_CREDENTIALS", str(secret))
+    words = ["--address", address, "--ca-file", str(proxy.certificate), "holds-project", "PROXIED"]
+    for mode, status in ((0o600, 0), (0o644, 1)):
+        secret.chmod(mode)
+        assert main(words) == status
+    monkeypatch.delenv("VORNSERVER_CREDENTIALS")
+    assert main(words) == 3
 
 
 def test_answers_beside_clients_that_drip_and_that_are_idle(proxy: Proxy) -> None:

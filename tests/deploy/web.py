@@ -9,11 +9,13 @@ import os
 import signal
 import socket
 import subprocess
+import sys
 import time
 from collections.abc import Callable, Iterator, Mapping
 from pathlib import Path
 
 REPOSITORY = Path(__file__).resolve().parents[2]
+sys.path.insert(0, str(REPOSITORY / "clients/python"))  # the client that the tests import behind this module
 HOST = Path(os.environ.get("VORN_HOST_PROGRAM", REPOSITORY / "build/release/bin/vorn-host"))
 
 

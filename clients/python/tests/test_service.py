@@ -15,9 +15,10 @@ from vornserver import (
     BatchError, Plant, PlantError, Project, Server, ServiceError, ServiceNotFound, Topology, VerdictError)
 from vornserver.errors import KINDS
 from vornserver.interface import COMMANDS, DATA, VERSION
+from vornserver.plant import type_id
 
 REPOSITORY = Path(__file__).resolve().parents[3]
-PUMP = 26010100000000011
+PUMP = type_id("pump")
 
 
 @pytest.fixture(scope="module")
@@ -86,7 +87,7 @@ SESSION: list[tuple[str, tuple[Any, ...], dict[str, Any], Any]] = [
     ("check", (), {}, None),
     ("topology", (), {}, lambda told: isinstance(told, Topology) and len(told.branches) == 3),
     ("send_script", ("x = 1",), {}, "OK"),
-    ("set_cache_value", ("pump", 1), {"row": 0, "value": 12}, None),
+    ("set_cache_value", ("pump", 1, 12), {"row": 0}, None),
     ("cache_values", ("pump",), {}, lambda told: told[0]["Sets"][0] == 12.0),
     ("run", (), {}, None),
     ("pause", (), {}, None),
@@ -103,10 +104,10 @@ SESSION: list[tuple[str, tuple[Any, ...], dict[str, Any], Any]] = [
     ("write_batch", ({"PLANT1_Mine": 7},), {}, None),
     ("read_batch", (["PLANT1_Mine", "Mine"],), {}, {"PLANT1_Mine": 7.0, "Mine": 7.0}),
     ("delete_variable", ("Mine",), {}, None),
-    ("set_run_value", ("study",), {"row": 0, "value": 19.5}, None),
+    ("set_run_value", ("study", 19.5), {"row": 0}, None),
     ("room", ("study",), {}, lambda told: told["InsideTemperature"] == 19.5),
     ("run_values", ("study",), {}, lambda told: told[0]["Value"] == 19.5),
-    ("set_value", ("study", 1), {"row": 1, "value": "-5"}, None),
+    ("set_value", ("study", 1, "-5"), {"row": 1}, None),
     ("element_variables", ("study",), {}, lambda told: told[1]["Value"] == -5.0),
     ("names", ("pump",), {}, lambda told: told[:2] == ["MOD1_Head", "MOD1_Power"]),
     ("save_element", ("pump", 1), {}, None),
@@ -134,7 +135,8 @@ def test_every_method_does_what_it_is_for(project: Project) -> None:
 
 def test_batches_are_one_request_and_tell_what_failed(project: Project) -> None:
     project["GSeries"] = [1, 2, 3]
-    assert project.read(["GStep", "GSeries"]) == {"GStep": 0, "GSeries": [1.0, 2, 3, 0, 0, 0, 0, 0]}
+    assert project.read_batch(["GStep", "GSeries"]) == {"GStep": 0, "GSeries": [1.0, 2, 3, 0, 0, 0, 0, 0]}
+    assert project.read_list("GSeries")[:4] == [1, 2, 3, 0]
     assert isinstance(project["GStep"], int) and isinstance(project["GTemp"], float) and project.read([]) == {}
     with pytest.raises(BatchError) as raised:
         project.read(["GTemp", "NoSuch"])
@@ -143,23 +145,20 @@ def test_batches_are_one_request_and_tell_what_failed(project: Project) -> None:
         project.write_batch({"NoSuch": 1, "GTemp": 9})
     samples = list(project.watch(["GTemp", "NoSuch"], every=0.01, count=3))
     assert [sample["GTemp"] for sample in samples] == [9.0] * 3
-    assert all(isinstance(sample["NoSuch"], ServiceError) for sample in samples)
+    assert all(isinstance(sample.values["NoSuch"], ServiceError) for sample in samples)
 
 
 REFUSALS: list[tuple[Callable[[Project], Any], str, str]] = [
-    (lambda it: it.server.create("PLANT1"), "state", "projectOpen"),
-    (lambda it: it.server.create("no name"), "field", "projectName"),
+    (lambda it: Server(it.server.address).create("PLANT1"), "state", "projectOpen"),
+    (lambda it: Server(it.server.address).create("no name"), "field", "projectName"),
     (lambda it: it["NoSuch"], "missing", "variableUnknown"),
-    (lambda it: it.server.project("NONE").clear(), "address", "noProject"),
+    (lambda it: Project(it.server, "NONE").clear(), "address", "noProject"),
     (lambda it: it.flow("pump"), "address", "noElement"),
     (lambda it: it.add_module(PUMP, "阀门"), "content", "moduleName"),
-    (lambda it: it.send({"DeviceInfo": [{"InstanceID": "x" * 38, "VornModuleID": PUMP}]}), "format", "documentFormat"),
+    (lambda it: it.call("PjtSent", "PLANT1", "[]"), "format", "documentFormat"),
     (lambda it: it.send_script("x = = 1"), "engine", "scriptFault"),
-    (lambda it: it.set_run_value("NOD0", value="0" * 256), "field", "valueLong"),
     (lambda it: it.set_important("NOD0", "x"), "content", "kindRefused"),
-    # Two failures have this text: what fits the schema is refused for the element, what does not for the number.
     (lambda it: it.save_element("JMP0", 1), "content", "kindRefused"),
-    (lambda it: it.call("RunToCache", "PLANT1_NOD0", 9), "field", "setNumber"),
 ]
 
 

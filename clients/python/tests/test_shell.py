@@ -16,6 +16,7 @@ import pytest
 from host import Host
 from vornserver.__main__ import main
 from vornserver.interface import COMMANDS
+from vornserver.plant import type_id
 from vornserver.shell_output import table, width
 from vornserver.shell_top import spark
 
@@ -39,12 +40,14 @@ SESSION: list[tuple[list[str], int, str]] = [
     (["send", "P1", "/no/such/file"], 1, "/no/such/file"),
     (["check", "P1"], 0, "OK"),
     (["topology", "P1"], 0, "compressor"),
-    (["add-module", "P1", "26010100000000011", "水泵", "--position-x", "2"], 0, "MOD36"),
+    (["add-module", "P1", str(type_id("pump")), "水泵", "--position-x", "2"], 0, "MOD36"),
     (["--json", "add-node", "P1", "3000", "FLUID"], 0, '"NOD2"'),
-    (["set-cache-value", "P1", "compressor", "1", "--value", "3"], 0, "OK"),
+    (["set-cache-value", "P1", "compressor", "1", "3"], 0, "OK"),
+    (["set-cache-value", "P1", "compressor", "1", "much"], 1, "must be of the form"),
     (["cache-values", "P1", "compressor"], 0, "Power  3 "),
     (["write", "P1_GTemp", "-5"], 0, "OK"),
     (["write", "P1_GTemp"], 2, "VALUE"),
+    (["write", "P1_GTemp", "warm"], 1, "nothing was sent"),
     (["Get", "P1_GTemp"], 0, "-5\n"),
     (["write-batch", "P1_GTemp=2.5", "P1_No=1"], 1, "none varname"),
     (["write-batch", "P1_GTemp"], 1, "P1_GTemp"),
@@ -75,7 +78,7 @@ def test_a_session(address: str, capsys: pytest.CaptureFixture[str]) -> None:
 
 
 def test_nobody_there(capsys: pytest.CaptureFixture[str]) -> None:
-    assert run(["--address", "127.0.0.1:1", "find"]) == 1 and "127.0.0.1:1" in capsys.readouterr().err
+    assert run(["--address", "127.0.0.1:1", "find"]) == 3 and "127.0.0.1:1" in capsys.readouterr().err
 
 
 def test_each_command_has_help(capsys: pytest.CaptureFixture[str]) -> None:

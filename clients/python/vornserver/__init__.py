@@ -7,19 +7,22 @@
         print(project.read(["GTemp", "GStep"]))
 """
 
+from vornserver.endpoint import Credentials
 from vornserver.errors import (
-    AddressError, BatchError, ConnectionLost, ContentError, EngineError, FieldError, FormatError, FullError,
-    MissingError, PlantError, ServiceError, ServiceNotFound, StateError, TimeLimit, UnexpectedReply, VerdictError,
+    AccessRefused, AddressError, BatchError, ConnectionLost, ContentError, EngineError, FieldError, FormatError, FullError,
+    MessagesError, MissingError, PlantError, ServiceError, ServiceNotFound, StateError, TimeLimit, UnexpectedReply, VerdictError,
     VornError, WordError)
 from vornserver.interface import VERSION as __version__
 from vornserver.plant import Connection, Device, Plant, Port
-from vornserver.project import Project, Sample
+from vornserver.project import Project
+from vornserver.samples import Poller, Sample, Subscription
 from vornserver.server import Server
 from vornserver.topology import Branch, Element, Link, Topology
-from vornserver.values import Value
+from vornserver.values import Value, Writable
 
 __all__ = [
-    "AddressError", "BatchError", "Branch", "Connection", "ConnectionLost", "ContentError", "Device", "Element",
-    "EngineError", "FieldError", "FormatError", "FullError", "Link", "MissingError", "Plant", "PlantError", "Port",
-    "Project", "Sample", "Server", "ServiceError", "ServiceNotFound", "StateError", "TimeLimit", "Topology",
-    "UnexpectedReply", "Value", "VerdictError", "VornError", "WordError", "__version__"]
+    "AccessRefused", "AddressError", "BatchError", "Branch", "Connection", "ConnectionLost", "ContentError",
+    "Credentials", "Device", "Element", "EngineError", "FieldError", "FormatError", "FullError", "Link",
+    "MessagesError", "MissingError", "Plant", "PlantError", "Poller", "Port", "Project", "Sample", "Server",
+    "ServiceError", "ServiceNotFound", "StateError", "Subscription", "TimeLimit", "Topology", "UnexpectedReply",
+    "Value", "VerdictError", "VornError", "WordError", "Writable", "__version__"]

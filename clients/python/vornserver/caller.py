@@ -1,9 +1,12 @@
-"""What the methods that are made from the description stand on."""
+"""What the methods that are made from the description need of a server or a project."""
 
 from __future__ import annotations
 
 from abc import ABC, abstractmethod
 from typing import Any
+
+from vornserver.interface import CATALOGUE
+from vornserver.values import text_of
 
 
 class Caller(ABC):
@@ -14,8 +17,22 @@ class Caller(ABC):
 
     @abstractmethod
     def call(self, command: str, name: str, messages: object) -> Any:
-        """Sends the command of this id of the description and gives its reply as a Python value."""
+        """Sends the command of this id of the description and returns its reply as a Python value."""
 
     def full_name(self, variable: str) -> str:
         """The name of a project's variable as the service knows it: with the project before it, which may be there."""
         return variable if variable.startswith(f"{self.name}_") else f"{self.name}_{variable}"
+
+    def value_text(self, variable: str, value: object) -> str:
+        """A value of a variable as it is written. Raises ValueError for one that is none of its kind."""
+        own = variable[len(self.name) + 1:] if variable.startswith(f"{self.name}_") else variable
+        return text_of(value, CATALOGUE["projectVariables"].get(own, {}).get("kind", ""))
+
+
+class Service(Caller):
+    """A server, as a project sees it."""
+
+    @property
+    @abstractmethod
+    def address(self) -> str:
+        """The service's address."""

@@ -5,7 +5,7 @@ from __future__ import annotations
 from typing import Any, Literal, Mapping
 
 from vornserver.caller import Caller
-from vornserver.values import Value, text_of
+from vornserver.values import Writable, number_text
 
 
 class ServerCommands(Caller):
@@ -248,7 +248,7 @@ class ProjectCommands(Caller):
         result: str = self.call("Put", self.name, verb)
         return result
 
-    def write(self, variable: str, value: Value | str) -> None:
+    def write(self, variable: str, value: Writable) -> None:
         """Write a variable.
 
         A text that is no number writes 0, and the reply is OK all the same: it says that the name is known. A whole
@@ -256,17 +256,18 @@ class ProjectCommands(Caller):
         list that names fewer than eight entries writes 0 into the others; what is over eight, and what is over 191
         bytes of an entry, is passed over.
 
-        value: The value: a number, or up to eight numbers with commas between them. The empty text writes 0.
+        value: The value: a number, or up to eight numbers with commas between them. The service writes 0 for the
+            empty text and for a text that is no number.
         """
-        self.call("Set", self.full_name(variable), text_of(value))
+        self.call("Set", self.full_name(variable), self.value_text(variable, value))
 
-    def read(self, variable: str) -> Value:
+    def read(self, variable: str) -> float:
         """Read a variable.
 
         A real number has six decimals. A list has eight entries with commas between them, real ones with eight
         decimals, at most 9999999999999 and at least its negative, 0 where there is no finite number.
         """
-        result: Value = self.call("Get", self.full_name(variable), None)
+        result: float = self.call("Get", self.full_name(variable), None)
         return result
 
     def add_variable(self, variable: str) -> None:
@@ -289,28 +290,28 @@ class ProjectCommands(Caller):
         """
         self.call("PjtDleVar", self.name, variable)
 
-    def pressure(self, element: str) -> Value:
+    def pressure(self, element: str) -> float:
         """Read the pressure at a module's port 0.
 
         The value of the variable IM0_PRE of the module, in the engine's unit: the stand-in's is kPa over ambient.
         """
-        result: Value = self.call("PreGet", f"{self.name}_{element}", None)
+        result: float = self.call("PreGet", f"{self.name}_{element}", None)
         return result
 
-    def temperature(self, element: str) -> Value:
+    def temperature(self, element: str) -> float:
         """Read the temperature at a module's port 0.
 
         The value of the variable IM0_TEMP of the module.
         """
-        result: Value = self.call("TempGet", f"{self.name}_{element}", None)
+        result: float = self.call("TempGet", f"{self.name}_{element}", None)
         return result
 
-    def flow(self, element: str) -> Value:
+    def flow(self, element: str) -> float:
         """Read the flow at a module's port 0.
 
         The value of the variable IM0_FLOW of the module, in the engine's unit: the stand-in's is kg/s.
         """
-        result: Value = self.call("FlowGet", f"{self.name}_{element}", None)
+        result: float = self.call("FlowGet", f"{self.name}_{element}", None)
         return result
 
     def room(self, element: str) -> Any:
@@ -332,15 +333,15 @@ class ProjectCommands(Caller):
         result: Any = self.call("VarInfoGet", f"{self.name}_{element}", None)
         return result
 
-    def set_run_value(self, element: str, *, row: int = 0, value: Value | str = "") -> None:
+    def set_run_value(self, element: str, value: float | str, *, row: int = 0) -> None:
         """Write a run value of an element.
 
         Writes one row of the table of items of a module or node. A row that the table does not have writes nothing.
 
+        value: The number as text, at most 255 bytes. The service writes 0 for a text that is no number.
         row: The row of the table, from 0.
-        value: The value as text, at most 255 bytes. The empty text writes 0. In bytes of UTF-8.
         """
-        self.call("RunValueSet", f"{self.name}_{element}", {"Row": row, "Value": text_of(value)})
+        self.call("RunValueSet", f"{self.name}_{element}", {"Row": row, "Value": number_text(value)})
 
     def run_values(self, element: str) -> Any:
         """Read the run values of an element's table.
@@ -350,16 +351,16 @@ class ProjectCommands(Caller):
         result: Any = self.call("RunValueGet", f"{self.name}_{element}", None)
         return result
 
-    def set_cache_value(self, element: str, column: int, *, row: int = 0, value: Value | str = "") -> None:
+    def set_cache_value(self, element: str, column: int, value: float | str, *, row: int = 0) -> None:
         """Write a value of an element's cache sets.
 
         Writes one row of the table of items of a module or node in one cache set.
 
         column: 1 for cache set 0, 2 for set 1, 3 for set 2.
+        value: The number as text, at most 255 bytes. The service writes 0 for a text that is no number.
         row: The row of the table, from 0.
-        value: The value as text, at most 255 bytes. The empty text writes 0. In bytes of UTF-8.
         """
-        self.call("VarCacheSet", f"{self.name}_{element}", {"Row": row, "Column": column, "Value": text_of(value)})
+        self.call("VarCacheSet", f"{self.name}_{element}", {"Row": row, "Column": column, "Value": number_text(value)})
 
     def cache_values(self, element: str) -> Any:
         """Read the cache sets of an element's table.
@@ -369,17 +370,17 @@ class ProjectCommands(Caller):
         result: Any = self.call("VarCacheGet", f"{self.name}_{element}", None)
         return result
 
-    def set_value(self, element: str, column: int, *, row: int = 0, value: Value | str = "") -> None:
+    def set_value(self, element: str, column: int, value: float | str, *, row: int = 0) -> None:
         """Write a value of an element by the engine's column.
 
         Writes one row of the table of items of a module or node in the column of the engine: 1 the run value, 2 to
         4 the cache sets 0 to 2. Any other column writes nothing with the stand-in.
 
         column: The engine's column: 1 run, 2 to 4 the cache sets 0 to 2.
+        value: The number as text, at most 255 bytes. The service writes 0 for a text that is no number.
         row: The row of the table, from 0.
-        value: The value as text, at most 255 bytes. The empty text writes 0. In bytes of UTF-8.
         """
-        self.call("VarValueSet", f"{self.name}_{element}", {"Row": row, "Column": column, "Value": text_of(value)})
+        self.call("VarValueSet", f"{self.name}_{element}", {"Row": row, "Column": column, "Value": number_text(value)})
 
     def save_element(self, element: str, cache_set: Literal[0, 1, 2]) -> None:
         """Copy an element's run values into a cache set.

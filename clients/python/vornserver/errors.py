@@ -21,16 +21,25 @@ class TimeLimit(VornError, TimeoutError):
     """The reply did not come in time. The command may have been carried out, or may be still."""
 
 
+class AccessRefused(VornError, PermissionError):
+    """A proxy before the service does not let the request in. Nothing was carried out."""
+
+
 class UnexpectedReply(VornError):
     """A reply that the description does not have: another program, or another version of the service."""
 
 
-class PlantError(VornError):
-    """A plant that the service would not take as it is meant; `faults` has a line for each reason."""
+class MessagesError(VornError, ValueError):
+    """Arguments that the service would store otherwise than written; `faults` has a line for each reason. Nothing was
+    sent."""
 
     def __init__(self, faults: list[str]) -> None:
         super().__init__("; ".join(faults))
         self.faults = faults
+
+
+class PlantError(MessagesError):
+    """A plant that the service would store otherwise than it is meant."""
 
 
 class ServiceError(VornError):

@@ -4,10 +4,11 @@ from __future__ import annotations
 
 import json
 import re
+from contextlib import suppress
 from dataclasses import dataclass, field
-from functools import lru_cache
+from functools import cached_property, lru_cache
 from importlib import resources
-from typing import Any, Iterator
+from typing import Any, Dict, Iterator, cast
 
 from vornserver.errors import KINDS, ServiceError, UnexpectedReply
 from vornserver.schema import Json, Schema
@@ -28,6 +29,8 @@ DATA = _load()
 WAYS: Json = DATA["interface"]["ways"]
 VERSION: str = DATA["interface"]["version"]
 FAILURES: dict[str, Json] = DATA["failures"]
+NUMBERS = {int, float}
+FITTINGS: Json = DATA["fittings"]
 CATALOGUE: Json = DATA["catalogue"]
 PROJECT_DOCUMENT = Schema(DATA["schemas"]["project_document.schema.json"], DATA["schemas"])
 
@@ -66,11 +69,20 @@ class Command:
     def word(self) -> str:
         return str(self.entry["word"])
 
-    @property
+    @cached_property
     def schema(self) -> Schema | None:
         """The schema of `messages`, if the command looks at it."""
         schema = self.entry["messages"].get("schema")
         return None if schema is None else Schema(schema, DATA["schemas"])
+
+    def faults(self, messages: object) -> list[str]:
+        """Why the service would store messages otherwise than written, a line each."""
+        schema = self.schema
+        if schema is None or (messages is None and "default" in self.entry["messages"]["schema"]):
+            return []
+        if isinstance(messages, str) and self.entry["messages"]["form"] == "object":
+            return []  # JSON in a text, which the service judges
+        return schema.faults(messages)
 
     @property
     def repeatable(self) -> bool:
@@ -123,17 +135,39 @@ class Command:
         readers: dict[str, Any] = {"value": value_of, "flag": lambda text: text == "1", "json": json.loads}
         return readers[kind](reply) if kind in readers else reply
 
+    @property
+    def entry_failures(self) -> dict[str, str]:
+        """The failures of a batch's entries by their texts."""
+        return {FAILURES[name]["text"]: name for name in self.entry["entryFailures"]}
+
     def entry_value(self, text: str) -> Value | ServiceError | None:
-        """An entry of a batch's reply: its value, its failure, or nothing for a write's OK."""
-        for name in self.entry["entryFailures"]:
-            if FAILURES[name]["text"] == text:
-                return failure_of(name, text)
-        if text == "OK":
-            return None
+        """An entry of a batch's reply: its value, its failure, or None for a write's OK."""
+        return self.entries([text])[0]
+
+    def entries(self, texts: list[str]) -> list[Value | ServiceError | None]:
+        """The entries of a batch's reply, as `entry_value`. Raises UnexpectedReply."""
+        failures = self.entry_failures
+        with suppress(ValueError, TypeError):  # all are numbers, as they are in most batches
+            return [float(text) if "." in text else int(text) for text in texts]
         try:
-            return value_of(text)
-        except ValueError as error:
-            raise UnexpectedReply(f"{self.id} has no entry {text[:200]!r}") from error
+            return [failure_of(failures[text], text) if text in failures else None if text == "OK" else value_of(text)
+                    for text in texts]
+        except (AttributeError, TypeError, ValueError) as error:
+            raise UnexpectedReply(f"{self.id} has an entry that is no value: {error}") from error
+
+    def entry_values(self, names: list[str], texts: list[str]) -> tuple[dict[str, Value], dict[str, ServiceError]]:
+        """What the entries of a batch's reply contain by their names: values, and failures."""
+        values: dict[str, Value] = {}
+        failures: dict[str, ServiceError] = {}
+        entries = self.entries(texts)
+        if set(map(type, entries)) <= NUMBERS:
+            return cast(Dict[str, Value], dict(zip(names, entries))), {}
+        for name, entry in zip(names, entries):
+            if isinstance(entry, ServiceError):
+                failures[name] = entry
+            elif entry is not None:
+                values[name] = entry
+        return values, failures
 
 
 def failure_of(name: str, text: str, details: dict[str, str] | None = None) -> ServiceError:

@@ -7,9 +7,10 @@ import json
 from collections import Counter
 from dataclasses import dataclass, field
 from pathlib import Path
-from typing import Any, Mapping, Union
+from typing import Any, Mapping
 
 from vornserver.errors import PlantError
+from vornserver.fittings import MILLIMETRES, Size, fitting_of, port_size
 from vornserver.interface import CATALOGUE, PROJECT_DOCUMENT
 
 NODE_KINDS = [str(each["NodeName"]) for each in CATALOGUE["nodes"]]
@@ -18,9 +19,8 @@ MODULES_ABOVE = 5000
 NODE_PORTS = 8
 # An air outlet stands in the list a second time under this number, for its room.
 AIR_OUTLET_IN_ROOM = 12
-
-Size = Union[float, tuple[float, float]]
-"""The size of a port in metres: a diameter, or a width and a height."""
+# The least length, in metres, that the service stores.
+SHORTEST = 1e-6
 
 _TYPES = {str(row[key]): row for row in CATALOGUE["types"] for key in ("VornModuleID", "DeviceName", "english")}
 
@@ -33,6 +33,12 @@ def type_id(told: int | str) -> int:
         close = difflib.get_close_matches(told, _TYPES)
         raise ValueError(f"no type of the catalogue is called {told!r}" + (f"; close: {', '.join(close)}" if close else ""))
     return int(_TYPES[told]["VornModuleID"])
+
+
+def rounded_from(number: int) -> str:
+    """Why a type may be unknown: it is what a program that carries numbers as doubles makes of another."""
+    near = [row["english"] for row in CATALOGUE["types"] if float(row["VornModuleID"]) == float(number)]
+    return f"; a program that reads numbers as doubles makes it of that of a {' or '.join(near)}" if near else ""
 
 
 @dataclass(frozen=True)
@@ -76,7 +82,7 @@ class Device:
 
 @dataclass(frozen=True)
 class Connection:
-    """A pipe or duct from an outlet to an inlet; `size` and `end_size` are those of the two ports, in metres."""
+    """A pipe or duct from an outlet to an inlet; `size` and `end_size` are those of the two ports."""
 
     id: str
     start: Port
@@ -95,7 +101,7 @@ class Connection:
             entry[f"{end}DeviceInstanceID"] = port.device
             entry[f"{end}PortID"] = str(port.number)
             if size is not None:
-                x, y = size if isinstance(size, tuple) else (size, size)
+                x, y = port_size(size)
                 entry[f"{end}PortSize"] = {"x": x, "y": y}
         return entry | {key: value for key, value, default in (
             ("RdcNumber", self.elbows, 0), ("ConnectionType", self.type, 1),
@@ -130,8 +136,11 @@ class Plant:
 
     def connect(self, start: Port, end: Port, *, id: str = "", length: float = 0.0, elbows: int = 0,
                 size: Size | None = None, end_size: Size | None = None, type: int = 1) -> Connection:
-        """Adds a connection from an outlet to an inlet; `length` and sizes in metres, `end_size` as `size` where it is
-        not told. Without an `id` it is called pipe and a number."""
+        """Adds a connection from an outlet to an inlet; `length` in metres, `end_size` as `size` where it is not given.
+        Without an `id` it is called pipe and a number. Raises ValueError for a nominal size that there is not."""
+        for each in (size, end_size):
+            if isinstance(each, str):
+                port_size(each)
         name = id or self._free_name()
         self.connections.append(Connection(name, start, end, float(length), elbows, size,
                                            size if end_size is None else end_size, type))
@@ -143,7 +152,15 @@ class Plant:
 
     def faults(self) -> list[str]:
         """What the service would not take as it is meant, a line each: it passes over most of it without a word."""
-        return PROJECT_DOCUMENT.faults(self.document()) + self._identity_faults() + self._end_faults()
+        return (PROJECT_DOCUMENT.faults(self.document()) + self._identity_faults() + self._end_faults()
+                + [fault for each in self.connections for fault in _fitting_faults(each)])
+
+    @property
+    def foreign(self) -> list[Device]:
+        """Devices of types that the catalogue does not have. Another engine may know them; where the engine does not, the
+        service leaves them out and says OK."""
+        return [each for each in self.devices if not each.is_node and each.type > MODULES_ABOVE
+                and str(each.type) not in _TYPES]
 
     def check(self) -> None:
         """Raises PlantError where there are faults."""
@@ -200,7 +217,13 @@ class Plant:
     @classmethod
     def load(cls, path: str | Path) -> Plant:
         """Reads a document from a file. Raises PlantError, OSError, and ValueError for what is no JSON."""
-        return cls.of_document(json.loads(Path(path).read_text(encoding="utf-8")))
+        return cls.of_text(Path(path).read_text(encoding="utf-8"))
+
+    @classmethod
+    def of_text(cls, text: str) -> Plant:
+        """Reads a document from its text. Raises PlantError, also for a member that is there twice, and ValueError for
+        what is no JSON."""
+        return cls.of_document(json.loads(text, object_pairs_hook=_members))
 
     @classmethod
     def of_document(cls, document: Mapping[str, Any]) -> Plant:
@@ -210,6 +233,31 @@ class Plant:
             raise PlantError(faults)
         return cls([_device_of(entry) for entry in document.get("DeviceInfo", [])],
                    [_connection_of(entry) for entry in document.get("ConnectionInfo", [])])
+
+
+def _fitting_faults(connection: Connection) -> list[str]:
+    """What of a connection's pipe would be another than written."""
+    faults = []
+    if 0 < connection.length < SHORTEST:
+        faults.append(f"connection {connection.id!r}: a length has six decimals, so this one is stored as 0")
+    if (connection.size, connection.end_size) != (None, None):
+        start, end = (port_size(each or 0.0) for each in (connection.size, connection.end_size))
+        if fitting_of(start, end) is None:
+            faults.append(f"connection {connection.id!r}: no fitting leads from {_shown(start)} to {_shown(end)}, so that"
+                          " it would be a DN50 cast-iron pipe")
+    return faults
+
+
+def _shown(size: tuple[float, float]) -> str:
+    return " x ".join(f"{each * MILLIMETRES:g}" for each in size) + " mm"
+
+
+def _members(pairs: list[tuple[str, Any]]) -> dict[str, Any]:
+    members = dict(pairs)
+    if len(members) != len(pairs):
+        twice = next(name for name, count in Counter(name for name, _ in pairs).items() if count > 1)
+        raise PlantError([f"{twice} is there twice in one object, of which the service reads one"])
+    return members
 
 
 def _port_fault(device: Device, number: int, outlet: bool, used: int) -> str:

@@ -5,12 +5,16 @@ from __future__ import annotations
 import json
 import socket
 import time
+from pathlib import Path
 from types import TracebackType
 from typing import Any
 
+from vornserver.caller import Service
 from vornserver.commands import ServerCommands
-from vornserver.connection import HTTP, Connection, host_and_port
-from vornserver.errors import ServiceError, ServiceNotFound, StateError, VornError
+from vornserver.connection import HTTP, Connection
+from vornserver.endpoint import Credentials, Endpoint
+from vornserver.errors import (
+    AccessRefused, MessagesError, PlantError, ServiceError, ServiceNotFound, StateError, VornError)
 from vornserver.interface import COMMANDS
 from vornserver.project import Project
 
@@ -18,49 +22,58 @@ from vornserver.project import Project
 GREETING_SECONDS = 2.0
 
 
-class Server(ServerCommands):
+class Server(ServerCommands, Service):
     """A service at an address, over one kept connection.
 
     Use it in a `with` statement, or close it. It can be used from several threads; requests go one by one, as the
     service carries them out. `timeout` is how long, in seconds, a reply may take beside the waits that the command
     makes by contract; other clients' commands count in it, since one runs at a time.
+
+    Behind a proxy the address is a URL such as https://plant.example:8443, with a path where the proxy has one.
+    `credentials` are what it asks for, else those of the environment; `ca_file` is what its certificate is checked by,
+    else VORNSERVER_CA_FILE, else the system's authorities. Raises ValueError for what is no address.
     """
 
-    def __init__(self, address: str = "127.0.0.1", timeout: float = 30.0) -> None:
+    def __init__(self, address: str = "127.0.0.1", timeout: float = 30.0, *, credentials: Credentials | None = None,
+                 ca_file: str | Path | None = None) -> None:
         self.timeout = timeout
-        self._connection = Connection(address, timeout)
+        self._connection = Connection(Endpoint.of(address), timeout, credentials, ca_file)
 
     @classmethod
     def find(cls, address: str = "127.0.0.1", *, holding: str = "", directory: str = "", timeout: float = 30.0,
-             within: float = 10.0) -> Server:
-        """Finds a service: at an address with a port, or on a machine, by its ports in their order.
+             within: float = 10.0, credentials: Credentials | None = None,
+             ca_file: str | Path | None = None) -> Server:
+        """Finds a service: at a URL or an address with a port, or on a machine, by its ports in their order.
 
         holding: the service must hold this open project.
         directory: the service must run from this directory, such as /opt/vorn.
         within: how long the search may take, in seconds.
 
-        Raises ServiceNotFound.
+        Raises ServiceNotFound, and AccessRefused where a proxy does not let this client in.
         """
-        host, port = host_and_port(address)
-        ports = range(HTTP["firstPort"], HTTP["lastPort"] + 1) if port is None else [port]
+        place = Endpoint.of(address)
+        ports = range(HTTP["firstPort"], HTTP["lastPort"] + 1) if place.port is None else [place.port]
         end = time.monotonic() + within
         why = ""
         for each in ports:
             left = end - time.monotonic()
             if left <= 0:
                 break
-            server = cls(f"[{host}]:{each}" if ":" in host else f"{host}:{each}", min(GREETING_SECONDS, left))
+            server = cls(str(place.at(each)), min(GREETING_SECONDS, left), credentials=credentials, ca_file=ca_file)
             try:
                 if server._is_meant(holding, directory):
                     server.timeout = server._connection.timeout = timeout
                     return server
                 why = "; what answers is another"
+            except AccessRefused:
+                server.disconnect()
+                raise
             except VornError as error:
                 why = why or f"; {error}"
                 if isinstance(error.__cause__, socket.gaierror):
                     break  # a name that leads nowhere does so at each port
             server.disconnect()
-        where = address if port is not None else f"{address}, ports {ports[0]} to {ports[-1]}"
+        where = address if place.port is not None else f"{address}, ports {ports[0]} to {ports[-1]}"
         raise ServiceNotFound(f"no service was found at {where}" + (f" that holds {holding}" if holding else "")
                               + (f" that runs from {directory}" if directory else "") + why)
 
@@ -71,7 +84,7 @@ class Server(ServerCommands):
     @property
     def address(self) -> str:
         """The service's address."""
-        return self._connection.address
+        return str(self._connection.endpoint)
 
     @property
     def connections(self) -> int:
@@ -112,15 +125,19 @@ class Server(ServerCommands):
         return self._connection.exchange("POST", HTTP["path"], sent, seconds or self.timeout, repeatable)
 
     def call(self, command: str, name: str, messages: object) -> Any:
-        """Sends the command of this id of the description and gives its reply as a Python value. Raises ServiceError by
-        what the service says, and the other exceptions of this package where it says nothing proper."""
+        """Sends the command of this id of the description and returns its reply as a Python value. Raises MessagesError
+        where the service would store the messages otherwise than written, ServiceError by what the service says, and
+        the other exceptions of this package where it says nothing proper."""
         described = COMMANDS[command]
+        if faults := described.faults(messages):
+            raise (PlantError if command == "PjtSent" else MessagesError)(faults)
         reply = self.request(described.word, name, messages, repeatable=described.repeatable,
                              seconds=self.timeout + described.seconds)
         try:
             return described.result(reply, messages)
         except ServiceError as error:
-            error.add_note(f"{described.word} {name}: {error.todo}")
+            if hasattr(error, "add_note"):  # from Python 3.11 on
+                error.add_note(f"{described.word} {name}: {error.todo}")
             raise
 
     def create(self, project: str) -> Project:
@@ -129,13 +146,14 @@ class Server(ServerCommands):
         return Project(self, project)
 
     def open(self, project: str) -> Project:
-        """Gives a project: the open one of this name, else the stored one, else a new one. Raises ServiceError."""
+        """Returns a project: the open one of this name, else the stored one, else a new one. A `with` statement closes
+        it only where this call opened it. Raises ServiceError."""
         try:
             self.call("Open", project, None)
         except StateError:
-            pass  # it is open, which is what was wanted
+            return Project(self, project, closes=False)
         return Project(self, project)
 
     def project(self, project: str) -> Project:
-        """A project that is open already; nothing is asked."""
-        return Project(self, project)
+        """A project that is open already; nothing is asked, and a `with` statement leaves it open."""
+        return Project(self, project, closes=False)

@@ -9,8 +9,8 @@ import sys
 from pathlib import Path
 from typing import Any, Callable
 
-from vornserver.interface import COMMANDS, DATA, PROJECT_DOCUMENT, Command
-from vornserver.errors import PlantError
+from vornserver.interface import COMMANDS, DATA, Command
+from vornserver.plant import Plant
 from vornserver.schema import Json
 from vornserver.server import Server
 from vornserver.shell_output import print_result, working
@@ -57,7 +57,6 @@ def _add_messages(parser: argparse.ArgumentParser, command: Command) -> None:
         parser.add_argument("variables", nargs="+", metavar="VARIABLE=VALUE", help="a variable and its value")
     elif "$ref" in schema:
         parser.add_argument("document", metavar="FILE", help="a project document; - is standard input")
-        parser.add_argument("--unchecked", action="store_true", help="send it also where it does not keep the schema")
     elif messages["form"] == "object":
         for name in sorted(schema["properties"], key=lambda each: each not in schema.get("required", [])):
             _add_member(parser, name, schema["properties"][name], name in schema.get("required", []))
@@ -71,13 +70,11 @@ def _add_messages(parser: argparse.ArgumentParser, command: Command) -> None:
 
 
 def _document(arguments: argparse.Namespace) -> Any:
+    """The document of a file. Raises PlantError."""
     try:
-        document = json.loads(_read(arguments.document))
-    except ValueError as error:
+        return Plant.of_text(_read(arguments.document)).document(check=True)
+    except json.JSONDecodeError as error:
         raise ValueError(f"{arguments.document} is no JSON: {error}") from error
-    if not arguments.unchecked and (faults := PROJECT_DOCUMENT.faults(document)):
-        raise PlantError(faults)
-    return document
 
 
 def _messages(command: Command, arguments: argparse.Namespace) -> Any:

@@ -11,7 +11,8 @@ from collections import deque
 from typing import Any, Sequence
 
 from vornserver.errors import ServiceError
-from vornserver.project import Project, Sample
+from vornserver.project import Project
+from vornserver.samples import Sample
 from vornserver.server import Server
 from vornserver.shell_output import print_json, table
 
@@ -42,7 +43,7 @@ class View:
 
     def lines(self, sample: Sample) -> list[str]:
         return table(["variable", "value", "least", "most", "course"],
-                     [self._row(name, sample[name]) for name in self._courses])
+                     [self._row(name, sample.values[name]) for name in self._courses])
 
     def _row(self, name: str, value: Any) -> list[Any]:
         if isinstance(value, ServiceError):

@@ -24,6 +24,10 @@ class Element:
     z: float
     model_id: str
 
+    @property
+    def is_node(self) -> bool:
+        return self.vorn_module_id in range(3000, 4000)
+
 
 @dataclass(frozen=True)
 class Link:
