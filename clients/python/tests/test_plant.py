@@ -16,11 +16,11 @@ from vornserver.values import text_of, value_of
 
 REPOSITORY = Path(__file__).resolve().parents[3]
 SCHEMA = DATA["schemas"]["project_document.schema.json"]
-PUMP = 26010100000000011
+PUMP = 2601010000011
 
 
 def plant() -> Plant:
-    made = Plant([Device("tank", 26010100000000014), Device("pump", PUMP, 1.5), Device("node", 3000, kind=0)])
+    made = Plant([Device("tank", 2601010000014), Device("pump", PUMP, 1.5), Device("node", 3000, kind=0)])
     made.connect(Port("tank", 1), Port("pump", 0), length=2, elbows=3, size=(0.1, 0.2), end_size=0.05)
     made.connect(Port("pump", 1), Port("node", 0))
     return made

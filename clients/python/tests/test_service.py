@@ -17,7 +17,7 @@ from vornserver.errors import KINDS
 from vornserver.interface import COMMANDS, DATA, VERSION
 
 REPOSITORY = Path(__file__).resolve().parents[3]
-PUMP = 26010100000000011
+PUMP = 2601010000011
 
 
 @pytest.fixture(scope="module")

@@ -39,7 +39,7 @@ SESSION: list[tuple[list[str], int, str]] = [
     (["send", "P1", "/no/such/file"], 1, "/no/such/file"),
     (["check", "P1"], 0, "OK"),
     (["topology", "P1"], 0, "compressor"),
-    (["add-module", "P1", "26010100000000011", "水泵", "--position-x", "2"], 0, "MOD36"),
+    (["add-module", "P1", "2601010000011", "水泵", "--position-x", "2"], 0, "MOD36"),
     (["--json", "add-node", "P1", "3000", "FLUID"], 0, '"NOD2"'),
     (["set-cache-value", "P1", "compressor", "1", "--value", "3"], 0, "OK"),
     (["cache-values", "P1", "compressor"], 0, "Power  3 "),
