@@ -3,21 +3,23 @@
 from __future__ import annotations
 
 from api.description import Description, Json
+from api.standard import standard
 
 
 def _messages(command: Json) -> Json:
     """The schema of a command's messages; a reference to a file becomes one from the folder `schemas/`."""
     schema: Json = command["messages"]["schema"]
-    return {"$ref": schema["$ref"].rsplit("/", 1)[1]} if "$ref" in schema else schema
+    plain: Json = {"$ref": schema["$ref"].rsplit("/", 1)[1]} if "$ref" in schema else standard(schema)
+    return plain
 
 
 def _condition(command: Json) -> Json:
-    properties: Json = {"command": {"const": command["word"]}}
+    properties: Json = {"command": {"const": command["word"]}, "name": True}
     if command["target"] == "batch":
         properties["name"] = {"const": "json"}
     elif command["target"] == "variable":
         properties["name"] = {"not": {"const": "json"}}
-    return {"properties": properties, "required": list(properties)}
+    return {"properties": properties, "required": ["command"] if properties["name"] is True else ["command", "name"]}
 
 
 def _rule(command: Json) -> Json:
@@ -40,10 +42,11 @@ def envelope_schema(description: Description) -> Json:
         "title": "Request",
         "description": "The body of a POST to /api. Made from the files of commands/; do not edit.",
         "type": "object",
-        "required": ["command"],
+        "additionalProperties": False,
+        "required": ["command", "name"],
         "properties": {
             "command": {"enum": words, "description": texts["command"]},
-            "name": {"type": "string", "default": "", "description": texts["name"]},
+            "name": {"type": "string", "description": texts["name"]},
             "messages": {"description": texts["messages"]},
         },
         "allOf": [_rule(command) for command in with_messages],

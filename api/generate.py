@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Writes what is made from the description: `schemas/envelope.schema.json`, the pages of `docs/reference/`, and two
-files of the Python client.
+"""Writes what is made from the description: `schemas/envelope.schema.json`, `openapi.json`, the pages of
+`docs/reference/`, and two files of the Python client.
 
 usage: generate.py [--check]
 
@@ -17,6 +17,7 @@ sys.path.insert(0, str(Path(__file__).resolve().parents[1]))
 
 from api.description import API, REPOSITORY, Description, load  # noqa: E402
 from api.envelope import envelope_schema  # noqa: E402
+from api.openapi import openapi_document  # noqa: E402
 from api.python_client import client_data, client_methods  # noqa: E402
 from api.reference import reference_pages  # noqa: E402
 
@@ -25,6 +26,7 @@ def made_from(description: Description) -> dict[Path, str]:
     """The files and what they must hold."""
     envelope = json.dumps(envelope_schema(description), ensure_ascii=False, indent=1)
     files = {API / "schemas/envelope.schema.json": envelope + "\n"}
+    files[API / "openapi.json"] = json.dumps(openapi_document(description), ensure_ascii=False, indent=1) + "\n"
     for name, page in reference_pages(description).items():
         files[REPOSITORY / "docs/reference" / name] = page.rstrip("\n") + "\n"
     client = REPOSITORY / "clients/python/vornserver"

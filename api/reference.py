@@ -41,7 +41,7 @@ def _type(schema: Json) -> str:
     if "$ref" in schema:
         return str(schema["$ref"]).rsplit("/", 1)[1]
     if "anyOf" in schema:
-        return " or ".join(_type(each) for each in schema["anyOf"])
+        return " or ".join(dict.fromkeys(_type(each) for each in schema["anyOf"]))
     kind = schema.get("type", "")
     if kind == "array":
         return "list of " + _type(schema["items"])
@@ -57,9 +57,9 @@ def _limits(schema: Json) -> str:
         parts.append(widths[schema["maximum"]])
     elif "minimum" in schema and "maximum" in schema:
         parts.append(f"{schema['minimum']:,} to {schema['maximum']:,}")
-    if "maxLength" in schema:
-        parts.append(f"at most {schema['maxLength']} bytes")
-    if "pattern" in schema:
+    if "x-maxBytes" in schema:
+        parts.append(f"at most {schema['x-maxBytes']} bytes")
+    if "pattern" in schema and "x-maxBytes" not in schema:
         parts.append(f"`{schema['pattern']}`")
     if "x-written" in schema:
         parts.append(str(schema["x-written"]))

@@ -12,6 +12,7 @@ import pytest
 
 from api import generate
 from api.description import API, EVERY_REQUEST, REPOSITORY, form_matches, has_pieces, load
+from api.openapi import openapi_document
 
 DESCRIPTION = load()
 
@@ -55,6 +56,16 @@ def test_what_is_made_from_the_description_is_current() -> None:
 @pytest.mark.parametrize("path", sorted((API / "schemas").glob("*.json")), ids=file_name)
 def test_schemas_are_schemas(path: Path) -> None:
     jsonschema.Draft202012Validator.check_schema(json.loads(path.read_text(encoding="utf-8")))
+
+
+def test_the_openapi_document_is_valid() -> None:
+    components = openapi_document(DESCRIPTION)["components"]["schemas"]
+    for name, schema in components.items():
+        jsonschema.Draft202012Validator.check_schema(schema)
+    used = set(re.findall(r'"#/components/schemas/([^"]*)"', json.dumps(components)))
+    assert used <= set(components)
+    validator = pytest.importorskip("openapi_spec_validator", reason="no validator of whole OpenAPI documents")
+    validator.validate(openapi_document(DESCRIPTION))
 
 
 def test_version_is_the_same_everywhere() -> None:

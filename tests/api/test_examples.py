@@ -14,6 +14,7 @@ import jsonschema  # type: ignore[import]
 import pytest
 
 from api.description import API, REPOSITORY, Json, form_matches, load, meaning_of, schema_of
+from api.openapi import openapi_document
 from host import Host
 
 DESCRIPTION = load()
@@ -54,6 +55,15 @@ def fits(schema: str, value: Any) -> str:
     resolver = jsonschema.RefResolver.from_schema(SCHEMAS[schema], store=store)
     validator = jsonschema.Draft202012Validator(SCHEMAS[schema], resolver=resolver)
     return "\n".join(error.message for error in validator.iter_errors(value))
+
+
+OPENAPI = openapi_document(DESCRIPTION)
+
+
+def fits_component(name: str, value: Any) -> bool:
+    """Whether a value is valid under a component of the OpenAPI document."""
+    schema = {"$ref": f"#/components/schemas/{name}", "components": OPENAPI["components"]}
+    return bool(jsonschema.Draft202012Validator(schema).is_valid(value))
 
 
 def filled(value: Any, host: Host | None) -> Any:
@@ -191,9 +201,11 @@ def test_requests_and_json_replies_fit_their_schemas(family: str, plays: Plays) 
         assert command is not None
         fault = fits("envelope", filled(example["request"], None))
         assert bool(fault) == example.get("bad", False), (example, fault)
+        assert fits_component(f"{command['id']}Request", filled(example["request"], None)) == (not fault), example
         if command["result"] == "json":
             name = command["schema"]["$ref"].removeprefix("../schemas/").removesuffix(".schema.json")
             assert fits(name, json.loads(exchange.reply)) == "", exchange.reply
+            assert fits_component(f"{command['id']}Reply", json.loads(exchange.reply)), exchange.reply
 
 
 @pytest.mark.parametrize("family", FAMILIES)

@@ -256,7 +256,8 @@ class ProjectCommands(Caller):
         list that names fewer than eight entries writes 0 into the others; what is over eight, and what is over 191
         bytes of an entry, is passed over.
 
-        value: The value: a number, or up to eight numbers with commas between them. The empty text writes 0.
+        value: The value: a number, or up to eight numbers with commas between them. The service writes 0 for the
+            empty text and for a text that is no number.
         """
         self.call("Set", self.full_name(variable), text_of(value))
 
@@ -332,13 +333,13 @@ class ProjectCommands(Caller):
         result: Any = self.call("VarInfoGet", f"{self.name}_{element}", None)
         return result
 
-    def set_run_value(self, element: str, *, row: int = 0, value: Value | str = "") -> None:
+    def set_run_value(self, element: str, value: Value | str, *, row: int = 0) -> None:
         """Write a run value of an element.
 
         Writes one row of the table of items of a module or node. A row that the table does not have writes nothing.
 
+        value: The number as text, at most 255 bytes. The service writes 0 for a text that is no number.
         row: The row of the table, from 0.
-        value: The value as text, at most 255 bytes. The empty text writes 0. In bytes of UTF-8.
         """
         self.call("RunValueSet", f"{self.name}_{element}", {"Row": row, "Value": text_of(value)})
 
@@ -350,14 +351,14 @@ class ProjectCommands(Caller):
         result: Any = self.call("RunValueGet", f"{self.name}_{element}", None)
         return result
 
-    def set_cache_value(self, element: str, column: int, *, row: int = 0, value: Value | str = "") -> None:
+    def set_cache_value(self, element: str, column: int, value: Value | str, *, row: int = 0) -> None:
         """Write a value of an element's cache sets.
 
         Writes one row of the table of items of a module or node in one cache set.
 
         column: 1 for cache set 0, 2 for set 1, 3 for set 2.
+        value: The number as text, at most 255 bytes. The service writes 0 for a text that is no number.
         row: The row of the table, from 0.
-        value: The value as text, at most 255 bytes. The empty text writes 0. In bytes of UTF-8.
         """
         self.call("VarCacheSet", f"{self.name}_{element}", {"Row": row, "Column": column, "Value": text_of(value)})
 
@@ -369,15 +370,15 @@ class ProjectCommands(Caller):
         result: Any = self.call("VarCacheGet", f"{self.name}_{element}", None)
         return result
 
-    def set_value(self, element: str, column: int, *, row: int = 0, value: Value | str = "") -> None:
+    def set_value(self, element: str, column: int, value: Value | str, *, row: int = 0) -> None:
         """Write a value of an element by the engine's column.
 
         Writes one row of the table of items of a module or node in the column of the engine: 1 the run value, 2 to
         4 the cache sets 0 to 2. Any other column writes nothing with the stand-in.
 
         column: The engine's column: 1 run, 2 to 4 the cache sets 0 to 2.
+        value: The number as text, at most 255 bytes. The service writes 0 for a text that is no number.
         row: The row of the table, from 0.
-        value: The value as text, at most 255 bytes. The empty text writes 0. In bytes of UTF-8.
         """
         self.call("VarValueSet", f"{self.name}_{element}", {"Row": row, "Column": column, "Value": text_of(value)})
 
