@@ -70,6 +70,17 @@ constexpr ModuleType Types[] = {
     {ColdStoreOneID, "冷库", Role::ColdStore, {}, {}, StoreItems},
 };
 
+// The stand-in's own types once had numbers above 2^53, which a client of doubles sends as another type's.
+// Stored projects and documents still have them: each was its number of today plus this.
+constexpr std::int64_t FormerFirst = 26010100000000011;
+constexpr std::int64_t FormerLast = 26010100000000022;
+constexpr std::int64_t FormerExcess = FormerFirst - PumpOneID;
+static_assert(FormerLast - FormerExcess == ColdStoreOneID);
+
+constexpr std::int64_t CurrentOneID(std::int64_t oneId) {
+    return oneId >= FormerFirst && oneId <= FormerLast ? oneId - FormerExcess : oneId;
+}
+
 }  // namespace
 
 std::span<const ModuleType> Catalogue() {
@@ -81,8 +92,9 @@ const ModuleType* ModuleTypeFind(int type) {
 }
 
 int ModuleTypeNumber(std::int64_t oneId) {
-    const auto* found = std::find_if(std::begin(Types), std::end(Types),
-                                     [oneId](const ModuleType& type) { return type.oneId == oneId; });
+    const auto* found = std::find_if(
+        std::begin(Types), std::end(Types),
+        [current = CurrentOneID(oneId)](const ModuleType& type) { return type.oneId == current; });
     return found == std::end(Types) ? -1 : static_cast<int>(found - std::begin(Types));
 }
 

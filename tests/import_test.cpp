@@ -80,7 +80,7 @@ TEST_F(ImportTest, ReadsTheFieldsOfADevice) {
                R"("RoomID":"R"->R; "RoomID":7->7; "Other":1->0;)");
     ExpectEach(OneDevice, coil + "@", R"(Module_FindInstanceID(0,"")@)", R"("RoomID":true->none;)");
     ExpectEach(OneDevice, R"("RoomID":"R","DeviceID":@)", R"(Module_FindInstanceID(0,"R")@)",
-               "25092117291321127->; 25092119192771617->; 25092119192766817->; 26010100000000012->none;");
+               "25092117291321127->; 25092119192771617->; 25092119192766817->; 2601010000012->none;");
     const std::string inANode = R"({"InstanceID":"R","DeviceID":3000},{"RoomID":"R",)" + coil + R"("X":0})";
     EXPECT_FALSE(Holds(CallsOf("PjtSent", "P", Document(inANode)), "Pipe_RoomLinkAnalysis"));
     ExpectEach(OneDevice, coil + "@", R"(Model_DB_Read(8,"@"))",

@@ -110,8 +110,8 @@ class MemoryProjectTest : public MemoryTest {
     static void ExpectPipe(const string& project) {
         EXPECT_TRUE(Send("RunValueGet", project + "_pipe 12345678901234567").starts_with(R"([{"Row":0,)"));
     }
-    const string Document = R"({"DeviceInfo":[{"InstanceID":"tank","VornModuleID":26010100000000014},
-        {"InstanceID":"pump","VornModuleID":26010100000000011}],"ConnectionInfo":[{"StartPortID":"1",
+    const string Document = R"({"DeviceInfo":[{"InstanceID":"tank","VornModuleID":2601010000014},
+        {"InstanceID":"pump","VornModuleID":2601010000011}],"ConnectionInfo":[{"StartPortID":"1",
         "StartDeviceInstanceID":"tank","EndDeviceInstanceID":"pump","ConnectionID":"pipe 12345678901234567"}]})";
 };
 

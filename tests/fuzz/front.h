@@ -60,7 +60,7 @@ inline void BeginWithProject() {
     BeginFresh();
     Ask("Create", "P");
     Ask("PjtSent", "P",
-        R"({"DeviceInfo":[{"InstanceID":"a","DeviceID":26010100000000012},{"InstanceID":"n","DeviceID":3000,)"
+        R"({"DeviceInfo":[{"InstanceID":"a","DeviceID":2601010000012},{"InstanceID":"n","DeviceID":3000,)"
         R"("FluidType":0},{"InstanceID":"r","DeviceID":25092208120526336}],"ConnectionInfo":[{"ConnectionID":)"
         R"("c","StartDeviceInstanceID":"a","StartPortID":"1","EndDeviceInstanceID":"n","EndPortID":"0"}]})");
 }

@@ -82,7 +82,7 @@ inline constexpr const char* NoVariable = "none varname 找不到变量名称";
 /// What places a valve (type 12, ports 0 in and 1 out), a room (type 7) or a node of kind FLUID, with further
 /// members.
 inline std::string Valve(const std::string& more = "") {
-    return R"({"VornModuleID":26010100000000012,"DeviceName":"阀门")" + more + "}";
+    return R"({"VornModuleID":2601010000012,"DeviceName":"阀门")" + more + "}";
 }
 inline constexpr const char* Room = R"({"VornModuleID":25092208120526336,"DeviceName":"房间"})";
 inline std::string Fluid(const std::string& more = "") {
