@@ -44,7 +44,7 @@ void Api(const httplib::Request& request, httplib::Response& response,
     if (!ReadBody(request, content, body)) return;
     HttpServer::BodyTaken();
     std::string reply;
-    ApiEnvelope(body, reply);
+    ApiEnvelope(body, reply, {.front = Front::Http, .peer = request.remote_addr});
     // A reply ends at its first zero byte.
     reply.resize(std::min(reply.find('\0'), reply.size()));
     response.set_content(reply, "application/json");
