@@ -10,6 +10,7 @@
 #include "include/vorn_server.h"
 #include "platform/memory.h"
 #include "service/api_envelope.h"
+#include "service/service_places.h"
 #include "transport/http_server.h"
 
 namespace vorn {
@@ -56,7 +57,10 @@ void Serve() {
     svr.Get("/hi", Hi);
     svr.Post("/api", Api);
     for (int port = VORN_FIRST_PORT; port <= VORN_LAST_PORT; ++port) {
-        svr.listen("0.0.0.0", port, AI_PASSIVE);
+        if (!svr.bind_to_port("0.0.0.0", port, AI_PASSIVE)) continue;
+        HttpPort = port;
+        svr.listen_after_bind();
+        HttpPort = 0;
     }
 }
 
