@@ -10,6 +10,7 @@
 #include "include/vorn_server.h"
 #include "platform/memory.h"
 #include "service/api_envelope.h"
+#include "service/service_places.h"
 #include "transport/http_server.h"
 
 namespace vorn {
@@ -40,7 +41,7 @@ void Api(const httplib::Request& request, httplib::Response& response,
     // Half a request is not carried out: the library then answers with its own error status.
     if (!ReadBody(request, content, body)) return;
     std::string reply;
-    ApiEnvelope(body, reply);
+    ApiEnvelope(body, reply, {.front = Front::Http, .peer = request.remote_addr});
     // A reply ends at its first zero byte.
     reply.resize(std::min(reply.find('\0'), reply.size()));
     response.set_content(reply, "application/json");
@@ -51,7 +52,10 @@ void Serve() {
         HttpServer svr;
         svr.Get("/hi", Hi);
         svr.Post("/api", Api);
-        if (svr.Bind("0.0.0.0", port)) svr.listen_after_bind();
+        if (!svr.Bind("0.0.0.0", port)) continue;
+        HttpPort = port;
+        svr.listen_after_bind();
+        HttpPort = 0;
     }
 }
 

@@ -7,7 +7,7 @@
 
 #include "platform/file_lock.h"
 #include "platform/file_text.h"
-#include "standin/notice.h"
+#include "platform/notice.h"
 #include "standin/project.h"
 #include "standin/project_folder.h"
 
@@ -35,7 +35,7 @@ std::string& LastTold() {
 void TellHeld(std::string_view name, const std::string& holder) {
     std::string line = "store: " + std::string(name) + " is open in another server";
     if (!holder.empty()) line += ", " + holder;
-    if (line != LastTold()) Notice(line);
+    if (line != LastTold()) vorn::Notice(vorn::NoticeKind::Information, line);
     LastTold() = std::move(line);
 }
 

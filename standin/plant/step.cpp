@@ -1,9 +1,9 @@
 #include "standin/plant/step.h"
+#include "platform/notice.h"
 
 #include <algorithm>
 #include <bit>
 
-#include "standin/notice.h"
 #include "standin/plant/plant.h"
 #include "standin/plant/project_values.h"
 
@@ -154,7 +154,7 @@ bool PlantStep(int slot, double seconds, StepCause cause) {
     ProjectValuesWrite(*project, layout, outputs, seconds);
     const std::string beginning = std::string("plant: ") + project->name + ": ";
     lock.unlock();
-    for (const std::string& fault : outputs.faults) Notice(beginning + fault);
+    for (const std::string& fault : outputs.faults) vorn::Notice(vorn::NoticeKind::Fault, beginning + fault);
     return true;
 }
 

@@ -20,7 +20,7 @@
 #include "tests/support/host_process.h"
 #include "tests/support/linux/locale_files.h"
 #include "tests/support/service_test.h"
-#include "transport/line_queue.h"
+#include "platform/line_queue.h"
 
 namespace {
 
