@@ -9,7 +9,7 @@
 #include <thread>
 
 #include "standin/control.h"
-#include "standin/plant/step.h"
+#include "standin/plant_step.h"
 
 namespace standin {
 
