@@ -95,6 +95,7 @@ TEST_F(ConsoleThreadsTest, ServesItsOwnPagesRequestsOnly) {
           Row{{{"Origin", "http://evil.example"}}, 403}, Row{{{"Origin", "null"}}, 403},
           Row{{{"Origin", "https://" + Host()}}, 403}, Row{{{"Origin", "http://127.0.0.1:1"}}, 403},
           Row{{{"Origin", "http://localhost" + port}}, 403}, Row{{{"Host", "evil.example" + port}}, 403},
+          Row{{{"Host", "localhost" + port}, {"Host", "evil.example" + port}}, 403},
           Row{{{"Host", "127.0.0.1"}}, 403}, Row{{{"Host", "10.0.0.1" + port}}, 403},
           Row{{{"Host", "evil.example" + port}, {"Origin", "http://evil.example" + port}}, 403}}) {
         httplib::Client client = Client();
