@@ -13,6 +13,8 @@ from vornserver.errors import (
     MessagesError, MissingError, PlantError, ServiceError, ServiceNotFound, StateError, TimeLimit, UnexpectedReply, VerdictError,
     VornError, WordError)
 from vornserver.interface import VERSION as __version__
+from vornserver.judge import Finding, judge, judge_file
+from vornserver.plan import Plan
 from vornserver.plant import Connection, Device, Plant, Port
 from vornserver.project import Project
 from vornserver.samples import Poller, Sample, Subscription
@@ -22,7 +24,7 @@ from vornserver.values import Value, Writable
 
 __all__ = [
     "AccessRefused", "AddressError", "BatchError", "Branch", "Connection", "ConnectionLost", "ContentError",
-    "Credentials", "Device", "Element", "EngineError", "FieldError", "FormatError", "FullError", "Link",
-    "MessagesError", "MissingError", "Plant", "PlantError", "Poller", "Port", "Project", "Sample", "Server",
+    "Credentials", "Device", "Element", "EngineError", "FieldError", "FormatError", "Finding", "FullError", "Link",
+    "MessagesError", "MissingError", "Plant", "PlantError", "Plan", "Poller", "Port", "Project", "Sample", "Server",
     "ServiceError", "ServiceNotFound", "StateError", "Subscription", "TimeLimit", "Topology", "UnexpectedReply",
-    "Value", "VerdictError", "VornError", "WordError", "Writable", "__version__"]
+    "Value", "VerdictError", "VornError", "WordError", "Writable", "__version__", "judge", "judge_file"]

@@ -18,6 +18,10 @@ from vornserver.shell_output import print_result, working
 NUMBERS: dict[str, Callable[[str], Any]] = {"integer": int, "number": float, "string": str}
 
 
+# Methods whose names are commands of the shell itself, which do the same and more.
+TAKEN = ("check",)
+
+
 def option_name(member: str) -> str:
     """VornModuleID is --vorn-module-id."""
     return re.sub(r"(?<=[a-z])(?=[A-Z])", "-", member).replace("_", "-").lower()
@@ -121,8 +125,9 @@ def add_family(commands: argparse._SubParsersAction[argparse.ArgumentParser], fa
     for command in COMMANDS.values():
         if command.entry["family"] != family:
             continue
+        name, *more = [each for each in (command.entry["method"].replace("_", "-"), command.id) if each not in TAKEN]
         parser = commands.add_parser(
-            command.entry["method"].replace("_", "-"), aliases=[command.id], help=command.entry["title"],
+            name, aliases=more, help=command.entry["title"],
             description=command.entry["text"].replace("%", "%%"), epilog=_epilog(command))
         for parameter in command.target["parameters"]:
             last = parameter == command.target["parameters"][-1]
