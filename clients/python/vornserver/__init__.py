@@ -7,6 +7,7 @@
         print(project.read(["GTemp", "GStep"]))
 """
 
+from vornserver.aio import AsyncProject, AsyncServer
 from vornserver.endpoint import Credentials
 from vornserver.errors import (
     AccessRefused, AddressError, BatchError, ConnectionLost, ContentError, EngineError, FieldError, FormatError, FullError,
@@ -23,7 +24,7 @@ from vornserver.topology import Branch, Element, Link, Topology
 from vornserver.values import Value, Writable
 
 __all__ = [
-    "AccessRefused", "AddressError", "BatchError", "Branch", "Connection", "ConnectionLost", "ContentError",
+    "AccessRefused", "AddressError", "AsyncProject", "AsyncServer", "BatchError", "Branch", "Connection", "ConnectionLost", "ContentError",
     "Credentials", "Device", "Element", "EngineError", "FieldError", "FormatError", "Finding", "FullError", "Link",
     "MessagesError", "MissingError", "Plant", "PlantError", "Plan", "Poller", "Port", "Project", "Sample", "Server",
     "ServiceError", "ServiceNotFound", "StateError", "Subscription", "TimeLimit", "Topology", "UnexpectedReply",
