@@ -17,6 +17,7 @@ import pytest
 from host import Host
 from vornserver import (
     AsyncProject, AsyncServer, MessagesError, MissingError, Plan, PlantError, Project, Sample, Server)
+from vornserver.interface import VERSION
 from vornserver.values import text_of
 
 CLIENT = Path(__file__).resolve().parents[1]
@@ -132,6 +133,14 @@ def test_one_poll_serves_all_subscriptions(project: Project, caplog: pytest.LogC
     assert got["one"][0]["GTemp"] == 0 and len(got["one"][0].list("GSeries")) == 8
     with pytest.raises(MissingError):
         got["two"][0]["NoSuch"]
+
+
+def test_the_version_of_a_local_service_is_known(address: str, caplog: pytest.LogCaptureFixture,
+                                                 monkeypatch: pytest.MonkeyPatch) -> None:
+    monkeypatch.setattr("vornserver.server.VERSION", "0.9.0")
+    with Server.find(address) as server:
+        assert server.version == VERSION and f"is of version {VERSION}, and this client of 0.9.0" in caplog.text
+    assert Server("http://plant.example:33360").version == ""
 
 
 def test_asyncio(address: str) -> None:

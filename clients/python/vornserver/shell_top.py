@@ -86,9 +86,9 @@ def _top(server: Server, arguments: argparse.Namespace) -> int:
 
 def _find(server: Server, arguments: argparse.Namespace) -> int:
     if arguments.json:
-        print_json({"address": server.address})
+        print_json({"address": server.address, "version": server.version})
     else:
-        print(server.address)
+        print(server.address + (f" version {server.version}" if server.version else ""))
     return 0
 
 
@@ -107,7 +107,7 @@ def _check(server: Server, arguments: argparse.Namespace) -> int:
 
 def add_commands(commands: argparse._SubParsersAction[argparse.ArgumentParser]) -> None:
     """Adds the commands that the description does not have."""
-    find = commands.add_parser("find", help="Tell where the service is", description="Tells the service's address.")
+    find = commands.add_parser("find", help="Tell where the service is", description="Prints the service's address, and its version where it is known.")
     find.set_defaults(run=_find)
     check = commands.add_parser("check", help="Judge a file, or ask whether an open project is complete", description=(
         "Judges a plan or a project document: its form, then the service's verdict in a project that is made for it and"
