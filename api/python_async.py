@@ -7,6 +7,8 @@ import ast
 from pathlib import Path
 from typing import Iterator
 
+from api.python_client import folded
+
 CLIENT = Path(__file__).resolve().parents[1] / "clients/python/vornserver"
 
 # Of each class its twin, and where its methods are: those of the first file go before those of the second.
@@ -118,23 +120,35 @@ def _is_taken(function: ast.FunctionDef) -> bool:
     return not function.name.startswith("_") and function.name not in BY_HAND and decorators <= {"overload"}
 
 
-def _call(owner: str, function: ast.FunctionDef) -> str:
+def _call(function: ast.FunctionDef, result: str) -> list[str]:
     given = [each.arg for each in function.args.args[1:]]
     named = [f"{each.arg}={each.arg}" for each in function.args.kwonlyargs]
-    call = f"await _in_thread({', '.join([f'self.sync.{function.name}', *given, *named])})"
-    result = ast.unparse(function.returns) if function.returns else "None"
-    if result in TWINS:
-        return f"return {TWINS[result][0]}({call})"
-    return call if result == "None" else f"return {call}"
+    twin = f"{TWINS[result][0]}(" if result in TWINS else ""
+    head = "" if result == "None" else "return "
+    return folded(f"{head}{twin}await _in_thread(", [f"self.sync.{function.name}", *given, *named],
+                  "))" if twin else ")")
+
+
+def _parameters(arguments: ast.arguments) -> list[str]:
+    """The parameters as they are written, with their types and defaults."""
+    def written(each: ast.arg, default: ast.expr | None) -> str:
+        text = each.arg + (f": {ast.unparse(each.annotation)}" if each.annotation else "")
+        return text if default is None else f"{text} = {ast.unparse(default)}"
+
+    missing: list[ast.expr | None] = [None] * (len(arguments.args) - len(arguments.defaults))
+    given = [written(*each) for each in zip(arguments.args, [*missing, *arguments.defaults])]
+    named = [written(*each) for each in zip(arguments.kwonlyargs, arguments.kw_defaults)]
+    return [*given, "*", *named] if named else given
 
 
 def _twin(owner: str, function: ast.FunctionDef, first: bool) -> list[str]:
     result = ast.unparse(function.returns) if function.returns else "None"
-    told = TWINS[result][0] if result in TWINS else result
-    head = f"async def {function.name}({ast.unparse(function.args)}) -> {told}:"
+    twin = TWINS[result][0] if result in TWINS else result
+    head = folded(f"async def {function.name}(", _parameters(function.args), f") -> {twin}:")
     if function.decorator_list:
-        return ["", "    @overload" + ("  # type: ignore[misc]" if first else ""), f"    {head} ..."]
-    return ["", f"    {head}", f'        """As `{owner}.{function.name}`."""', f"        {_call(owner, function)}"]
+        return ["", "    @overload" + ("  # type: ignore[misc]" if first else ""), f"    {head[0]} ..."]
+    body = [f'    """As `{owner}.{function.name}`."""', *(f"    {line}" for line in _call(function, result))]
+    return ["", *(f"    {line}" for line in [*head, *body])]
 
 
 def async_client(methods: str) -> str:

@@ -24,8 +24,9 @@ from vornserver.topology import Branch, Element, Link, Topology
 from vornserver.values import Value, Writable
 
 __all__ = [
-    "AccessRefused", "AddressError", "AsyncProject", "AsyncServer", "BatchError", "Branch", "Connection", "ConnectionLost", "ContentError",
-    "Credentials", "Device", "Element", "EngineError", "FieldError", "FormatError", "Finding", "FullError", "Link",
-    "MessagesError", "MissingError", "Plant", "PlantError", "Plan", "Poller", "Port", "Project", "Sample", "Server",
-    "ServiceError", "ServiceNotFound", "StateError", "Subscription", "TimeLimit", "Topology", "UnexpectedReply",
-    "Value", "VerdictError", "VornError", "WordError", "Writable", "__version__", "judge", "judge_file"]
+    "AccessRefused", "AddressError", "AsyncProject", "AsyncServer", "BatchError", "Branch", "Connection",
+    "ConnectionLost", "ContentError", "Credentials", "Device", "Element", "EngineError", "FieldError", "Finding",
+    "FormatError", "FullError", "Link", "MessagesError", "MissingError", "Plan", "Plant", "PlantError", "Poller",
+    "Port", "Project", "Sample", "Server", "ServiceError", "ServiceNotFound", "StateError", "Subscription",
+    "TimeLimit", "Topology", "UnexpectedReply", "Value", "VerdictError", "VornError", "WordError", "Writable",
+    "__version__", "judge", "judge_file"]

@@ -105,7 +105,7 @@ class AsyncProject:
         """As `Project.delete`."""
         await _in_thread(self.sync.delete, element)
 
-    async def move(self, element: str, *, position_x: float=0.0, position_z: float=0.0) -> None:
+    async def move(self, element: str, *, position_x: float = 0.0, position_z: float = 0.0) -> None:
         """As `Project.move`."""
         await _in_thread(self.sync.move, element, position_x=position_x, position_z=position_z)
 
@@ -133,17 +133,30 @@ class AsyncProject:
         """As `Project.close`."""
         await _in_thread(self.sync.close)
 
-    async def add_module(self, vorn_module_id: int, device_name: str, *, page_nb: int=0, position_x: float=0.0, position_z: float=0.0, model_id: str='', room_id: str='') -> str:
+    async def add_module(
+            self, vorn_module_id: int, device_name: str, *, page_nb: int = 0, position_x: float = 0.0,
+            position_z: float = 0.0, model_id: str = '', room_id: str = '') -> str:
         """As `Project.add_module`."""
-        return await _in_thread(self.sync.add_module, vorn_module_id, device_name, page_nb=page_nb, position_x=position_x, position_z=position_z, model_id=model_id, room_id=room_id)
+        return await _in_thread(
+                self.sync.add_module, vorn_module_id, device_name, page_nb=page_nb, position_x=position_x,
+                position_z=position_z, model_id=model_id, room_id=room_id)
 
-    async def add_node(self, vorn_module_id: Literal[3000, 3001, 3002, 3003], node_name: Literal['FLUID', 'INFO', 'POWER', 'MECH'], *, page_nb: int=0, position_x: float=0.0, position_z: float=0.0) -> str:
+    async def add_node(
+            self, vorn_module_id: Literal[3000, 3001, 3002, 3003],
+            node_name: Literal['FLUID', 'INFO', 'POWER', 'MECH'], *, page_nb: int = 0, position_x: float = 0.0,
+            position_z: float = 0.0) -> str:
         """As `Project.add_node`."""
-        return await _in_thread(self.sync.add_node, vorn_module_id, node_name, page_nb=page_nb, position_x=position_x, position_z=position_z)
+        return await _in_thread(
+                self.sync.add_node, vorn_module_id, node_name, page_nb=page_nb, position_x=position_x,
+                position_z=position_z)
 
-    async def add_link(self, f_instance_id: str, s_instance_id: str, *, link_type: int=0, page_nb: int=0, f_port_nb: int=0, s_port_nb: int=0) -> list[str]:
+    async def add_link(
+            self, f_instance_id: str, s_instance_id: str, *, link_type: int = 0, page_nb: int = 0,
+            f_port_nb: int = 0, s_port_nb: int = 0) -> list[str]:
         """As `Project.add_link`."""
-        return await _in_thread(self.sync.add_link, f_instance_id, s_instance_id, link_type=link_type, page_nb=page_nb, f_port_nb=f_port_nb, s_port_nb=s_port_nb)
+        return await _in_thread(
+                self.sync.add_link, f_instance_id, s_instance_id, link_type=link_type, page_nb=page_nb,
+                f_port_nb=f_port_nb, s_port_nb=s_port_nb)
 
     async def check(self) -> None:
         """As `Project.check`."""
@@ -209,7 +222,7 @@ class AsyncProject:
         """As `Project.element_variables`."""
         return await _in_thread(self.sync.element_variables, element)
 
-    async def set_run_value(self, element: str, value: float | str, *, row: int=0) -> None:
+    async def set_run_value(self, element: str, value: float | str, *, row: int = 0) -> None:
         """As `Project.set_run_value`."""
         await _in_thread(self.sync.set_run_value, element, value, row=row)
 
@@ -217,7 +230,7 @@ class AsyncProject:
         """As `Project.run_values`."""
         return await _in_thread(self.sync.run_values, element)
 
-    async def set_cache_value(self, element: str, column: int, value: float | str, *, row: int=0) -> None:
+    async def set_cache_value(self, element: str, column: int, value: float | str, *, row: int = 0) -> None:
         """As `Project.set_cache_value`."""
         await _in_thread(self.sync.set_cache_value, element, column, value, row=row)
 
@@ -225,7 +238,7 @@ class AsyncProject:
         """As `Project.cache_values`."""
         return await _in_thread(self.sync.cache_values, element)
 
-    async def set_value(self, element: str, column: int, value: float | str, *, row: int=0) -> None:
+    async def set_value(self, element: str, column: int, value: float | str, *, row: int = 0) -> None:
         """As `Project.set_value`."""
         await _in_thread(self.sync.set_value, element, column, value, row=row)
 
@@ -292,7 +305,9 @@ class AsyncServer:
         """As `Server.greets`."""
         return await _in_thread(self.sync.greets)
 
-    async def request(self, word: str, name: str='', messages: object=None, *, repeatable: bool=False, seconds: float | None=None) -> str:
+    async def request(
+            self, word: str, name: str = '', messages: object = None, *, repeatable: bool = False,
+            seconds: float | None = None) -> str:
         """As `Server.request`."""
         return await _in_thread(self.sync.request, word, name, messages, repeatable=repeatable, seconds=seconds)
 

@@ -124,13 +124,13 @@ class Plan:
                 yield name, _TYPES[types[name]]["items"].index(item), value
 
 
-def _port(devices: Mapping[str, Device], told: str) -> Port:
+def _port(devices: Mapping[str, Device], end: str) -> Port:
     """The end that a plan names. Raises ValueError."""
-    if told in devices and devices[told].is_node:
-        return Port(told)
-    name, _, port = told.rpartition(".")
+    if end in devices and devices[end].is_node:
+        return Port(end)
+    name, _, port = end.rpartition(".")
     if name not in devices:
-        raise ValueError(f"there is no {told if told not in devices else 'port in ' + told}")
+        raise ValueError(f"there is no {end if end not in devices else 'port in ' + end}")
     names = port_names(devices[name].type)
     if port not in names:
         raise ValueError(f"{name!r} has no port {port!r}, only {', '.join(names)}")

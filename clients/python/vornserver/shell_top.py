@@ -107,7 +107,8 @@ def _check(server: Server, arguments: argparse.Namespace) -> int:
 
 def add_commands(commands: argparse._SubParsersAction[argparse.ArgumentParser]) -> None:
     """Adds the commands that the description does not have."""
-    find = commands.add_parser("find", help="Tell where the service is", description="Prints the service's address, and its version where it is known.")
+    find = commands.add_parser("find", help="Print where the service is",
+                               description="Prints the service's address, and its version where it is known.")
     find.set_defaults(run=_find)
     check = commands.add_parser("check", help="Judge a file, or ask whether an open project is complete", description=(
         "Judges a plan or a project document: its form, then the service's verdict in a project that is made for it and"
