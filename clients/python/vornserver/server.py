@@ -17,6 +17,7 @@ from vornserver.errors import (
     AccessRefused, MessagesError, PlantError, ServiceError, ServiceNotFound, StateError, VornError)
 from vornserver.interface import COMMANDS, VERSION
 from vornserver.local import LOCAL_HOSTS, local_version
+from vornserver.plant import rounded_from
 from vornserver.project import Project
 
 # How long a service may take for its greeting, which it gives also while a command waits.
@@ -150,6 +151,8 @@ class Server(ServerCommands, Service):
         try:
             return described.result(reply, messages)
         except ServiceError as error:
+            if error.failure == "moduleNotFound" and isinstance(messages, dict):
+                error.todo += rounded_from(messages["VornModuleID"])
             if hasattr(error, "add_note"):  # from Python 3.11 on
                 error.add_note(f"{described.word} {name}: {error.todo}")
             raise
