@@ -38,8 +38,19 @@ else()
     add_library(vorn_lua ALIAS PkgConfig::LUA)
   endif()
 endif()
-# The service stands on inner parts of the library's server too, which are others in other versions.
+# The server uses inner parts of the library too, where their likes are known; transport/httplib_compat.h knows how
+# the versions differ. Of a newer version it uses the public interface alone, and so does whoever chooses that.
 string(REGEX MATCH "[0-9.]+" HTTPLIB_VERSION "${HTTPLIB_VERSION}")
-if(NOT HTTPLIB_VERSION MATCHES "^0\\.11\\.")
-  message(FATAL_ERROR "cpp-httplib is here of version ${HTTPLIB_VERSION}, and 0.11 is needed")
+if(HTTPLIB_VERSION VERSION_LESS 0.11)
+  message(FATAL_ERROR "cpp-httplib is here of version ${HTTPLIB_VERSION}, and 0.11 or later is needed")
+endif()
+if(HTTPLIB_VERSION VERSION_LESS 0.19)
+  set(VORN_HTTPLIB_NEWER OFF)
+else()
+  set(VORN_HTTPLIB_NEWER ON)
+endif()
+option(VORN_HTTPLIB_PUBLIC_ONLY
+       "Use the public interface of cpp-httplib alone; docs/limits.md lists what is lost" ${VORN_HTTPLIB_NEWER})
+if(VORN_HTTPLIB_PUBLIC_ONLY)
+  message(STATUS "cpp-httplib ${HTTPLIB_VERSION} by its public interface alone: docs/limits.md lists what is lost")
 endif()

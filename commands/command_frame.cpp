@@ -120,6 +120,19 @@ void ProjectCommand(const std::string& command, const std::string& name, const s
     reply = CommandRun(CommandFind(command), name, messages);
 }
 
+int CommandCount() {
+    return static_cast<int>(std::size(CommandTable));
+}
+
+int CommandIndex(std::string_view command) {
+    const CommandRow* row = CommandFind(command);
+    return row == nullptr ? -1 : static_cast<int>(row - std::begin(CommandTable));
+}
+
+std::string_view CommandWord(int index) {
+    return CommandTable[index].word;
+}
+
 bool CommandWrites(std::string_view command) {
     const CommandRow* row = CommandFind(command);
     return row != nullptr && row->log == Writes;

@@ -14,6 +14,11 @@ namespace vorn {
 void ProjectCommand(const std::string& command, const std::string& name, const std::string& messages,
                     std::string& reply);
 
+/// The number of commands; the index of a command's word, -1 for any other; and the word of an index.
+int CommandCount();
+int CommandIndex(std::string_view command);
+std::string_view CommandWord(int index);
+
 /// True for a command whose exchanges go to the log of writes; false for all other words.
 bool CommandWrites(std::string_view command);
 

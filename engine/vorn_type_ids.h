@@ -17,16 +17,16 @@ inline constexpr std::int64_t FanCoilOneID = 25092117291321127;
 inline constexpr std::int64_t AirCoolerOneID = 25092119192771617;
 inline constexpr std::int64_t RadiatorOneID = 25092119192766817;
 
-// Types that the stand-in's catalogue adds.
-inline constexpr std::int64_t PumpOneID = 26010100000000011;
-inline constexpr std::int64_t ValveOneID = 26010100000000012;
-inline constexpr std::int64_t ExchangerOneID = 26010100000000013;
-inline constexpr std::int64_t TankOneID = 26010100000000014;
-inline constexpr std::int64_t CoolingTowerOneID = 26010100000000015;
-inline constexpr std::int64_t CompressorOneID = 26010100000000016;
-inline constexpr std::int64_t CondenserOneID = 26010100000000017;
-inline constexpr std::int64_t EvaporatorOneID = 26010100000000018;
-inline constexpr std::int64_t ExpansionValveOneID = 26010100000000019;
-inline constexpr std::int64_t ReceiverOneID = 26010100000000020;
-inline constexpr std::int64_t PowerSourceOneID = 26010100000000021;
-inline constexpr std::int64_t ColdStoreOneID = 26010100000000022;
+// Types that the stand-in's catalogue adds: below 2^53, so that each client of doubles sends them unharmed.
+inline constexpr std::int64_t PumpOneID = 2601010000011;
+inline constexpr std::int64_t ValveOneID = 2601010000012;
+inline constexpr std::int64_t ExchangerOneID = 2601010000013;
+inline constexpr std::int64_t TankOneID = 2601010000014;
+inline constexpr std::int64_t CoolingTowerOneID = 2601010000015;
+inline constexpr std::int64_t CompressorOneID = 2601010000016;
+inline constexpr std::int64_t CondenserOneID = 2601010000017;
+inline constexpr std::int64_t EvaporatorOneID = 2601010000018;
+inline constexpr std::int64_t ExpansionValveOneID = 2601010000019;
+inline constexpr std::int64_t ReceiverOneID = 2601010000020;
+inline constexpr std::int64_t PowerSourceOneID = 2601010000021;
+inline constexpr std::int64_t ColdStoreOneID = 2601010000022;

@@ -10,6 +10,7 @@
 #include <fstream>
 #include <iterator>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <thread>
 
@@ -24,6 +25,8 @@ constexpr std::size_t LinesKept = 2000;
 constexpr std::size_t LineBytesAtMost = 4000;
 constexpr std::size_t LinesAtOnce = 500;
 constexpr int AnswerSeconds = 600;
+constexpr int HeadMilliseconds = 5000;
+constexpr int BodyMilliseconds = 10000;
 
 constexpr const char* ContentPolicy =
     "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self' data: blob:; connect-src "
@@ -59,10 +62,10 @@ struct Log {
 };
 
 struct Console {
-    vorn::HttpServer server{};
+    std::unique_ptr<vorn::HttpServer> server{};
     std::map<std::string, File> files{};  ///< by path
     std::string host{};                   ///< as it was asked for
-    std::string portText{};  ///< with its colon; empty for the port that links have by themselves
+    int port = 0;
     int servicePort = 0;
 };
 
@@ -87,27 +90,17 @@ std::map<std::string, File> FilesRead(const std::filesystem::path& folder) {
     return files;
 }
 
-/// An address in numbers. No name of the web can look like one, so that none can be made to lead here.
-bool Numeric(std::string_view host) {
-    return host.starts_with('[') || host.find_first_not_of("0123456789.") == std::string_view::npos;
-}
-
 /// True for a request that names this console as its host and does not come from a page of another one.
 bool FromHere(const Console& console, const httplib::Request& request) {
     if (request.get_header_value_count("Host") != 1 || request.get_header_value_count("Origin") > 1)
         return false;
     const std::string host = request.get_header_value("Host");
-    if (!host.ends_with(console.portText)) return false;
-    const std::string_view name = std::string_view(host).substr(0, host.size() - console.portText.size());
-    const bool everywhere = console.host == "0.0.0.0" || console.host == "::";
-    const bool own = name == console.host || name == "localhost" || name == "127.0.0.1" || name == "[::1]" ||
-                     name == "[" + console.host + "]" || (everywhere && Numeric(name));
-    return own && (!request.has_header("Origin") || request.get_header_value("Origin") == "http://" + host);
+    return vorn::HostIsOwn(host, console.host, console.port) &&
+           (!request.has_header("Origin") || request.get_header_value("Origin") == "http://" + host);
 }
 
 /// Passes a request on to the library and its answer back.
 void Pass(const Console& console, const httplib::Request& request, httplib::Response& response) {
-    vorn::HttpServer::BodyTaken();
     httplib::Client client("127.0.0.1", console.servicePort);
     client.set_read_timeout(AnswerSeconds);
     client.set_write_timeout(AnswerSeconds);
@@ -161,25 +154,23 @@ void FileTell(const Console& console, const httplib::Request& request, httplib::
 }
 
 void Prepare(Console& console) {
-    console.server.set_payload_max_length(BodyBytesAtMost);
-    console.server.set_default_headers({{"Content-Security-Policy", ContentPolicy},
-                                        {"X-Content-Type-Options", "nosniff"},
-                                        {"Referrer-Policy", "no-referrer"},
-                                        {"Cross-Origin-Resource-Policy", "same-origin"},
-                                        {"Cross-Origin-Opener-Policy", "same-origin"},
-                                        {"Cache-Control", "no-cache"}});
-    console.server.set_pre_routing_handler(
-        [&console](const httplib::Request& request, httplib::Response& response) {
-            if (FromHere(console, request)) return httplib::Server::HandlerResponse::Unhandled;
-            response.status = 403;
-            response.set_content("this console serves its own page only\n", "text/plain");
-            return httplib::Server::HandlerResponse::Handled;
-        });
-    console.server.Post("/api", [&console](const httplib::Request& request, httplib::Response& response) {
+    console.server = std::make_unique<vorn::HttpServer>(vorn::HttpRules{
+        .headMilliseconds = HeadMilliseconds,
+        .bodyMilliseconds = BodyMilliseconds,
+        .admits = [&console](const httplib::Request& request) { return FromHere(console, request); },
+        .refusal = "this console serves its own page only\n"});
+    console.server->set_payload_max_length(BodyBytesAtMost);
+    console.server->set_default_headers({{"Content-Security-Policy", ContentPolicy},
+                                         {"X-Content-Type-Options", "nosniff"},
+                                         {"Referrer-Policy", "no-referrer"},
+                                         {"Cross-Origin-Resource-Policy", "same-origin"},
+                                         {"Cross-Origin-Opener-Policy", "same-origin"},
+                                         {"Cache-Control", "no-cache"}});
+    console.server->Post("/api", [&console](const httplib::Request& request, httplib::Response& response) {
         Pass(console, request, response);
     });
-    console.server.Get("/log", LogTell);
-    console.server.Get(".*", [&console](const httplib::Request& request, httplib::Response& response) {
+    console.server->Get("/log", LogTell);
+    console.server->Get(".*", [&console](const httplib::Request& request, httplib::Response& response) {
         FileTell(console, request, response);
     });
 }
@@ -191,11 +182,12 @@ std::string PortText(int port) {
 }
 
 /// The port that was bound, 0 for none.
-int Bind(httplib::Server& server, const ConsoleAddress& address) {
+int Bind(Console& console, const ConsoleAddress& address) {
     const int first = address.port == 0 ? FirstConsolePort : address.port;
     const int last = address.port == 0 ? LastConsolePort : address.port;
     for (int port = first; port <= last; ++port) {
-        if (server.bind_to_port(address.host, port)) return port;
+        Prepare(console);
+        if (console.server->Bind(address.host, port)) return port;
     }
     return 0;
 }
@@ -240,16 +232,15 @@ std::string ConsoleStart(const ConsoleAddress& address, const std::filesystem::p
         fault = "its page is not built; that takes Node and npm";
         return {};
     }
-    Prepare(console);
-    const int port = Bind(console.server, address);
+    const int port = Bind(console, address);
     if (port == 0) {
         fault = "no port is free at " + address.host;
         return {};
     }
     console.host = address.host;
-    console.portText = PortText(port);
+    console.port = port;
     console.servicePort = servicePort;
-    std::thread([] { console.server.listen_after_bind(); }).detach();
+    std::thread([] { console.server->listen_after_bind(); }).detach();
     const bool everywhere = address.host == "0.0.0.0" || address.host == "::";
     return LinkTo(everywhere ? "127.0.0.1" : address.host, port) + "/";
 }

@@ -148,13 +148,23 @@ std::string MetricsText() {
 
 std::string MetricsStart(const ConsoleAddress& address, std::string& fault) {
     // Never destroyed: the process ends around its threads.
-    auto& server = *new vorn::HttpServer;
+    constexpr int HeadMilliseconds = 5000;
+    const int port = address.port == 0 ? MetricsPort : address.port;
+    auto& server = *new vorn::HttpServer({
+        .bodies = false,
+        .headMilliseconds = HeadMilliseconds,
+        .admits =
+            [host = address.host, port](const httplib::Request& request) {
+                return request.get_header_value_count("Host") == 1 &&
+                       vorn::HostIsOwn(request.get_header_value("Host"), host, port);
+            },
+        .refusal = "these counters are served to those who name their host\n",
+    });
     server.Get("/metrics", [](const httplib::Request&, httplib::Response& response) {
         response.set_content(MetricsText(), "text/plain; version=0.0.4; charset=utf-8");
     });
-    const int port = address.port == 0 ? MetricsPort : address.port;
     const std::string link = LinkTo(address.host, port);
-    if (!server.bind_to_port(address.host, port)) {
+    if (!server.Bind(address.host, port)) {
         fault = link + " is not free";
         return {};
     }

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "transport/line_queue.h"
+#include "platform/line_queue.h"
 
 namespace {
 

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 
 namespace vorn {
 
@@ -18,8 +19,19 @@ std::ptrdiff_t SocketRead(std::intptr_t socket, char* bytes, std::size_t size);
 /// none in that time, or the other side has gone.
 std::ptrdiff_t SocketWrite(std::intptr_t socket, const char* bytes, std::size_t size, int milliseconds);
 
-/// Ends a connection and closes it. What the other side has sent and nobody read is taken out first: left
-/// there, it would cost the other side the end of the reply.
-void SocketEnd(std::intptr_t socket);
+/// Says to the other side that no more is sent.
+void SocketEndSending(std::intptr_t socket);
+
+/// Closes a connection. Where the other side has sent what nobody read, it can lose the end of the reply.
+void SocketClose(std::intptr_t socket);
+
+/// One end of a connection: its address in numbers, and its port.
+struct SocketEndpoint {
+    std::string& ip;
+    int& port;
+};
+
+/// The other side's end of a connection and this side's; what cannot be found out stays as it is.
+void SocketEnds(std::intptr_t socket, SocketEndpoint remote, SocketEndpoint local);
 
 }  // namespace vorn

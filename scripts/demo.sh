@@ -67,9 +67,9 @@ ask Create "$project" '""'
 expect OK
 
 heading "A small chilled-water loop: tank, pump, heat exchanger, fan coil and two nodes"
-place 26010100000000014 膨胀水箱 0.0 0.0   # MOD0
-place 26010100000000011 水泵 4.0 0.0       # MOD1
-place 26010100000000013 板式换热器 8.0 0.0 # MOD2
+place 2601010000014 膨胀水箱 0.0 0.0   # MOD0
+place 2601010000011 水泵 4.0 0.0       # MOD1
+place 2601010000013 板式换热器 8.0 0.0 # MOD2
 place 25092117291321127 风机盘管 8.0 6.0   # MOD3
 node 2.0 0.0                               # NOD0
 node 2.0 6.0                               # NOD1
@@ -96,7 +96,7 @@ note "a fan coil's inlet is no upstream port"
 link MOD3 0 NOD0 0
 expect '连线错误,上游端口只能是出口性质'
 note "the name must fit the type's identity"
-ask AddModule "$project" '{"VornModuleID":26010100000000011,"DeviceName":"阀门"}'
+ask AddModule "$project" '{"VornModuleID":2601010000011,"DeviceName":"阀门"}'
 expect 'DeviceName与VornModuleID对应不上,请重新核查'
 note "names of projects are letters and digits"
 ask Create 'my-plant' '""'

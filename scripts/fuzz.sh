@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Feeds the fuzz fronts: fuzz.sh [--keep] [SECONDS [FRONT ...]], 20 seconds for each of all fronts by default. An
+# Feeds the fuzz fronts: fuzz.sh [--keep] [SECONDS [FRONT ...]], 10 seconds for each of all fronts by default. An
 # input that breaks a promise is left in build/fuzz/findings and told. With --keep the inputs that reach what none
 # of the kept ones reaches are added to tests/fuzz/corpus, and those that are no longer needed go.
 set -euo pipefail
@@ -10,9 +10,9 @@ if [ "${1:-}" = --keep ]; then
     keep=yes
     shift
 fi
-seconds=${1:-20}
+seconds=${1:-10}
 fronts=("${@:2}")
-[ ${#fronts[@]} -gt 0 ] || fronts=(envelope line document stored values fitting)
+[ ${#fronts[@]} -gt 0 ] || fronts=(envelope line document stored values fitting plant)
 
 cd "$repository"
 command -v clang++ >/dev/null || fail "no clang++ here, which the fuzz fronts need"
@@ -21,8 +21,6 @@ scripts/build.sh fuzz "${fronts[@]/%/_fuzz}"
 scratch=$repository/build/fuzz/scratch
 findings=$repository/build/fuzz/findings
 mkdir -p "$scratch" "$findings"
-# The fronts store projects all the time, which a disk would slow down.
-if [ -d /dev/shm ] && [ -w /dev/shm ]; then export TMPDIR=/dev/shm; fi
 
 front_run() { # FRONT
     local corpus=$repository/tests/fuzz/corpus/$1 found=$scratch/$1 log=$scratch/$1.log

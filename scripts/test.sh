@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds, and runs all tests. With --full also the format and lint checks, the tests for
-# Windows, the sanitizer runs, a while of fuzzing and what is installed and deployed.
+# Windows, the sanitizer runs, a while of fuzzing, what is installed and deployed, and the other release of Debian.
+# Prints how long each stage took.
 set -euo pipefail
 . "$(dirname "$0")/lib.sh"
 
@@ -12,9 +13,18 @@ case "${1:-}" in
 esac
 cd "$repository"
 
+current=
+begun=0
+stage() { # NAME, or nothing at the end
+    [ -z "$current" ] || say "stage: $current: $((SECONDS - begun)) s"
+    current=${1:-}
+    begun=$SECONDS
+}
+
 run_preset() { # PRESET [ctest arguments]
     local preset=$1
     shift
+    stage "$preset"
     scripts/build.sh "$preset" || exit 1
     say "tests: $preset"
     ctest --preset "$preset" --parallel "$(nproc)" "$@" || fail "the tests of $preset"
@@ -23,20 +33,23 @@ run_preset() { # PRESET [ctest arguments]
 sources() { git ls-files '*.cpp' '*.h'; }
 
 if [ "$full" = yes ]; then
+    stage "packages of the system"
     scripts/setup.sh --full
-    say "format"
+    stage format
     sources | xargs clang-format --dry-run --Werror || fail "the format check; clang-format -i mends it"
 else
     scripts/setup.sh
 fi
 
 run_preset release
+stage console
 scripts/test_console.sh "$@" || exit 1
 
 if [ "$full" = yes ]; then
-    say "lint"
+    stage lint
     git ls-files '*.cpp' ':!tests' ':!bench' ':!examples' ':!*/windows/*' | xargs -P "$(nproc)" -n 4 clang-tidy -p build/release --quiet 2>/dev/null \
         || fail "the lint check"
+    stage "types and the tool server's style"
     mypy || fail "the types of the Python code"
     if npm --prefix tests/api/schemas ci --no-progress >/dev/null 2>&1; then
         npm --prefix tests/api/schemas run --silent test || fail "the schemas under a strict validator"
@@ -48,16 +61,21 @@ if [ "$full" = yes ]; then
     else
         say "tool server: types and style not checked: npm could not fetch the tools"
     fi
+    stage Windows
     scripts/windows.sh --lint || exit 1
     run_preset asan
     # Under ThreadSanitizer only the tests with threads are worth their time.
     run_preset tsan -R Threads
+    stage fuzzing
     scripts/fuzz.sh || exit 1
-    say "packages, installed in a fresh Debian"
+    stage "packages, installed in a fresh Debian"
     scripts/package.sh || exit 1
     lintian --fail-on error build/package/packages/*.deb || fail "the packages' form"
     tests/install_test.sh build/package/packages || fail "the installation"
-    say "the proxy and the fleet"
+    stage "the proxy and the fleet"
     /usr/bin/python3 -B -m pytest -q -p no:cacheprovider tests/deploy || fail "the tests of the deployment"
+    stage "the other Debian"
+    scripts/other_debian.sh || exit 1
 fi
+stage
 say "test: all passed"

@@ -1,7 +1,6 @@
 #include "service/api_envelope.h"
 
-#include "service/dispatcher.h"
-#include "service/service_locks.h"
+#include "service/exchange.h"
 #include "text/json.h"
 
 namespace vorn {
@@ -37,14 +36,14 @@ bool EnvelopeRead(const std::string& body, Triple& triple) {
 
 }  // namespace
 
-void ApiEnvelope(const std::string& body, std::string& reply) {
+void ApiEnvelope(const std::string& body, std::string& reply, const Caller& caller) {
     Triple triple;
     if (!EnvelopeRead(body, triple)) {
         reply = "API调用格式错误";
+        ExchangeRefused(caller, body, reply);
         return;
     }
-    const std::lock_guard guard(DispatchLock);
-    ServerDispatch(triple.midHeader, triple.midData, triple.midValue, reply);
+    ExchangeRun(caller, triple.midHeader, triple.midData, triple.midValue, reply);
 }
 
 }  // namespace vorn

@@ -10,6 +10,9 @@ namespace vorn {
 /// The reply to a request that there was no memory for.
 inline constexpr std::string_view MishapReply = "出现莫名错误,请联系技术支持";
 
+/// True for a word whose exchanges count as writes.
+bool WordWrites(std::string_view midHeader);
+
 /// Serves one request and logs the exchange. `midHeader` is the command word, `midData` a name or address,
 /// `midValue` a value or JSON text; texts are taken byte for byte, and `reply` is overwritten. A word that
 /// the dispatcher does not serve itself goes to the project commands. Lets no exception out: a request that

@@ -10,13 +10,12 @@
 #include "include/vorn_server.h"
 #include "platform/memory.h"
 #include "service/api_envelope.h"
+#include "service/service_places.h"
 #include "transport/http_server.h"
 
 namespace vorn {
 
 namespace {
-
-constexpr std::size_t RequestsPerConnection = 100;
 
 void Hi(const httplib::Request& /*request*/, httplib::Response& response) {
     response.set_content("Hello Quelmo!\n", "text/plain");
@@ -26,9 +25,8 @@ void Hi(const httplib::Request& /*request*/, httplib::Response& response) {
 /// a body of over 8 KB that is marked as a form, and so each larger document that a plain `curl -d` sends. A
 /// multipart body, which has no one text, counts as empty.
 bool ReadBody(const httplib::Request& request, const httplib::ContentReader& content, std::string& body) {
-    if (!HttpServer::HasBody(request)) return true;
     if (request.is_multipart_form_data()) {
-        return content([](const httplib::MultipartFormData&) { return true; },
+        return content([](const auto& /*part*/) { return true; },
                        [](const char*, std::size_t) { return true; });
     }
     return content([&body](const char* data, std::size_t bytes) {
@@ -42,21 +40,22 @@ void Api(const httplib::Request& request, httplib::Response& response,
     std::string body;
     // Half a request is not carried out: the library then answers with its own error status.
     if (!ReadBody(request, content, body)) return;
-    HttpServer::BodyTaken();
     std::string reply;
-    ApiEnvelope(body, reply);
+    ApiEnvelope(body, reply, {.front = Front::Http, .peer = request.remote_addr});
     // A reply ends at its first zero byte.
     reply.resize(std::min(reply.find('\0'), reply.size()));
     response.set_content(reply, "application/json");
 }
 
 void Serve() {
-    HttpServer svr;
-    svr.set_keep_alive_max_count(RequestsPerConnection);
-    svr.Get("/hi", Hi);
-    svr.Post("/api", Api);
     for (int port = VORN_FIRST_PORT; port <= VORN_LAST_PORT; ++port) {
-        svr.listen("0.0.0.0", port, AI_PASSIVE);
+        HttpServer svr;
+        svr.Get("/hi", Hi);
+        svr.Post("/api", Api);
+        if (!svr.Bind("0.0.0.0", port)) continue;
+        HttpPort = port;
+        svr.listen_after_bind();
+        HttpPort = 0;
     }
 }
 

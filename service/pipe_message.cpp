@@ -1,7 +1,6 @@
 #include "service/pipe_message.h"
 
-#include "service/dispatcher.h"
-#include "service/service_locks.h"
+#include "service/exchange.h"
 
 namespace vorn {
 
@@ -20,12 +19,11 @@ std::string FieldCut(std::string& rest) {
 
 }  // namespace
 
-void PipeMessageSplit(std::string message, std::string& reply) {
+void PipeMessageSplit(std::string message, std::string& reply, Front front) {
     if (message.size() < ShortestSplit) message.clear();
     const std::string midHeader = FieldCut(message);
     const std::string midData = FieldCut(message);
-    const std::lock_guard guard(DispatchLock);
-    ServerDispatch(midHeader, midData, message, reply);
+    ExchangeRun({.front = front}, midHeader, midData, message, reply);
 }
 
 }  // namespace vorn

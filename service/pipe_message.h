@@ -4,11 +4,13 @@
 
 #include <string>
 
+#include "service/caller.h"
+
 namespace vorn {
 
 /// Splits `message` at its first two `/`, dispatches it under `DispatchLock` and sets `reply`. The value is
 /// all behind the second `/`; missing fields are empty, and a text of fewer than 5 bytes gives three empty
 /// ones.
-void PipeMessageSplit(std::string message, std::string& reply);
+void PipeMessageSplit(std::string message, std::string& reply, Front front = Front::Pipe);
 
 }  // namespace vorn

@@ -5,13 +5,12 @@
 #include <string>
 
 #include "platform/named_pipe.h"
+#include "service/service_places.h"
 
 namespace vorn {
 
-/// The pipe that this library serves and the row of its name; null and -1 while it holds none. Written by
-/// the thread that takes the pipe.
+/// The pipe that this library serves, null while there is none. Written by the thread that takes the pipe.
 inline NamedPipe* PipeHandle = nullptr;
-inline int PipeSlot = -1;
 
 /// The pipe name of a row, 0 to 99.
 std::string PipeName(int row);

@@ -7,15 +7,20 @@
 #include "include/vorn_contract.h"
 #include "include/vorn_server.h"
 #include "service/dispatcher.h"
+#include "service/exchange.h"
 #include "service/pipe_message.h"
 #include "text/fixed_text.h"
 
 namespace {
 
 std::string Answer(std::string_view midRead) {
-    if (!midRead.starts_with("Set/") && !midRead.starts_with("Get/")) return "the header is none";
     std::string midTcpRtn;
-    vorn::PipeMessageSplit(std::string(midRead), midTcpRtn);
+    if (midRead.starts_with("Set/") || midRead.starts_with("Get/")) {
+        vorn::PipeMessageSplit(std::string(midRead), midTcpRtn, vorn::Front::Serial);
+    } else {
+        midTcpRtn = "the header is none";
+        vorn::ExchangeRefused({.front = vorn::Front::Serial}, std::string(midRead), midTcpRtn);
+    }
     return midTcpRtn;
 }
 

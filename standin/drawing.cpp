@@ -12,7 +12,7 @@
 #include "engine/vorn_core.h"
 #include "platform/fault_text.h"
 #include "platform/file_text.h"
-#include "standin/notice.h"
+#include "platform/notice.h"
 #include "standin/project_folder.h"
 #include "standin/trace.h"
 
@@ -46,7 +46,7 @@ void DrawFile(const std::string& name, const char* ending, Draw* draw) {
     std::error_code fault;
     if (path.empty()) return;
     if (vorn::FolderMake(ProjectFolder(name), fault) && vorn::FileReplace(path, svg, fault)) return;
-    Notice("drawing: " + path + ": " + vorn::FaultText(fault));
+    vorn::Notice(vorn::NoticeKind::Fault, "drawing: " + path + ": " + vorn::FaultText(fault));
 }
 
 /// Draws on a thread of its own, behind the drawing before; where no thread can be made, here.

@@ -98,7 +98,9 @@ std::vector<ProjectVariable> StandardVariables() {
             {.name = "COP"},
             {.name = "GStep", .kind = VariableKind::Integer},
             {.name = "GSeries", .kind = VariableKind::RealArray},
-            {.name = "GCounts", .kind = VariableKind::IntegerArray}};
+            {.name = "GCounts", .kind = VariableKind::IntegerArray},
+            {.name = "GOutside", .reals = {UsualOutside}},
+            {.name = "GAlarms", .kind = VariableKind::Integer}};
 }
 
 std::mutex& EngineLock() {

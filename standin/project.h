@@ -127,7 +127,8 @@ struct ProjectVariable {
 };
 
 /// The variables that every project has are the first rows and stay there; clients add the others.
-inline constexpr std::size_t StandardVariableCount = 6;
+inline constexpr std::size_t StandardVariableCount = 8;
+inline constexpr std::size_t OutsideVariable = 6;  ///< `GOutside`, degrees Celsius outside
 
 /// Rows of the table of project variables.
 inline constexpr std::size_t ProjectVariableCapacity = 256;

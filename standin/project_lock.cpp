@@ -2,10 +2,12 @@
 
 #include <array>
 #include <string>
+#include <system_error>
 #include <utility>
 
 #include "platform/file_lock.h"
-#include "standin/notice.h"
+#include "platform/file_text.h"
+#include "platform/notice.h"
 #include "standin/project.h"
 #include "standin/project_folder.h"
 
@@ -33,7 +35,7 @@ std::string& LastTold() {
 void TellHeld(std::string_view name, const std::string& holder) {
     std::string line = "store: " + std::string(name) + " is open in another server";
     if (!holder.empty()) line += ", " + holder;
-    if (line != LastTold()) Notice(line);
+    if (line != LastTold()) vorn::Notice(vorn::NoticeKind::Information, line);
     LastTold() = std::move(line);
 }
 
@@ -42,6 +44,9 @@ void TellHeld(std::string_view name, const std::string& holder) {
 bool ProjectLockTake(int slot, std::string_view name) {
     const std::string path = ProjectLockFile(name);
     if (path.empty()) return true;
+    // Two servers that each make the first project of a store would both succeed if the store came later.
+    std::error_code fault;
+    vorn::FolderMake(path.substr(0, path.rfind('/')), fault);
     std::string& told = LastTold();
     std::string holder;
     if (LockOf(slot).Take(path, vorn::ProcessTitle(), holder) == vorn::LockResult::Held) {

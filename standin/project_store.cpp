@@ -12,7 +12,7 @@
 #include "platform/fault_text.h"
 #include "platform/file_path.h"
 #include "platform/file_text.h"
-#include "standin/notice.h"
+#include "platform/notice.h"
 #include "standin/project_folder.h"
 #include "standin/project_json.h"
 #include "standin/project_lock.h"
@@ -35,8 +35,8 @@ constexpr std::size_t SumDigits = 16;
 /// Bytes of a stored project at most. A project at full capacity with all values set takes about 150 MB.
 constexpr std::size_t StoredBytesLimit = std::size_t{512} << 20;
 
-void Report(string_view name, const std::string& what) {
-    Notice("project store: " + std::string(name) + ": " + what);
+void Report(vorn::NoticeKind kind, string_view name, const std::string& what) {
+    vorn::Notice(kind, "project store: " + std::string(name) + ": " + what);
 }
 
 /// The reason in the system's own words, and the file that it is about.
@@ -159,7 +159,7 @@ bool Replace(Order& order) {
     if (!aside.empty() && fs::equivalent(vorn::FilePath(aside), vorn::FilePath(order.path), error)) {
         fs::remove(vorn::FilePath(aside), error);
     } else if (!aside.empty()) {
-        Report(order.name, "the damaged file is kept as " + aside);
+        Report(vorn::NoticeKind::Information, order.name, "the damaged file is kept as " + aside);
     }
     return replaced;
 }
@@ -172,7 +172,7 @@ Order OrderOf(const Project& project) {
     if (order.text.size() > StoredBytesLimit) order.fault = std::make_error_code(std::errc::file_too_large);
     if (order.fault || !vorn::FolderMake(order.path, order.fault)) return order;
     order.path = PathOf(project.name);
-    // A project that was made before there was a store has no lock yet.
+    // A project has no lock yet where the store could not be made before.
     if (!ProjectLockEnsure(SlotOf(project), project.name))
         order.fault = std::make_error_code(std::errc::resource_unavailable_try_again);
     return order;
@@ -182,7 +182,12 @@ Order OrderOf(const Project& project) {
 bool CarryOut(Order& order) {
     const bool stored = !order.fault && Replace(order);
     order.known = stored ? FactsOf(order.path) : std::nullopt;
-    if (!stored) Report(order.name, "the project cannot be stored" + Reason(order.fault, order.path));
+    if (stored) {
+        Report(vorn::NoticeKind::Stored, order.name, "stored");
+    } else {
+        Report(vorn::NoticeKind::StoreFailed, order.name,
+               "the project cannot be stored" + Reason(order.fault, order.path));
+    }
     return stored;
 }
 
@@ -204,9 +209,10 @@ bool StoreRead(Project& project) {
     const Stored stored = Load(project.name, loaded, fault);
     const std::string path = PathOf(project.name);
     if (stored == Stored::Unreadable) {
-        Report(project.name, "the stored file cannot be read" + Reason(fault, path));
+        Report(vorn::NoticeKind::Fault, project.name, "the stored file cannot be read" + Reason(fault, path));
     } else if (stored == Stored::Damaged) {
-        Report(project.name, "the stored file is damaged or foreign, and left as it is: " + path);
+        Report(vorn::NoticeKind::Fault, project.name,
+               "the stored file is damaged or foreign, and left as it is: " + path);
     }
     if (stored != Stored::Whole) return false;
     project.modules = std::move(loaded.modules);

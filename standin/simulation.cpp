@@ -1,4 +1,5 @@
 #include "standin/simulation.h"
+#include "platform/notice.h"
 
 #include <chrono>
 #include <condition_variable>
@@ -8,8 +9,7 @@
 #include <thread>
 
 #include "standin/control.h"
-#include "standin/notice.h"
-#include "standin/plant/step.h"
+#include "standin/plant_step.h"
 
 namespace standin {
 
@@ -118,7 +118,8 @@ void SimulationWake() {
             threadRuns = true;
         } catch (const std::system_error& fault) {
             // The next call tries again.
-            Notice(std::string("simulation: no thread can be made: ") + fault.what());
+            vorn::Notice(vorn::NoticeKind::Fault,
+                         std::string("simulation: no thread can be made: ") + fault.what());
         }
     }
 }

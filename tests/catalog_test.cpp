@@ -5,6 +5,7 @@
 #include "engine/vorn_core.h"
 #include "engine/vorn_var.h"
 #include "import/fitting.h"
+#include "standin/catalogue.h"
 #include "standin/project.h"
 #include "tests/support/service_test.h"
 
@@ -72,6 +73,19 @@ TEST(FittingTest, ChoosesByBothPortSizesWithinTheTolerances) {
             << row.given;
     }
     EXPECT_EQ(rows.size(), 27U);
+}
+
+TEST(CatalogueTest, FindsItsOwnTypesByTheirFormerNumbersToo) {
+    for (std::int64_t own = 11; own <= 22; ++own) {
+        const std::int64_t oneId = 2601010000000 + own;
+        const int type = standin::ModuleTypeNumber(oneId);
+        ASSERT_NE(type, -1) << oneId;
+        EXPECT_EQ(standin::ModuleTypeNumber(26010100000000000 + own), type);
+        EXPECT_EQ(standin::ModuleTypeFind(type)->oneId, oneId) << "the number that is given out";
+    }
+    for (const std::int64_t none : {2601010000010, 2601010000023, 26010100000000010, 26010100000000023}) {
+        EXPECT_EQ(standin::ModuleTypeNumber(none), -1) << none;
+    }
 }
 
 class ModelStoreTest : public ServiceTest {};

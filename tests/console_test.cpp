@@ -8,6 +8,7 @@
 #include <fstream>
 #include <thread>
 
+#include "tests/support/framing_forms.h"
 #include "tests/support/working_folder.h"
 
 namespace {
@@ -112,6 +113,10 @@ TEST_F(ConsoleThreadsTest, PassesOnItsOwnPagesRequestsOnly) {
         EXPECT_EQ(answer->body == "got {\"a\":5.0}", row.status == 200) << answer->body;
         EXPECT_EQ(client.Get("/log?after=0")->status, row.status);
     }
+}
+
+TEST_F(ConsoleThreadsTest, RefusesWhatHidesARequest) {
+    ExpectFormsRefused(std::stoi(Host().substr(Host().find(':') + 1)));
 }
 
 TEST_F(ConsoleThreadsTest, KeepsTheLogsLastLines) {

@@ -151,7 +151,7 @@ TEST(SendThreadsTest, SendsOneCommandOverEitherTransport) {
         {port + "-- --none", "项目名称找不到(project Char error)\n", 0},
         {pipe + "a/b", "vorn-send: COMMAND and NAME cannot hold '/' on the pipe\n", 2},
         {"--port 9 Fdp P", "vorn-send: no answer on port 9 (Connection)\n", 1},
-        {"--port 9360 Fdp P", "vorn-send: no answer on port 9360 (status 404)\n", 1},
+        {"--port 9360 Fdp P", "vorn-send: no answer on port 9360 (status 400)\n", 1},
     };
     for (const auto& each : cases) {
         const auto [output, status] = RunProgram(ProgramBeside("vorn-send"), each.arguments, each.input);

@@ -5,7 +5,6 @@
 #include "platform/file_text.h"
 #include "standin/project.h"
 #include "tests/support/service_test.h"
-#include "tests/support/working_folder.h"
 
 using standin::ProjectFind;
 
@@ -17,9 +16,6 @@ class ImportTest : public ServiceTest {
   protected:
     ImportTest() { Send("Create", "P"); }
     const standin::Project& Project() { return *ProjectFind(0); }
-
-  private:
-    WorkingFolder folder_;
 };
 
 std::string Document(const std::string& devices, const std::string& connections = "") {
@@ -84,7 +80,7 @@ TEST_F(ImportTest, ReadsTheFieldsOfADevice) {
                R"("RoomID":"R"->R; "RoomID":7->7; "Other":1->0;)");
     ExpectEach(OneDevice, coil + "@", R"(Module_FindInstanceID(0,"")@)", R"("RoomID":true->none;)");
     ExpectEach(OneDevice, R"("RoomID":"R","DeviceID":@)", R"(Module_FindInstanceID(0,"R")@)",
-               "25092117291321127->; 25092119192771617->; 25092119192766817->; 26010100000000012->none;");
+               "25092117291321127->; 25092119192771617->; 25092119192766817->; 2601010000012->none;");
     const std::string inANode = R"({"InstanceID":"R","DeviceID":3000},{"RoomID":"R",)" + coil + R"("X":0})";
     EXPECT_FALSE(Holds(CallsOf("PjtSent", "P", Document(inANode)), "Pipe_RoomLinkAnalysis"));
     ExpectEach(OneDevice, coil + "@", R"(Model_DB_Read(8,"@"))",
@@ -174,13 +170,14 @@ TEST_F(ImportTest, LetsTheFirstOfEqualIdentitiesWin) {
                   R"({"ConnectionID":"c","StartPortSize":{"x":0.1,"y":0.1},"EndPortSize":{"x":0.1,"y":0.1}},)"
                   R"({"ConnectionID":"d"},{},{"ConnectionID":"c","StartPortSize":{"x":0.2,"y":0.2},)"
                   R"("EndPortSize":{"x":0.2,"y":0.2}},)"
-                  R"({"ConnectionID":"d","StartDeviceInstanceID":"A","EndDeviceInstanceID":"c"})"));
+                  R"({"ConnectionID":"d","StartDeviceInstanceID":"A","EndDeviceInstanceID":"c"},)"
+                  R"({"ConnectionID":"b","StartDeviceInstanceID":"none"})"));
     const auto& modules = Project().modules.rows;
-    ASSERT_EQ(modules.size(), 3U);
+    ASSERT_EQ(modules.size(), 4U);
     EXPECT_EQ(modules[0].x, 2 * 5 + 120);
     EXPECT_EQ(modules[1].modelId, "DN200铸铁管道");
     EXPECT_EQ(modules[1].x, 9 * 50 + 3 * 5 + 120);
-    EXPECT_EQ(modules[2].instanceId, "d");
+    EXPECT_EQ(modules[2].instanceId + modules[3].instanceId, "db");
     EXPECT_EQ(Project().nodes.rows.size(), 2U);
     EXPECT_EQ(Project().nodes.rows[0].linksAtPort[8], 1);
     EXPECT_EQ(Project().links.rows.size(), 2U);

@@ -5,7 +5,6 @@
 
 #include "platform/file_lock.h"
 #include "tests/support/service_test.h"
-#include "tests/support/working_folder.h"
 
 namespace {
 
@@ -26,9 +25,6 @@ class LockTest : public ServiceTest {
         work();
         return testing::internal::GetCapturedStderr();
     }
-
-  private:
-    WorkingFolder folder_;
 };
 
 TEST_F(LockTest, KeepsAnOpenProjectFromTheOtherServers) {
@@ -52,23 +48,38 @@ TEST_F(LockTest, KeepsAnOpenProjectFromTheOtherServers) {
     EXPECT_EQ(Send("MoveMN", "P_n", R"({"PositionX":1.0,"PositionZ":2.0})"), "OK") << "with what was stored";
 }
 
-TEST_F(LockTest, LetsAProjectBeMadeWhereThereIsNoStoreAndLocksItOnceItIsStored) {
-    Send("Create", "P");
-    EXPECT_FALSE(std::filesystem::exists(LockOf("P")));
-    std::filesystem::create_directory(LockOf("P").parent_path());
+TEST_F(LockTest, RefusesAProjectThatAnotherServerMadeFirstAlsoInANewStore) {
+    // The lock of the first project of a store is there before anything is stored.
+    EXPECT_EQ(Send("Create", "P"), "OK");
+    vorn::FileLock other;
+    std::string holder;
+    EXPECT_EQ(other.Take(LockOf("P").string(), "another one", holder), vorn::LockResult::Held);
+    TakeElsewhere(other, "Q");
+    const std::string faults = FaultsOf([] {
+        ExpectReplies({{"Create", "q", "", "Shibai"},
+                       {"PjtSent", "Q", Document, "项目名称找不到(project Char error)"}});
+    });
+    EXPECT_EQ(faults, "store: Q is open in another server, another one\n");
+}
+
+TEST_F(LockTest, LocksAProjectAtItsFirstStoreWhereThatCouldNotBeBefore) {
+    std::ofstream(folder_.Projects()) << "a file in the way of the store";
+    EXPECT_EQ(Send("Create", "P"), "OK");
+    std::filesystem::remove(folder_.Projects());
+    std::filesystem::create_directory(folder_.Projects());
     vorn::FileLock other;
     TakeElsewhere(other, "P");
     const std::string faults = FaultsOf([] { Send("PjtSent", "P", Document); });
     EXPECT_NE(faults.find("P is open in another server"), std::string::npos) << faults;
-    EXPECT_FALSE(std::filesystem::exists(LockOf("P").parent_path() / "P" / "P.json")) << "what is not ours";
+    EXPECT_FALSE(std::filesystem::exists(folder_.Projects() / "P" / "P.json")) << "what is not ours";
     other.Release();
     Send("PjtSent", "P", Document);
     EXPECT_TRUE(std::filesystem::exists(LockOf("P")));
-    EXPECT_TRUE(std::filesystem::exists(LockOf("P").parent_path() / "P" / "P.json"));
+    EXPECT_TRUE(std::filesystem::exists(folder_.Projects() / "P" / "P.json"));
 }
 
 TEST_F(LockTest, PassesOverAFileThatNobodyHolds) {
-    std::filesystem::create_directory(LockOf("P").parent_path());
+    std::filesystem::create_directory(folder_.Projects());
     std::ofstream(LockOf("P")) << "process 1 on a machine that went down";
     EXPECT_EQ(Send("Create", "P"), "OK");
     // A file that cannot be made keeps no project from being opened.

@@ -8,12 +8,11 @@
 #include "include/vorn_server.h"
 #include "service/pipe_message.h"
 #include "service/pipe_service.h"
-#include "standin/plant/step.h"
+#include "standin/plant_step.h"
 #include "standin/simulation.h"
 #include "tests/support/failing_new.h"
 #include "tests/support/service_test.h"
 #include "tests/support/system.h"
-#include "tests/support/working_folder.h"
 #include "transport/http_workers.h"
 
 namespace {
@@ -111,12 +110,9 @@ class MemoryProjectTest : public MemoryTest {
     static void ExpectPipe(const string& project) {
         EXPECT_TRUE(Send("RunValueGet", project + "_pipe 12345678901234567").starts_with(R"([{"Row":0,)"));
     }
-    const string Document = R"({"DeviceInfo":[{"InstanceID":"tank","VornModuleID":26010100000000014},
-        {"InstanceID":"pump","VornModuleID":26010100000000011}],"ConnectionInfo":[{"StartPortID":"1",
+    const string Document = R"({"DeviceInfo":[{"InstanceID":"tank","VornModuleID":2601010000014},
+        {"InstanceID":"pump","VornModuleID":2601010000011}],"ConnectionInfo":[{"StartPortID":"1",
         "StartDeviceInstanceID":"tank","EndDeviceInstanceID":"pump","ConnectionID":"pipe 12345678901234567"}]})";
-
-  private:
-    WorkingFolder folder_;
 };
 
 TEST_F(MemoryProjectTest, LetsACommandFailAndNotTheProject) {
@@ -154,6 +150,22 @@ TEST_F(MemoryProjectTest, LetsACommandFailAndNotTheProject) {
             }
         },
         ExpectWhole);
+}
+
+TEST_F(MemoryProjectTest, KeepsTheProjectUntilADocumentIsReadWhole) {
+    // Each of the connections gets a device, and each of these asks for memory.
+    constexpr int Connections = 100;
+    string document = R"({"ConnectionInfo":[{})";
+    for (int number = 0; number < Connections; ++number)
+        document += R"(,{"ConnectionID":"c)" + std::to_string(number) + "\"}";
+    document += "]}";
+    for (int count = 0; count < Connections; ++count) {
+        FailNew(count);
+        Send("PjtSent", "P", document);
+        EXPECT_TRUE(NewFailed());
+        FailNew(-1);
+        ASSERT_EQ(Send("VarInfoGet", "P_tank").substr(0, 1), "[") << count;
+    }
 }
 
 /// As `MemoryTest`, over a pipe.

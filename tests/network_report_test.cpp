@@ -9,7 +9,6 @@
 #include "network/net_access.h"
 #include "network/topology_report.h"
 #include "tests/support/service_test.h"
-#include "tests/support/working_folder.h"
 
 namespace {
 
@@ -55,9 +54,9 @@ using NetworkReportTest = ServiceTest;
 
 constexpr const char* PlantReport =
     R"({"DeviceNb": 3,"DeviceInfo": [)"
-    R"({"InstanceID": "MOD0","DeviceName": "膨胀水箱","VornModuleID": 26010100000000014,"PositionX": 0.0,"PositionZ": -2.0,"RoomID": 0,"ModelID": ""},)"
+    R"({"InstanceID": "MOD0","DeviceName": "膨胀水箱","VornModuleID": 2601010000014,"PositionX": 0.0,"PositionZ": -2.0,"RoomID": 0,"ModelID": ""},)"
     R"({"InstanceID": "管-\"A\"","DeviceName": "铸铁管道","VornModuleID": 24032022192805856,"PositionX": 1.0,"PositionZ": -2.0,"RoomID": 0,"ModelID": ""},)"
-    R"({"InstanceID": "MOD3","DeviceName": "板式换热器","VornModuleID": 26010100000000013,"PositionX": 1.5,"PositionZ": -2.0,"RoomID": 0,"ModelID": ""}],)"
+    R"({"InstanceID": "MOD3","DeviceName": "板式换热器","VornModuleID": 2601010000013,"PositionX": 1.5,"PositionZ": -2.0,"RoomID": 0,"ModelID": ""}],)"
     R"("NodeNb": 1,"NodeInfo": [{"InstanceID": "NOD0","NodeName": "FLUID","VornModuleID": 3000,"PositionX": 2.5,"PositionZ": 0.0,"RoomID": 0,"ModelID": ""}],)"
     R"("ConnectionNb": 4,"ConnectionInfo": [)"
     R"({"InstanceID": "LNK0","Type": 0,"PageNb": 0,"F_InstanceID": "MOD0","F_PortNb": 1,"S_InstanceID": "MOD2","S_PortNb": 0},)"
@@ -79,7 +78,7 @@ TEST_F(NetworkReportTest, TellsThePlantAndUsesTheAnalysisUp) {
     EXPECT_EQ(std::vector(first, first + 6), loading);
     EXPECT_EQ(Send("NetAccess", "PLANT"),
               "出错啦,此支路号:1不完整,缺少下游链接。尾部的设备和通路,分别是设备(InstanceID) "
-              ":MOD3,通路号:1,设备VornmoduleID:26010100000000013\n");
+              ":MOD3,通路号:1,设备VornmoduleID:2601010000013\n");
     EXPECT_EQ(Packed(Net_InfoToAI(0)), PlantReport);
 
     // Each report analyses afresh, but for one that follows an analysis: that tells of its project, and only
@@ -172,7 +171,6 @@ TEST_F(NetworkReportTest, AsksForTheNameOfATypeOnce) {
 }
 
 TEST_F(NetworkReportTest, VacantModulesHaveNoAisles) {
-    const WorkingFolder folder;
     const auto aisleOf = [](int module) { return ModulePortInfo(0, module, 0, 5).AisleNb; };
     PlantMake();
     EXPECT_EQ(aisleOf(0), -1);  // an end port

@@ -79,7 +79,7 @@ TEST_F(NetworkTest, VerdictTexts) {
     EXPECT_EQ(TextOf({NetWithoutPressure, -1, 3}),
               "出错啦,此节点(InstanceID)所在管网缺少定压装置:NOD3,节点VornmoduleID:3002\n");
     EXPECT_EQ(TextOf({RowNotConsumed, -1, 1, 7}),
-              "出错啦,此设备(InstanceID):MOD1中,通路号:7所在支路不完整,设备VornmoduleID:26010100000000013\n");
+              "出错啦,此设备(InstanceID):MOD1中,通路号:7所在支路不完整,设备VornmoduleID:2601010000013\n");
 }
 
 TEST_F(NetworkTest, PassesBoundChainsAgainstFlowOrder) {

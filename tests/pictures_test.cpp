@@ -10,7 +10,6 @@
 #include "standin/drawing.h"
 #include "tests/support/file_faults.h"
 #include "tests/support/service_test.h"
-#include "tests/support/working_folder.h"
 
 namespace {
 
@@ -19,7 +18,6 @@ using namespace std::string_literals;
 class PicturesTest : public ServiceTest {
   protected:
     PicturesTest() { Send("Create", "P1"); }
-    WorkingFolder folder_;
 };
 
 bool Holds(const std::string& text, const std::string& part) {
@@ -58,7 +56,7 @@ TEST_F(PicturesTest, RepliesAreTheFileUpToItsFirstZeroByte) {
 TEST_F(PicturesTest, FilesAreReplacedWholeAndReadUpToALimit) {
     const std::string path = (folder_.Projects() / "F").string();
     std::error_code fault;
-    EXPECT_FALSE(vorn::FileReplace(path, "no folder", fault));
+    EXPECT_FALSE(vorn::FileReplace(path + "/F", "no folder", fault));
     std::filesystem::create_directories(folder_.Projects() / "G" / "full");
     EXPECT_TRUE(vorn::FileReplace(path, "old, and longer", fault) &&
                 vorn::FileReplace(path, "new\0"s, fault));

@@ -33,8 +33,8 @@ const string NotText = "的格式错误,应该是string";
 TEST_F(PlacementTest, TellsTheFailureThatCounts) {
     for (const char* messages :
          {"", "no json", "[]", R"({"VornModuleID":1})", R"({"VornModuleID":1,"PageNb":"x"})",
-          R"({"VornModuleID":"26010100000000012","DeviceName":"阀门"})",
-          R"({"VornModuleID":26010100000000012.0,"DeviceName":"阀门"})"}) {
+          R"({"VornModuleID":"2601010000012","DeviceName":"阀门"})",
+          R"({"VornModuleID":2601010000012.0,"DeviceName":"阀门"})"}) {
         EXPECT_EQ(Send("AddModule", "P", messages), ModuleNotFound) << messages;
     }
     EXPECT_EQ(Send("AddNode", "P", "no json"), NodeNotFound);
@@ -50,10 +50,10 @@ TEST_F(PlacementTest, TellsTheFailureThatCounts) {
         {"AddModule", "P", Valve(R"(,"PositionZ":true)"), "PositionZ" + NotDouble},
         {"AddModule", "P", Valve(R"(,"ModelID":1)"), "ModelID" + NotText},
         {"AddModule", "P", Valve(R"(,"RoomID":1,"ModelID":1,"PageNb":"x")"), "RoomID" + NotText},
-        {"AddModule", "P", R"({"VornModuleID":26010100000000012,"DeviceName":5,"RoomID":5})",
+        {"AddModule", "P", R"({"VornModuleID":2601010000012,"DeviceName":5,"RoomID":5})",
          "DeviceName" + NotText},
-        {"AddModule", "P", R"({"VornModuleID":26010100000000012})", ModuleName},
-        {"AddModule", "P", R"({"VornModuleID":26010100000000012,"DeviceName":"水泵"})", ModuleName},
+        {"AddModule", "P", R"({"VornModuleID":2601010000012})", ModuleName},
+        {"AddModule", "P", R"({"VornModuleID":2601010000012,"DeviceName":"水泵"})", ModuleName},
         {"AddNode", "P", R"({"VornModuleID":3001,"NodeName":"info"})", NodeName},
         {"AddNode", "P", R"({"VornModuleID":3001})", NodeName},
         {"AddNode", "P", Fluid(R"(,"PageNb":null)"), NotInt},
@@ -72,7 +72,7 @@ TEST_F(PlacementTest, TakesADeviceNameInUtf8OrInTheSystemCodePage) {
     const string raw = ModuleNameGet(12);
     EXPECT_EQ(raw, "\xB7\xA7\xC3\xC5");
     EXPECT_EQ(Send("AddModule", "P", Valve()), "MOD0");
-    EXPECT_EQ(Send("AddModule", "P", R"({"VornModuleID":26010100000000012,"DeviceName":")" + raw + "\"}"),
+    EXPECT_EQ(Send("AddModule", "P", R"({"VornModuleID":2601010000012,"DeviceName":")" + raw + "\"}"),
               "MOD1");
     EXPECT_STREQ(vorn::AnsiToUtf8((raw + "\xFF").c_str()), "阀门\uFFFD");
 }
@@ -93,7 +93,7 @@ TEST_F(PlacementTest, TellsOfAFullTableAndOfARefusal) {
 
 TEST_F(PlacementTest, PlacesOnTheGridInTheGivenOrder) {
     ExpectExchange("AddModule", "P_x", Valve(R"(,"PageNb":2,"PositionX":1.99,"PositionZ":-3)"), "MOD0",
-                   R"(NameParsing_ModNod("P_x"); ProjectModuleNbCheck(0); ModuleOneID_ToID(26010100000000012);
+                   R"(NameParsing_ModNod("P_x"); ProjectModuleNbCheck(0); ModuleOneID_ToID(2601010000012);
         ModuleNameGet(12); GuiRef_Get(0); ProjectNameGet(0); ProjectAddModule("P",0,12,2,99,-150);
         Pipe_PjtRef(0); sleep 300; ModuleInstanceIDSet(0,0,"MOD0");)");
     ExpectExchange("AddNode", "P", Fluid(R"(,"PositionX":3.0,"PositionZ":-0.01)"), "NOD0",

@@ -145,6 +145,18 @@ TEST_F(StoreTest, KeepsADamagedFileAndTheProjectThatReplacesIt) {
     EXPECT_EQ(ProjectFind(0)->nodes.rows.size(), 2U);
 }
 
+TEST_F(StoreTest, ReadsNoFileAgainThatLooksAsItWasLeft) {
+    Send("Create", "P");
+    Send("PjtSent", "P", Nodes(2));
+    std::string other = Read(FileOf("P"));
+    other[other.size() / 2] ^= 1;
+    const auto written = fs::last_write_time(FileOf("P"));
+    Write(FileOf("P"), other);
+    fs::last_write_time(FileOf("P"), written);
+    Send("PjtSent", "P", Nodes(2));
+    EXPECT_EQ(FilesOf("P"), "P.json ") << "nothing was found damaged";
+}
+
 TEST_F(StoreTest, RefusesContentThatDoesNotFit) {
     Send("Create", "P");
     ModuleAdd(*ProjectFind(0), 0, 0, 0, 1, 2);

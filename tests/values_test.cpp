@@ -196,7 +196,7 @@ TEST_F(ValuesTest, ReportsThePerformance) {
                R"~((摄氏度)\n蒸发温度:-10.000000(摄氏度)"})~";
     };
     EXPECT_EQ(Send("PjtCerGet", "P"), report(NoVariable));
-    ProjectAddModule("P", 145, ModuleOneID_ToID(26010100000000022), 0, 0, 0);
+    ProjectAddModule("P", 145, ModuleOneID_ToID(2601010000022), 0, 0, 0);
     Send("Set", "P_MOD145_BKT_TEMP", "-18.5");
     EXPECT_EQ(Send("PjtCerGet", "P"), report("-18.500000"));
 

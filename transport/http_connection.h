@@ -2,52 +2,69 @@
 
 #pragma once
 
-#include <httplib.h>
-
 #include <array>
+#include <chrono>
 #include <cstddef>
+#include <string>
+
+#include "transport/chunk_check.h"
+#include "transport/http_head.h"
+#include "transport/http_rules.h"
+#include "transport/httplib_compat.h"
 
 namespace vorn {
 
-/// Hides each request's `Range` header from the library, which would refuse a request for a malformed one and
-/// cut the reply by a good one; nothing here deals in parts of a reply. Keeps what came behind a
-/// request for the next one.
+/// Gathers the head of each request and looks at it before the library reads it, gives the library the bytes
+/// of that request and no others, and sends a small reply in one piece. Not for several threads.
 class HttpConnection : public httplib::Stream {
   public:
-    /// How long one read or write may wait.
-    HttpConnection(socket_t socket, int readMilliseconds, int writeMilliseconds)
-        : socket_(socket), readMilliseconds_(readMilliseconds), writeMilliseconds_(writeMilliseconds) {}
+    /// The socket and the rules stay the caller's.
+    HttpConnection(socket_t socket, const HttpRules& rules);
 
-    /// Waits for the next request; false when none began in that time.
-    bool AwaitRequest(int milliseconds);
-    /// The library has read the head of the request: what comes now is passed on as it is.
-    void HeadEnded() { inHead_ = false; }
+    /// Waits for the next request and gathers its head. False when the connection is at its end: none came,
+    /// or one came that was refused, and its client has its answer.
+    bool TakeHead();
+    /// Sends what of the reply was kept back; false when it could not be sent.
+    bool Flush();
+    /// The request's body was read whole, so that what follows is another request.
+    bool BodyTaken() const { return chunked_ ? chunks_.Done() : bodyLeft_ == 0; }
     /// Bytes that went either way since the request began.
     std::size_t MovedBytes() const { return movedBytes_; }
+    const HttpAddresses& Ends() const { return ends_; }
 
-    bool is_readable() const override;
+    bool is_readable() const override { return true; }
     bool is_writable() const override { return true; }
     ssize_t read(char* bytes, std::size_t size) override;
     ssize_t write(const char* bytes, std::size_t size) override;
-    // The library asks for addresses to tell the handlers, which read none.
-    void get_remote_ip_and_port(std::string& /*ip*/, int& /*port*/) const override {}
-    void get_local_ip_and_port(std::string& /*ip*/, int& /*port*/) const override {}
+    void get_remote_ip_and_port(std::string& ip, int& port) const override;
+    void get_local_ip_and_port(std::string& ip, int& port) const override;
     socket_t socket() const override { return socket_; }
 
   private:
-    ssize_t Fill();
-    void HideRange(char& byte);
+    using Clock = std::chrono::steady_clock;
+
+    int GatherHead();
+    ssize_t Fill(int milliseconds);
+    void LimitTime(int milliseconds);
+    int WaitMilliseconds() const;
+    std::size_t OfBody(const char* bytes, std::size_t size);
+    void Refuse(int status);
 
     socket_t socket_;
-    int readMilliseconds_;
-    int writeMilliseconds_;
-    std::array<char, 16384> buffer_{};
+    const HttpRules& rules_;
+    HttpAddresses ends_;
+    std::array<char, HeadBytesAtMost> buffer_{};
     std::size_t begin_ = 0;  ///< of what is in the buffer and was not yet read
     std::size_t end_ = 0;
+    std::size_t headEnd_ = 0;  ///< where in the buffer the head ends; 0 when it has been read
+    std::array<char, 16384> reply_{};
+    std::size_t replyBytes_ = 0;  ///< of the reply, not yet sent
     std::size_t movedBytes_ = 0;
-    bool inHead_ = false;
-    /// Bytes of the line that are those of the header's name; its length in what follows and in other lines.
-    std::size_t matched_ = 0;
+    bool timed_ = false;  ///< what comes now must have come by `until_`
+    Clock::time_point until_{};
+    bool chunked_ = false;
+    std::uint64_t bodyLeft_ = 0;  ///< of a body that is not chunked
+    ChunkCheck chunks_{};
 };
 
 }  // namespace vorn

@@ -1,65 +1,26 @@
 #include "transport/http_server.h"
 
-#include <exception>
+#include <utility>
 
 #include "platform/listen_socket.h"
-#include "platform/memory.h"
-#include "platform/stream_socket.h"
-#include "transport/http_workers.h"
 
 namespace vorn {
 
-namespace {
-
-/// This thread's request has a body that was not read whole: what follows it on the connection is no request.
-thread_local bool bodyLeft = false;
-
-int Milliseconds(time_t seconds) {
-    return static_cast<int>(seconds * 1000);
+HttpServer::HttpServer(HttpRules rules) : rules_(std::move(rules)) {
+    set_socket_options([this](socket_t socket) {
+        listening_ = socket;
+        ListenSocketOptions(static_cast<std::intptr_t>(socket));
+    });
+    set_pre_routing_handler([this](const httplib::Request& request, httplib::Response& response) {
+        return Admits(request, response) ? HandlerResponse::Unhandled : HandlerResponse::Handled;
+    });
+    Prepare();
 }
 
-}  // namespace
-
-HttpServer::HttpServer() {
-    new_task_queue = [] { return new HttpWorkers; };
-    set_socket_options([](socket_t socket) { ListenSocketOptions(static_cast<std::intptr_t>(socket)); });
-}
-
-bool HttpServer::HasBody(const httplib::Request& request) {
-    return request.has_header("Content-Length") || request.has_header("Transfer-Encoding");
-}
-
-void HttpServer::BodyTaken() {
-    bodyLeft = false;
-}
-
-bool HttpServer::process_and_close_socket(socket_t socket) {
-    HttpConnection connection(socket, Milliseconds(read_timeout_sec_), Milliseconds(write_timeout_sec_));
-    try {
-        for (std::size_t left = keep_alive_max_count_; left > 0; --left) {
-            if (!connection.AwaitRequest(Milliseconds(keep_alive_timeout_sec_))) break;
-            const bool goesOn = Serve(connection, left == 1);
-            MemoryGiveBack(connection.MovedBytes());
-            if (!goesOn) break;
-        }
-    } catch (const std::exception&) {
-        MemoryGiveBack(LargeBytes);  // there was not memory enough
-    }
-    SocketEnd(static_cast<std::intptr_t>(socket));
+bool HttpServer::Bind(const std::string& host, int port) {
+    if (!bind_to_port(host, port, AI_PASSIVE)) return false;
+    ListenLonger(static_cast<std::intptr_t>(listening_));
     return true;
-}
-
-/// True when the connection may bring another request.
-bool HttpServer::Serve(HttpConnection& connection, bool last) {
-    bool closes = false;
-    bodyLeft = true;
-    const auto headRead = [&connection](httplib::Request& request) {
-        connection.HeadEnded();
-        bodyLeft = HasBody(request);
-        // Replies go out as they are: to pack a large one takes the library seconds for each megabyte.
-        request.headers.erase("Accept-Encoding");
-    };
-    return process_request(connection, last, closes, headRead) && !closes && !bodyLeft;
 }
 
 }  // namespace vorn

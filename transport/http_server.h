@@ -1,27 +1,40 @@
-// An HTTP server: the HTTP library's, where it would end the process or hold a worker for long.
+// An HTTP server: the HTTP library's, with a bounded door before it.
 
 #pragma once
 
-#include <httplib.h>
+#include <string>
 
-#include "transport/http_connection.h"
+#include "transport/http_rules.h"
+#include "transport/httplib_compat.h"
 
 namespace vorn {
 
-/// Lets a client go where the library, out of memory, would end the process, and gives back what large
-/// requests took. Sends replies whole and as they are, whatever `Range` and `Accept-Encoding` say. Ends a
-/// connection behind a request whose body was left in it.
-class HttpServer : public httplib::Server {
+#if !VORN_HTTPLIB_PUBLIC_ONLY
+class HttpConnection;
+#endif
+
+/// Refuses a request whose end is in doubt, or whose body is packed, before anything of it is run, and ends
+/// the connection (`transport/http_head.h`). Sends replies whole and as they are, whatever `Range` and
+/// `Accept-Encoding` say. Ends a connection behind a request whose body was left in it. Lets a client go
+/// where the library, out of memory, would end the process, and gives back what large requests took.
+class HttpServer : public LibraryServer {
   public:
-    HttpServer();
-    /// A request that names no length has no body; the library would wait for one until the connection ends.
-    static bool HasBody(const httplib::Request& request);
-    /// Called by a handler that has got its request's body whole.
-    static void BodyTaken();
+    explicit HttpServer(HttpRules rules = {});
+    /// Takes the port; `listen_after_bind` then serves it. False when it is not free: an object that has
+    /// failed takes no further port, so that each is tried with a fresh one.
+    bool Bind(const std::string& host, int port);
 
   private:
-    bool process_and_close_socket(socket_t socket) override;
+    /// What depends on how much of the library is used.
+    void Prepare();
+    bool Admits(const httplib::Request& request, httplib::Response& response) const;
+#if !VORN_HTTPLIB_PUBLIC_ONLY
+    void ServeConnection(socket_t socket) override;
     bool Serve(HttpConnection& connection, bool last);
+#endif
+
+    HttpRules rules_;
+    socket_t listening_{};
 };
 
 }  // namespace vorn

@@ -19,7 +19,7 @@ HttpWorkers::HttpWorkers() {
     while (threads_.size() < CPPHTTPLIB_THREAD_POOL_COUNT && (Start() || threads_.empty())) continue;
 }
 
-void HttpWorkers::enqueue(std::function<void()> work) {
+void HttpWorkers::Enqueue(std::function<void()> work) {
     for (bool queued = false; !queued;) queued = Push(work);
     came_.notify_one();
 }

@@ -2,8 +2,6 @@
 
 #pragma once
 
-#include <httplib.h>
-
 #include <condition_variable>
 #include <functional>
 #include <list>
@@ -11,17 +9,19 @@
 #include <thread>
 #include <vector>
 
+#include "transport/httplib_compat.h"
+
 namespace vorn {
 
 /// The library's pool of workers, which it would end the process for where there is no memory: a connection
 /// waits until there is, and a worker that could not be started is done without. As many as the library's.
-class HttpWorkers : public httplib::TaskQueue {
+class HttpWorkers : public LibraryQueue {
   public:
     HttpWorkers();
-    void enqueue(std::function<void()> work) override;
     void shutdown() override;
 
   private:
+    void Enqueue(std::function<void()> work) override;
     bool Start();
     bool Push(const std::function<void()>& work);
     void Work();

@@ -14,4 +14,8 @@ void ListenSocketOptions(std::intptr_t socket) {
     setsockopt(static_cast<int>(socket), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
 }
 
+void ListenLonger(std::intptr_t socket) {
+    listen(static_cast<int>(socket), SOMAXCONN);
+}
+
 }  // namespace vorn

@@ -20,6 +20,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace vorn {
@@ -46,6 +47,9 @@ constexpr milliseconds SilenceBetweenPieces{250};
 constexpr int ClientHolds = 10;
 /// How long a client waits for a place in the queue.
 constexpr milliseconds QueueWait{100};
+/// A client at work reads its reply within this time. Then come rests between the looks at what it has not
+/// read yet, the first one as long and each further one twice as long.
+constexpr std::chrono::microseconds FirstRest{50};
 /// Rests between two tries of what the system refuses for the moment.
 constexpr milliseconds RefusedRest{100};
 
@@ -59,9 +63,12 @@ milliseconds Hold() {
 bool PollFor(int connection, short events, Clock::duration atMost) {
     const auto end = Clock::now() + atMost;
     for (;;) {
-        const auto left = std::chrono::ceil<milliseconds>(end - Clock::now());
+        const auto left = std::max<Clock::duration>(end - Clock::now(), Clock::duration::zero());
+        const auto whole = std::chrono::floor<std::chrono::seconds>(left);
+        const timespec wait{.tv_sec = whole.count(),
+                            .tv_nsec = std::chrono::nanoseconds(left - whole).count()};
         pollfd waited{.fd = connection, .events = events, .revents = 0};
-        const int ready = poll(&waited, 1, static_cast<int>(std::max<milliseconds::rep>(left.count(), 0)));
+        const int ready = ppoll(&waited, 1, &wait, nullptr);
         if (ready > 0) return true;
         if (ready == 0 || errno != EINTR) return false;
     }
@@ -163,6 +170,12 @@ Clock::duration ReplyTime(std::size_t bytes) {
     return std::chrono::duration_cast<Clock::duration>(holds * Hold());
 }
 
+/// Whether the other side has not read all that was sent to it and is still there.
+bool Unread(int connection) {
+    int bytes = 0;
+    return ioctl(connection, SIOCOUTQ, &bytes) == 0 && bytes > 0;
+}
+
 /// What no longer is needed of a large request is given back.
 void ForgetRequest(NamedPipe& pipe) {
     std::string().swap(pipe.request);  // an assignment would keep the room
@@ -245,15 +258,18 @@ void FlushFileBuffers(NamedPipe* pipe) {
     // are gone, too, when the client is.
     shutdown(pipe->connection, SHUT_WR);
     bool hungUp = false;
-    for (milliseconds step{1}; !TimeIsUp(*pipe); step = std::min(step * 2, Silence)) {
-        int unread = 0;
-        if (ioctl(pipe->connection, SIOCOUTQ, &unread) != 0 || unread == 0) return;
+    Clock::duration rest = FirstRest;
+    for (const auto start = Clock::now(); !TimeIsUp(*pipe) && Unread(pipe->connection);) {
         if (!hungUp) {
-            hungUp = Await(*pipe, 0, step);
+            hungUp = Await(*pipe, 0, rest);
+        } else if (Clock::now() - start < FirstRest) {
+            std::this_thread::yield();
+            continue;
         } else {
-            poll(nullptr, 0, static_cast<int>(step.count()));
-            pipe->left -= step;
+            std::this_thread::sleep_for(rest);
+            pipe->left -= rest;
         }
+        rest = std::min<Clock::duration>(rest * 2, Silence);
     }
 }
 

@@ -6,6 +6,7 @@
 namespace vorn {
 
 void SleepMilliseconds(int milliseconds) {
+    SleepCount(milliseconds);
     std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
 }
 

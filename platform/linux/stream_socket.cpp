@@ -1,5 +1,7 @@
 #include "platform/stream_socket.h"
 
+#include <arpa/inet.h>
+#include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -17,6 +19,22 @@ bool PollFor(std::intptr_t socket, short events, int milliseconds) {
         ready = poll(&waited, 1, milliseconds);
     } while (ready < 0 && errno == EINTR);
     return ready > 0;
+}
+
+/// Asks the system for one end of a connection by `ask`.
+template <class Ask>
+void EndpointRead(int socket, Ask ask, SocketEndpoint end) {
+    sockaddr_storage address{};
+    socklen_t size = sizeof address;
+    if (ask(socket, reinterpret_cast<sockaddr*>(&address), &size) != 0) return;
+    const bool six = address.ss_family == AF_INET6;
+    const auto* const ipv4 = reinterpret_cast<const sockaddr_in*>(&address);
+    const auto* const ipv6 = reinterpret_cast<const sockaddr_in6*>(&address);
+    char text[INET6_ADDRSTRLEN] = {};
+    const void* const number = six ? static_cast<const void*>(&ipv6->sin6_addr) : &ipv4->sin_addr;
+    if (inet_ntop(address.ss_family, number, text, sizeof text) == nullptr) return;
+    end.ip = text;
+    end.port = ntohs(six ? ipv6->sin6_port : ipv4->sin_port);
 }
 
 }  // namespace
@@ -37,12 +55,17 @@ std::ptrdiff_t SocketWrite(std::intptr_t socket, const char* bytes, std::size_t 
     }
 }
 
-void SocketEnd(std::intptr_t socket) {
-    const int connection = static_cast<int>(socket);
-    shutdown(connection, SHUT_WR);
-    char rest[4096];
-    while (recv(connection, rest, sizeof rest, MSG_DONTWAIT) > 0) continue;
-    close(connection);
+void SocketEndSending(std::intptr_t socket) {
+    shutdown(static_cast<int>(socket), SHUT_WR);
+}
+
+void SocketClose(std::intptr_t socket) {
+    close(static_cast<int>(socket));
+}
+
+void SocketEnds(std::intptr_t socket, SocketEndpoint remote, SocketEndpoint local) {
+    EndpointRead(static_cast<int>(socket), getpeername, remote);
+    EndpointRead(static_cast<int>(socket), getsockname, local);
 }
 
 }  // namespace vorn

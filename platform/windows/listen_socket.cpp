@@ -13,4 +13,8 @@ void ListenSocketOptions(std::intptr_t socket) {
     setsockopt(static_cast<SOCKET>(socket), IPPROTO_TCP, TCP_NODELAY, value, sizeof on);
 }
 
+void ListenLonger(std::intptr_t socket) {
+    listen(static_cast<SOCKET>(socket), SOMAXCONN);
+}
+
 }  // namespace vorn

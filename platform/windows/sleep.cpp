@@ -17,6 +17,7 @@ constexpr unsigned FineTickMilliseconds = 1;
 
 void SleepMilliseconds(int milliseconds) {
     if (milliseconds <= 0) return;
+    SleepCount(milliseconds);
     const bool fine = milliseconds < LongRestMilliseconds;
     if (fine) timeBeginPeriod(FineTickMilliseconds);
     Sleep(static_cast<DWORD>(milliseconds));

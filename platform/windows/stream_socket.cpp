@@ -1,6 +1,7 @@
 #include "platform/stream_socket.h"
 
 #include <winsock2.h>
+#include <ws2tcpip.h>
 
 #include <algorithm>
 #include <climits>
@@ -18,6 +19,22 @@ bool PollFor(std::intptr_t socket, short events, int milliseconds) {
 void WaitNever(SOCKET socket) {
     u_long on = 1;
     ioctlsocket(socket, static_cast<long>(FIONBIO), &on);
+}
+
+/// Asks the system for one end of a connection by `ask`.
+template <class Ask>
+void EndpointRead(SOCKET socket, Ask ask, SocketEndpoint end) {
+    sockaddr_storage address{};
+    int size = sizeof address;
+    if (ask(socket, reinterpret_cast<sockaddr*>(&address), &size) != 0) return;
+    const bool six = address.ss_family == AF_INET6;
+    const auto* const ipv4 = reinterpret_cast<const sockaddr_in*>(&address);
+    const auto* const ipv6 = reinterpret_cast<const sockaddr_in6*>(&address);
+    char text[INET6_ADDRSTRLEN] = {};
+    const void* const number = six ? static_cast<const void*>(&ipv6->sin6_addr) : &ipv4->sin_addr;
+    if (inet_ntop(address.ss_family, number, text, sizeof text) == nullptr) return;
+    end.ip = text;
+    end.port = ntohs(six ? ipv6->sin6_port : ipv4->sin_port);
 }
 
 int Bounded(std::size_t size) {
@@ -46,13 +63,17 @@ std::ptrdiff_t SocketWrite(std::intptr_t socket, const char* bytes, std::size_t 
     }
 }
 
-void SocketEnd(std::intptr_t socket) {
-    const auto connection = static_cast<SOCKET>(socket);
-    shutdown(connection, SD_SEND);
-    WaitNever(connection);
-    char rest[4096];
-    while (recv(connection, rest, sizeof rest, 0) > 0) continue;
-    closesocket(connection);
+void SocketEndSending(std::intptr_t socket) {
+    shutdown(static_cast<SOCKET>(socket), SD_SEND);
+}
+
+void SocketClose(std::intptr_t socket) {
+    closesocket(static_cast<SOCKET>(socket));
+}
+
+void SocketEnds(std::intptr_t socket, SocketEndpoint remote, SocketEndpoint local) {
+    EndpointRead(static_cast<SOCKET>(socket), getpeername, remote);
+    EndpointRead(static_cast<SOCKET>(socket), getsockname, local);
 }
 
 }  // namespace vorn

@@ -4,8 +4,8 @@
 
 #include <cstdlib>
 
+#include "platform/notice.h"
 #include "platform/visible.h"
-#include "standin/notice.h"
 
 namespace standin {
 
@@ -13,7 +13,7 @@ namespace standin {
 void TraceLine(std::string line) {
     static const bool watched = std::getenv("VORN_ENGINE_TRACE") != nullptr;
     if (watched) {
-        Notice("engine: " + vorn::Visible(line));
+        vorn::Notice(vorn::NoticeKind::Trace, "engine: " + vorn::Visible(line));
     } else {
         traced = false;
     }

@@ -13,7 +13,7 @@
 #include "service/dispatcher.h"
 #include "service/service_locks.h"
 #include "standin/levers/levers.h"
-#include "tests/support/working_folder.h"
+#include "tests/fuzz/memory_files.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size);
 
@@ -48,9 +48,9 @@ inline std::string Ask(const std::string& command, const std::string& name,
     return reply;
 }
 
-/// An engine without projects, in a folder of the program's own that is empty at its start.
+/// An engine without projects, open or stored.
 inline void BeginFresh() {
-    static const WorkingFolder folder;
+    FilesForget();
     standin::EngineReset();
     standin::SimulationKeepOff(true);
 }
@@ -60,7 +60,7 @@ inline void BeginWithProject() {
     BeginFresh();
     Ask("Create", "P");
     Ask("PjtSent", "P",
-        R"({"DeviceInfo":[{"InstanceID":"a","DeviceID":26010100000000012},{"InstanceID":"n","DeviceID":3000,)"
+        R"({"DeviceInfo":[{"InstanceID":"a","DeviceID":2601010000012},{"InstanceID":"n","DeviceID":3000,)"
         R"("FluidType":0},{"InstanceID":"r","DeviceID":25092208120526336}],"ConnectionInfo":[{"ConnectionID":)"
         R"("c","StartDeviceInstanceID":"a","StartPortID":"1","EndDeviceInstanceID":"n","EndPortID":"0"}]})");
 }

@@ -20,7 +20,7 @@
 #include "tests/support/host_process.h"
 #include "tests/support/linux/locale_files.h"
 #include "tests/support/service_test.h"
-#include "transport/line_queue.h"
+#include "platform/line_queue.h"
 
 namespace {
 
@@ -158,7 +158,7 @@ TEST(HostThreadsTest, TakesTheCodePageOfTheUsersLanguage) {
         host.Ask("Create", "P");
         const auto valve = host.Client().Post(
             "/api",
-            R"({"command":"AddModule","name":"P","messages":{"VornModuleID":26010100000000012,"DeviceName":")"
+            R"({"command":"AddModule","name":"P","messages":{"VornModuleID":2601010000012,"DeviceName":")"
             "\xB7\xA7\xC3\xC5\"}}",
             "application/json");
         EXPECT_TRUE(valve && valve->body == "MOD0") << valve->body;

@@ -42,6 +42,14 @@ TEST_F(PipeThreadsTest, AnswersTwoHundredClientsInTurn) {
         EXPECT_EQ(clients[client]->Receive(), client % 3 == 1 ? "1" : "0");
 }
 
+TEST_F(PipeThreadsTest, TakesInNoMoreThanARequestMayHold) {
+    // The pipe itself, without the service behind it, which has the same bound.
+    std::thread server([] { EXPECT_FALSE(vorn::ConnectNamedPipe(vorn::PipeHandle)); });
+    const RawClient client(name_);
+    EXPECT_FALSE(client.Send(string(2 * vorn::PipeRequestBytesAtMost, 'x')));
+    server.join();
+}
+
 TEST_F(PipeThreadsTest, KeepsToItsOwnUser) {
     if (geteuid() != 0) GTEST_SKIP() << "needs root, to become another user";
     Serve(3);

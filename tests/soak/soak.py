@@ -168,7 +168,7 @@ class Client:
         name = "D" + self.project
         self.say("Create", name, "", "OK")
         self.say("Fdp", name, "", "1")
-        self.say("AddModule", name, '{"VornModuleID":26010100000000014,"DeviceName":"膨胀水箱"}', "MOD0")
+        self.say("AddModule", name, '{"VornModuleID":2601010000014,"DeviceName":"膨胀水箱"}', "MOD0")
         self.say("AddNode", name, '{"VornModuleID":3000,"NodeName":"FLUID"}', "NOD0")
         self.say("AddLink", name, '{"F_InstanceID":"MOD0","F_PortNb":1,"S_InstanceID":"NOD0"}',
                  "OK,但是新增了一个模块、链接了两条线:MOD1、LNK0、LNK1")

@@ -14,6 +14,7 @@
 #include "standin/levers/levers.h"
 #include "standin/levers/trace_record.h"
 #include "tests/support/trace_sleep.h"
+#include "tests/support/working_folder.h"
 
 /// The reply to one request.
 inline std::string Send(const std::string& command, const std::string& name,
@@ -81,14 +82,14 @@ inline constexpr const char* NoVariable = "none varname 找不到变量名称";
 /// What places a valve (type 12, ports 0 in and 1 out), a room (type 7) or a node of kind FLUID, with further
 /// members.
 inline std::string Valve(const std::string& more = "") {
-    return R"({"VornModuleID":26010100000000012,"DeviceName":"阀门")" + more + "}";
+    return R"({"VornModuleID":2601010000012,"DeviceName":"阀门")" + more + "}";
 }
 inline constexpr const char* Room = R"({"VornModuleID":25092208120526336,"DeviceName":"房间"})";
 inline std::string Fluid(const std::string& more = "") {
     return R"({"VornModuleID":3000,"NodeName":"FLUID")" + more + "}";
 }
 
-/// Each test begins with no open project and an engine that refuses nothing.
+/// Each test begins with no open project, an engine that refuses nothing and a folder of its own.
 class ServiceTest : public testing::Test {
   protected:
     ServiceTest() { standin::EngineReset(); }
@@ -96,4 +97,5 @@ class ServiceTest : public testing::Test {
         AtSleep({});
         standin::EngineReset();
     }
+    WorkingFolder folder_;
 };

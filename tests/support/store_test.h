@@ -11,7 +11,6 @@
 #include "standin/project.h"
 #include "standin/project_json.h"
 #include "tests/support/service_test.h"
-#include "tests/support/working_folder.h"
 
 class StoreTest : public ServiceTest {
   protected:
@@ -38,9 +37,6 @@ class StoreTest : public ServiceTest {
         for (const std::string& each : names) text += each + ' ';
         return text;
     }
-
-  private:
-    WorkingFolder folder_;
 };
 
 inline std::string Json(int slot) {

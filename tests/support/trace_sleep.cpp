@@ -23,6 +23,7 @@ void AtSleep(std::function<void(int milliseconds)> run) {
 namespace vorn {
 
 void SleepMilliseconds(int milliseconds) {
+    SleepCount(milliseconds);
     standin::TraceLine("sleep " + std::to_string(milliseconds));
     // The engine draws meanwhile.
     if (milliseconds >= DrawingMilliseconds) standin::DrawingFinish();

@@ -67,7 +67,7 @@ TEST(UserHostThreadsTest, LoadsTheLibraryOnAChinesePath) {
     const string raw = vorn::CodePageFromUtf8("阀门");
     EXPECT_EQ(raw, "\xB7\xA7\xC3\xC5");
     const auto valve = [](const string& name) {
-        return R"({"VornModuleID":26010100000000012,"DeviceName":")" + name + "\"}";
+        return R"({"VornModuleID":2601010000012,"DeviceName":")" + name + "\"}";
     };
     EXPECT_EQ(ask("AddModule", "PLANT1", valve(raw)), "MOD0");
     EXPECT_EQ(ask("AddModule", "PLANT1", valve("阀门")), "MOD1");

@@ -128,6 +128,17 @@ def test_a_connection_that_the_service_ended_is_not_used() -> None:
         assert (server.connections, fake.requests) == (2, 2)
 
 
+def test_a_connection_is_left_before_the_service_ends_it() -> None:
+    # The service ends one that was idle for 5 seconds; at four a request is still sure to arrive.
+    with FakeService([http(b"NOD0"), http(b"")], keep=True) as fake, Server(fake.address) as server:
+        assert place(server.project("PLANT1")) == "NOD0"
+        connection = server._connection
+        assert connection._http is not None
+        for idle, left in ((3.5, False), (4.5, True)):
+            connection._used_at = time.monotonic() - idle
+            assert connection._is_used_up(connection._http) is left
+
+
 def test_half_a_reply_does_not_answer_the_next_request() -> None:
     with FakeService([drip, http(b"7")]) as fake, Server(fake.address, timeout=1) as server:
         with pytest.raises(TimeLimit):

@@ -30,7 +30,13 @@ sockaddr_in LoopbackAddress(int port) {
 bool Connect(int socket, const void* address, std::size_t size, int seconds) {
     const timeval wait{.tv_sec = seconds, .tv_usec = 0};
     setsockopt(socket, SOL_SOCKET, SO_RCVTIMEO, &wait, sizeof wait);
-    return connect(socket, static_cast<const sockaddr*>(address), static_cast<socklen_t>(size)) == 0;
+    const timeval connectWait{.tv_sec = 20, .tv_usec = 0};
+    setsockopt(socket, SOL_SOCKET, SO_SNDTIMEO, &connectWait, sizeof connectWait);
+    const bool connected =
+        connect(socket, static_cast<const sockaddr*>(address), static_cast<socklen_t>(size)) == 0;
+    const timeval forEver{};
+    setsockopt(socket, SOL_SOCKET, SO_SNDTIMEO, &forEver, sizeof forEver);
+    return connected;
 }
 
 bool WriteAll(int descriptor, const std::string& text) {

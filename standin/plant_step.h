@@ -7,11 +7,10 @@
 #include <memory>
 #include <mutex>
 
+#include "standin/plant/plant.h"
 #include "standin/project.h"
 
 namespace standin {
-
-class Plant;
 
 /// Between two steps of a project that runs.
 inline constexpr double StepSeconds = 0.1;
@@ -22,9 +21,8 @@ struct PlantKept {
     std::mutex stepping;          ///< held through a step
     std::uint64_t structure = 0;  ///< the project's, which `plant` was made from
     std::uint64_t run = 0;        ///< the project's, which `plant` was made for
+    PlantRows rows;               ///< that `plant` was made from
     std::unique_ptr<Plant> plant;
-    PlantKept();
-    ~PlantKept();
 };
 
 /// Why a step is made: the project runs, or a client asked for it, whatever the flags.

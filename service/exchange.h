@@ -1,0 +1,19 @@
+// One exchange: a request of any way in, dispatched, and recorded where somebody observes.
+
+#pragma once
+
+#include <string>
+
+#include "service/caller.h"
+
+namespace vorn {
+
+/// Dispatches one request as `ServerDispatch` does and sets `reply`. `DispatchLock` is taken around the
+/// dispatch. Lets no exception of the record out.
+void ExchangeRun(const Caller& caller, const std::string& midHeader, const std::string& midData,
+                 const std::string& midValue, std::string& reply);
+
+/// Records a request that was answered without a dispatch; `text` is what came.
+void ExchangeRefused(const Caller& caller, const std::string& text, const std::string& reply);
+
+}  // namespace vorn
