@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """Writes what is made from the description: `schemas/envelope.schema.json`, `openapi.json`, the pages of
-`docs/reference/`, and two files of the Python client.
+`docs/reference/`, and three files of the Python client.
 
 usage: generate.py [--check]
 
@@ -18,6 +18,7 @@ sys.path.insert(0, str(Path(__file__).resolve().parents[1]))
 from api.description import API, REPOSITORY, Description, load  # noqa: E402
 from api.envelope import envelope_schema  # noqa: E402
 from api.openapi import openapi_document  # noqa: E402
+from api.python_async import async_client  # noqa: E402
 from api.python_client import client_data, client_methods  # noqa: E402
 from api.reference import reference_pages  # noqa: E402
 
@@ -31,7 +32,9 @@ def made_from(description: Description) -> dict[Path, str]:
         files[REPOSITORY / "docs/reference" / name] = page.rstrip("\n") + "\n"
     client = REPOSITORY / "clients/python/vornserver"
     files[client / "interface.json"] = client_data(description)
-    files[client / "commands.py"] = client_methods(description)
+    methods = client_methods(description)
+    files[client / "commands.py"] = methods
+    files[client / "aio.py"] = async_client(methods)
     return files
 
 

@@ -62,10 +62,10 @@ def _messages(command: Json) -> Json:
 
 def _name(description: Description, command: Json) -> Json:
     target: Json = description.interface["targets"][command["target"]]
-    told: Json = {"type": "string", "description": target["text"]}
+    text: Json = {"type": "string", "description": target["text"]}
     if command["target"] == "batch":
-        return {**told, "const": "json"}
-    return {**told, "not": {"const": "json"}} if command["target"] == "variable" else told
+        return {**text, "const": "json"}
+    return {**text, "not": {"const": "json"}} if command["target"] == "variable" else text
 
 
 def request_schema(description: Description, command: Json) -> Json:
@@ -84,8 +84,8 @@ def request_schema(description: Description, command: Json) -> Json:
 def _reply_schema(description: Description, command: Json) -> Json:
     """What the command answers: its replies or failures as texts, or the JSON of its result."""
     failures = [description.failures[name] for name in description.failures_of(command)]
-    told = [f"{entry['text'].strip()}: {entry['meaning']}" for entry in [*command["replies"], *failures]]
-    text: Json = {"type": "string", "description": "\n".join(told)}
+    lines = [f"{entry['text'].strip()}: {entry['meaning']}" for entry in [*command["replies"], *failures]]
+    text: Json = {"type": "string", "description": "\n".join(lines)}
     if command["result"] != "json":
         return {"title": f"Reply to {command['id']}", **text}
     return {"title": f"Reply to {command['id']}",
@@ -110,7 +110,7 @@ def _request(description: Description) -> Json:
     by_word: dict[str, list[str]] = {}
     for command in description.commands:
         by_word.setdefault(command["word"], []).append(f"{command['id']}Request")
-    return {"description": "One of the commands; `command` tells which.",
+    return {"description": "One of the commands; `command` says which.",
             "oneOf": [_reference(name) for names in by_word.values() for name in names],
             "discriminator": {"propertyName": "command", "mapping": {
                 word: _reference(names[0])["$ref"] for word, names in by_word.items() if len(names) == 1}}}
@@ -120,7 +120,7 @@ def _command_path(description: Description) -> Json:
     content = {"schema": _reference("Request"), "examples": _examples(description)}
     return {"post": {
         "operationId": "command", "summary": "Send a command",
-        "description": "Every command is a request of this one operation; `command` tells which it is. "
+        "description": "Every command is a request of this one operation; `command` says which it is. "
                        + description.interface["matching"],
         "requestBody": {"required": True, "content": {"application/json": content}},
         "responses": {"200": {

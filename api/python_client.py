@@ -77,7 +77,7 @@ def snake(member: str) -> str:
     return BUILT_IN.get(name, name)
 
 
-def _folded(head: str, parts: list[str], tail: str) -> list[str]:
+def folded(head: str, parts: list[str], tail: str) -> list[str]:
     """Code that lists something, on one line or on as many as it takes."""
     whole = f"{head}{', '.join(parts)}{tail}"
     if len(whole) <= WIDTH:
@@ -163,8 +163,8 @@ def _method(description: Description, command: Json, own: str) -> list[str]:
     arguments, messages, helps = _messages(command)
     kind = _result(command)
     head = f'self.call("{command["id"]}", {name}, '
-    call = _folded(head if kind == "None" else f"result: {kind} = {head}", messages, ")")
-    lines = [*_folded(f"def {command['method']}(", ["self", *(f"{each}: str" for each in parameters), *arguments],
+    call = folded(head if kind == "None" else f"result: {kind} = {head}", messages, ")")
+    lines = [*folded(f"def {command['method']}(", ["self", *(f"{each}: str" for each in parameters), *arguments],
                       f") -> {kind}:"),
              *(f"    {line}" for line in [*_docstring(command, helps), *call])]
     if kind != "None":

@@ -217,9 +217,14 @@ def _with_units(names: Iterable[str], units: Json) -> str:
     return ", ".join(f"`{name}`" + (f" {units[name]['unit']}" if units[name]["unit"] else "") for name in names)
 
 
+_DOUBLES = ("A `VornModuleID` above 9,007,199,254,740,991 is more than a double carries exactly. A program that reads JSON"
+            " numbers as doubles, such as JavaScript, `jq` or a spreadsheet, sends another number: write it as a literal of"
+            " the JSON text, or use a client, which keeps all digits.")
+
+
 def _catalogue_page(catalogue: Json) -> str:
     items = catalogue["items"]
-    lines = [_MADE, "", "# Catalogue", "", catalogue["text"], "", "## Modules", "",
+    lines = [_MADE, "", "# Catalogue", "", catalogue["text"], "", _DOUBLES, "", "## Modules", "",
              "Ports of an aisle are flagged: what comes in at the one goes out at the other, and a link to them is drawn"
              " directly. The others are ends, at which a branch begins or ends.", ""]
     lines += _table(["`VornModuleID`", "`DeviceName`", "", "ports", "items"], [

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Makes the Debian packages and the archive that runs from any folder: build/package/packages and
-# build/release/packages. With `windows` the archive for Windows instead, of what scripts/windows.sh has built:
+# Makes the Debian packages, the archive that runs from any folder, and a wheel and a source archive of the Python
+# client: build/package/packages and build/release/packages. With `windows` the archive for Windows instead, of what scripts/windows.sh has built:
 # build/windows/packages. Their checksums stand beside them.
 set -euo pipefail
 . "$(dirname "$0")/lib.sh"
@@ -26,3 +26,10 @@ say "packages for Debian"
 make package DEB
 say "an archive"
 make release TGZ
+say "the Python client as a wheel and as a source archive"
+source=$(mktemp -d)
+trap 'rm -rf "$source"' EXIT
+git archive HEAD clients/python | tar -x -C "$source"
+/usr/bin/python3 -m build --no-isolation --outdir build/release/packages "$source/clients/python" >"$source/log" \
+    || fail "the Python packages: $(tail -n 5 "$source/log")"
+(cd build/release/packages && rm -f SHA256SUMS && sha256sum ./* >SHA256SUMS && ls -l)

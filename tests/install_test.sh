@@ -24,7 +24,7 @@ files() { (cd "$root" && find . -xdev \( -path ./proc -o -path ./run -o -path ./
     -prune -o -print | sort); }
 files >"$folder/before"
 cp "$packages"/*.deb "$root/tmp/"
-in_root sh -c 'dpkg --install /tmp/libvornserver1_*.deb /tmp/vornserver_*.deb' >"$folder/dpkg.log" 2>&1 || {
+in_root sh -c 'dpkg --install /tmp/libvornserver1_*.deb /tmp/vornserver_*.deb /tmp/python3-vornserver_*.deb' >"$folder/dpkg.log" 2>&1 || {
     cat "$folder/dpkg.log" >&2
     fail "the packages cannot be installed"
 }
@@ -58,6 +58,8 @@ done
 run vorn-send Create PLANT1 | grep -qx OK
 run vorn-send --file /usr/share/vornserver/examples/cold_store.json PjtSent PLANT1 | grep -qx OK
 run vorn-send NetAccess PLANT1 | grep -qx OK
+run vornserver check PLANT1 | grep -qx OK
+run vornserver check /usr/share/vornserver/examples/plans/chilled_water.json | grep -qx OK
 run vorn-send --pipe Fdp PLANT1 | grep -qx 1
 chroot "$root" pkill -TERM -x vorn-host
 wait
@@ -69,7 +71,7 @@ unshare --mount --net --pid --fork --kill-child bash "$folder/session.sh" || {
 grep -q '^VornServer has ended' "$folder/host.log" || fail "the service did not end in order"
 [ -s "$root/var/lib/vornserver/plant/AlgProject/PLANT1/PLANT1.json" ] || fail "the project was not stored"
 
-in_root dpkg --purge vornserver libvornserver1 >"$folder/dpkg.log" 2>&1
+in_root dpkg --purge python3-vornserver vornserver libvornserver1 >"$folder/dpkg.log" 2>&1
 files | grep -v '^\./var/lib/vornserver' >"$folder/after"
 # What the package system itself keeps is not the packages' own.
 left=$(diff "$folder/before" "$folder/after" | grep '^>' | grep -vE ' \./(var/lib/dpkg|etc/(passwd|group|shadow|gshadow|sub[ug]id)-?$|etc/\.pwd)' || true)

@@ -88,6 +88,18 @@ def test_words_are_those_of_the_code() -> None:
     assert {word: log for word, (_, log) in described.items() if word in verbs} == verbs
 
 
+# What looks like a command's word in a program's source.
+WORD = re.compile(r"""["']((?:Pjt|Net|Add|Delete|Move|Lua|Important)[A-Z]\w*|[A-Z]\w*(?:Get|Set|ToRun|ToCache))["']""")
+
+
+def test_words_of_the_console_and_the_clients_are_described() -> None:
+    words = {command["word"] for command in DESCRIPTION.commands}
+    sources = [path for folder in ("console/src", "clients") for path in (REPOSITORY / folder).rglob("*.ts*")
+               if "node_modules" not in path.parts and "dist" not in path.parts]
+    used = {word: path.name for path in sources for word in WORD.findall(path.read_text(encoding="utf-8"))}
+    assert len(used) > 15 and {word: name for word, name in used.items() if word not in words} == {}
+
+
 def test_verbs_of_put_are_those_of_the_code() -> None:
     source = code("commands/put_verb.cpp")
     in_code = re.findall(r'verb == "(\w+)"', source) + re.findall(r'\{"(\w+)", \w+\}', source)

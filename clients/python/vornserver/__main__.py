@@ -26,7 +26,7 @@ def parser() -> argparse.ArgumentParser:
         prog="vornserver", description="Sends commands to VornServer.",
         epilog="The exit status is 0; 1 where the service refuses, or something is wrong with what is to be sent; 2 for a"
                " wrong command line; 3 where there is no service or no proper reply. Behind a proxy, the name and the"
-               " password are those of VORNSERVER_USER and VORNSERVER_PASSWORD, a token is VORNSERVER_TOKEN, or all stand"
+               " password are those of VORNSERVER_USER and VORNSERVER_PASSWORD, a token is VORNSERVER_TOKEN, or all are"
                " in the file that VORNSERVER_CREDENTIALS names, which only its owner may read.")
     top.add_argument("--version", action="version", version=f"vornserver {VERSION}")
     top.add_argument("--address", default=os.environ.get("VORNSERVER_ADDRESS", "127.0.0.1"),

@@ -5,8 +5,7 @@ from __future__ import annotations
 from abc import ABC, abstractmethod
 from typing import Any
 
-from vornserver.interface import CATALOGUE
-from vornserver.values import text_of
+from vornserver.variables import value_text
 
 
 class Caller(ABC):
@@ -26,7 +25,7 @@ class Caller(ABC):
     def value_text(self, variable: str, value: object) -> str:
         """A value of a variable as it is written. Raises ValueError for one that is none of its kind."""
         own = variable[len(self.name) + 1:] if variable.startswith(f"{self.name}_") else variable
-        return text_of(value, CATALOGUE["projectVariables"].get(own, {}).get("kind", ""))
+        return value_text(own, value)
 
 
 class Service(Caller):

@@ -139,8 +139,9 @@ class ProjectCommands(Caller):
     def move(self, element: str, *, position_x: float = 0.0, position_z: float = 0.0) -> None:
         """Move a module or node.
 
-        Moves an element on its page. A coordinate that is left out becomes 0. Unlike the placements, this command
-        takes no whole number: 3.0 is right and 3 is not.
+        Moves an element on its page. A coordinate that is left out becomes 0. A number at which no element is gets
+        OK too, and nothing happens. Unlike the placements, this command takes no whole number: 3.0 is right and 3
+        is not.
 
         position_x: The new position, from left to right. In drawing units.
         position_z: The new position, in the other direction of the page. In drawing units.
@@ -150,7 +151,9 @@ class ProjectCommands(Caller):
     def delete(self, element: str) -> None:
         """Delete a module, node or link.
 
-        What becomes of the links of a deleted module or node is the engine's matter; the stand-in deletes them.
+        What becomes of the links of a deleted module or node is the engine's matter; the stand-in deletes them. A
+        number at which no element is, such as MOD77 in a small project, gets OK too, and nothing happens: the reply
+        does not say that there was one. The Python client looks first and reports that there was none.
         """
         self.call("DeleteMNL", f"{self.name}_{element}", None)
 

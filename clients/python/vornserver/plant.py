@@ -223,7 +223,7 @@ class Plant:
     def of_text(cls, text: str) -> Plant:
         """Reads a document from its text. Raises PlantError, also for a member that is there twice, and ValueError for
         what is no JSON."""
-        return cls.of_document(json.loads(text, object_pairs_hook=_members))
+        return cls.of_document(json.loads(text, object_pairs_hook=members_once))
 
     @classmethod
     def of_document(cls, document: Mapping[str, Any]) -> Plant:
@@ -252,7 +252,8 @@ def _shown(size: tuple[float, float]) -> str:
     return " x ".join(f"{each * MILLIMETRES:g}" for each in size) + " mm"
 
 
-def _members(pairs: list[tuple[str, Any]]) -> dict[str, Any]:
+def members_once(pairs: list[tuple[str, Any]]) -> dict[str, Any]:
+    """An object of JSON, for json.loads. Raises PlantError where a member is there twice."""
     members = dict(pairs)
     if len(members) != len(pairs):
         twice = next(name for name, count in Counter(name for name, _ in pairs).items() if count > 1)

@@ -12,6 +12,7 @@ from vornserver.caller import Service
 from vornserver.commands import ProjectCommands
 from vornserver.errors import BatchError, PlantError, ServiceError, UnexpectedReply
 from vornserver.interface import COMMANDS, NUMBERS
+from vornserver.plan import Plan
 from vornserver.plant import Plant, rounded_from
 from vornserver.samples import Poller, Sample, one_number
 from vornserver.topology import Topology
@@ -188,6 +189,16 @@ class Project(ProjectCommands):
             if lost := [each for each in foreign if each.id not in there]:
                 raise PlantError([f"the engine has no type {each.type}, so that device {each.id!r} is left out"
                                   + rounded_from(each.type) for each in lost])
+
+    def build(self, plan: Plan) -> None:
+        """Replaces the project by a plan: the plant, its start values in all three cache sets, and its script. Raises as
+        `send`, and EngineError for a script with a fault."""
+        self.send(plan.plant)
+        for element, row, value in plan.start_values():
+            for column in (1, 2, 3):
+                self.set_cache_value(element, column, value, row=row)
+        if plan.script:
+            self.send_script(plan.script)
 
     def topology(self) -> Topology:
         """The devices, nodes, links and branches."""

@@ -11,11 +11,13 @@ from typing import Any
 
 from vornserver.caller import Service
 from vornserver.commands import ServerCommands
-from vornserver.connection import HTTP, Connection
+from vornserver.connection import HTTP, Connection, logger
 from vornserver.endpoint import Credentials, Endpoint
 from vornserver.errors import (
     AccessRefused, MessagesError, PlantError, ServiceError, ServiceNotFound, StateError, VornError)
-from vornserver.interface import COMMANDS
+from vornserver.interface import COMMANDS, VERSION
+from vornserver.local import LOCAL_HOSTS, local_version
+from vornserver.plant import rounded_from
 from vornserver.project import Project
 
 # How long a service may take for its greeting, which it gives also while a command waits.
@@ -63,6 +65,7 @@ class Server(ServerCommands, Service):
             try:
                 if server._is_meant(holding, directory):
                     server.timeout = server._connection.timeout = timeout
+                    server._compare_versions()
                     return server
                 why = "; what answers is another"
             except AccessRefused:
@@ -85,6 +88,12 @@ class Server(ServerCommands, Service):
     def address(self) -> str:
         """The service's address."""
         return str(self._connection.endpoint)
+
+    def _compare_versions(self) -> None:
+        """Logs a warning where the service may have commands that this client does not have, or the reverse."""
+        theirs = self.version
+        if theirs and theirs.split(".")[:2] != VERSION.split(".")[:2]:
+            logger.warning("the service at %s is of version %s, and this client of %s", self.address, theirs, VERSION)
 
     @property
     def connections(self) -> int:
@@ -111,6 +120,12 @@ class Server(ServerCommands, Service):
         greeting: str = HTTP["greeting"]
         return self._connection.exchange("GET", HTTP["greetingPath"], None, self.timeout, True) == greeting
 
+    @property
+    def version(self) -> str:
+        """The version of a service of this machine, where this user may know it; else the empty text."""
+        place = self._connection.endpoint
+        return local_version(place.port or 0) if place.host in LOCAL_HOSTS and not place.secure else ""
+
     def request(self, word: str, name: str = "", messages: object = None, *, repeatable: bool = False,
                 seconds: float | None = None) -> str:
         """Sends any word and gives the reply's text, whatever it says.
@@ -136,6 +151,8 @@ class Server(ServerCommands, Service):
         try:
             return described.result(reply, messages)
         except ServiceError as error:
+            if error.failure == "moduleNotFound" and isinstance(messages, dict):
+                error.todo += rounded_from(messages["VornModuleID"])
             if hasattr(error, "add_note"):  # from Python 3.11 on
                 error.add_note(f"{described.word} {name}: {error.todo}")
             raise

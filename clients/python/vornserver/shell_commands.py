@@ -14,8 +14,13 @@ from vornserver.plant import Plant
 from vornserver.schema import Json
 from vornserver.server import Server
 from vornserver.shell_output import print_result, working
+from vornserver.variables import value_text
 
 NUMBERS: dict[str, Callable[[str], Any]] = {"integer": int, "number": float, "string": str}
+
+
+# Methods whose names are commands of the shell itself, which do the same and more.
+TAKEN = ("check",)
 
 
 def option_name(member: str) -> str:
@@ -77,6 +82,11 @@ def _document(arguments: argparse.Namespace) -> Any:
         raise ValueError(f"{arguments.document} is no JSON: {error}") from error
 
 
+def _value(variable: str, text: str) -> str:
+    """A value as the service must be given it. Raises ValueError for what is none of the variable's kind."""
+    return value_text(variable.partition("_")[2], text)
+
+
 def _messages(command: Command, arguments: argparse.Namespace) -> Any:
     """The messages that a command line tells."""
     told = vars(arguments)
@@ -86,7 +96,9 @@ def _messages(command: Command, arguments: argparse.Namespace) -> Any:
         pairs = [each.partition("=") for each in arguments.variables]
         if missing := [name for name, equals, _ in pairs if not equals]:
             raise ValueError(f"no value is told for {', '.join(missing)}: write VARIABLE=VALUE")
-        return {"VarName": [name for name, _, _ in pairs], "VarValue": [value for _, _, value in pairs]}
+        return {"VarName": [name for name, _, _ in pairs], "VarValue": [_value(name, value) for name, _, value in pairs]}
+    if command.id == "Set":
+        return _value(arguments.variable, arguments.text)
     if "document" in told:
         return _document(arguments)
     if "script" in told:
@@ -121,8 +133,9 @@ def add_family(commands: argparse._SubParsersAction[argparse.ArgumentParser], fa
     for command in COMMANDS.values():
         if command.entry["family"] != family:
             continue
+        name, *more = [each for each in (command.entry["method"].replace("_", "-"), command.id) if each not in TAKEN]
         parser = commands.add_parser(
-            command.entry["method"].replace("_", "-"), aliases=[command.id], help=command.entry["title"],
+            name, aliases=more, help=command.entry["title"],
             description=command.entry["text"].replace("%", "%%"), epilog=_epilog(command))
         for parameter in command.target["parameters"]:
             last = parameter == command.target["parameters"][-1]

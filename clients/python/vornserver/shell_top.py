@@ -8,9 +8,11 @@ import shutil
 import sys
 import time
 from collections import deque
+from pathlib import Path
 from typing import Any, Sequence
 
 from vornserver.errors import ServiceError
+from vornserver.judge import judge_file
 from vornserver.project import Project
 from vornserver.samples import Sample
 from vornserver.server import Server
@@ -84,16 +86,37 @@ def _top(server: Server, arguments: argparse.Namespace) -> int:
 
 def _find(server: Server, arguments: argparse.Namespace) -> int:
     if arguments.json:
-        print_json({"address": server.address})
+        print_json({"address": server.address, "version": server.version})
     else:
-        print(server.address)
+        print(server.address + (f" version {server.version}" if server.version else ""))
     return 0
+
+
+def _check(server: Server, arguments: argparse.Namespace) -> int:
+    if not Path(arguments.what).is_file():
+        server.project(arguments.what).check()
+        print_json(None) if arguments.json else print("OK")
+        return 0
+    findings = judge_file(arguments.what, server)
+    if arguments.json:
+        print_json([{"stage": each.stage, "error": each.is_error, "text": each.text} for each in findings])
+    else:
+        print("\n".join(f"{'error' if each.is_error else 'warning'}: {each.text}" for each in findings) or "OK")
+    return 1 if any(each.is_error for each in findings) else 0
 
 
 def add_commands(commands: argparse._SubParsersAction[argparse.ArgumentParser]) -> None:
     """Adds the commands that the description does not have."""
-    find = commands.add_parser("find", help="Tell where the service is", description="Tells the service's address.")
+    find = commands.add_parser("find", help="Print where the service is",
+                               description="Prints the service's address, and its version where it is known.")
     find.set_defaults(run=_find)
+    check = commands.add_parser("check", help="Judge a file, or ask whether an open project is complete", description=(
+        "Judges a plan or a project document: its form, then the service's verdict in a project that is made for it and"
+        " closed again, then what cannot work, such as an exchanger without area. The exit status is 1 where the plant"
+        " cannot run as it is meant; what merely cannot work is a warning. With the name of an open project instead of a"
+        " file it asks for the service's verdict alone."))
+    check.add_argument("what", metavar="FILE|PROJECT", help="a file of JSON, or the name of an open project")
+    check.set_defaults(run=_check)
     top = commands.add_parser("top", help="Watch variables of a project", description=(
         "Shows variables live until Ctrl-C. With --json each sample is a line of JSON."))
     top.add_argument("project", metavar="PROJECT", help="the name of an open project")

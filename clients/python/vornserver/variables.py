@@ -7,6 +7,7 @@ from typing import Iterator
 from vornserver.errors import MissingError
 from vornserver.interface import CATALOGUE
 from vornserver.topology import Element, Topology
+from vornserver.values import text_of
 
 _TYPES = {row["VornModuleID"]: row for row in CATALOGUE["types"]}
 # The numbers of a port; the others are lists.
@@ -17,6 +18,12 @@ def vacant(element: str, project: str) -> MissingError:
     """The failure for an element that is not there."""
     return MissingError(f"there is no {element} in {project}", "vacant", "missing", "No element has this identity.",
                         "Look at the topology for the elements that are there.")
+
+
+def value_text(variable: str, value: object) -> str:
+    """A value as it is written, of a variable without the project's name. Raises ValueError for one that is none of its
+    kind, as far as the catalogue knows the variable."""
+    return text_of(value, CATALOGUE["projectVariables"].get(variable, {}).get("kind", ""))
 
 
 def project_variables() -> list[str]:
