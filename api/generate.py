@@ -20,6 +20,8 @@ from api.envelope import envelope_schema  # noqa: E402
 from api.openapi import openapi_document  # noqa: E402
 from api.python_client import client_data, client_methods  # noqa: E402
 from api.reference import reference_pages  # noqa: E402
+from api.send_table import send_table  # noqa: E402
+from api.typescript_client import typescript_data  # noqa: E402
 
 
 def made_from(description: Description) -> dict[Path, str]:
@@ -32,6 +34,8 @@ def made_from(description: Description) -> dict[Path, str]:
     client = REPOSITORY / "clients/python/vornserver"
     files[client / "interface.json"] = client_data(description)
     files[client / "commands.py"] = client_methods(description)
+    files[REPOSITORY / "clients/typescript/src/contract_data.ts"] = typescript_data(description)
+    files[REPOSITORY / "host/reply_table.h"] = send_table(description)
     return files
 
 

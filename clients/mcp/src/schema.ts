@@ -2,7 +2,7 @@
 
 import { Ajv2020, type ErrorObject, type ValidateFunction } from "ajv/dist/2020.js";
 import { type Command, type Description, isLongInteger } from "./description.js";
-import { isObject, type Json, type JsonObject, textOf, without } from "./wire.js";
+import { isObject, type Json, type JsonObject, textOf, without } from "../../typescript/src/index.js";
 
 const longInteger: JsonObject = {
     anyOf: [
@@ -13,7 +13,7 @@ const longInteger: JsonObject = {
 const asText = "Write it as a text of digits: a JSON number of more than 15 digits loses its last ones.";
 
 /** A schema for assistants: long integers as texts, and nothing said of how numbers are spelled, which `writeJson` does. */
-function forAssistants(value: Json): Json {
+export function forAssistants(value: Json): Json {
     if (Array.isArray(value)) return value.map(forAssistants);
     if (!isObject(value)) return value;
     const entries = Object.entries(without(value, ["x-written", "x-wrongType"]));
