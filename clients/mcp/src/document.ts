@@ -2,7 +2,7 @@
 
 import { readFileSync } from "node:fs";
 import { join } from "node:path";
-import { isObject, type JsonObject, readJson, textOf } from "../../typescript/src/index.js";
+import { isObject, type JsonObject, readJson, textOf, without } from "../../typescript/src/index.js";
 import type { Description } from "./description.js";
 import { checker } from "./schema.js";
 import { forAssistants } from "./schema.js";
@@ -69,7 +69,7 @@ function meantFaults(document: JsonObject, known: ReadonlySet<string>): string[]
 
 /** A test of documents. It throws ToolError that names each fault; what passes, the service takes. */
 export function documentChecker(description: Description): (document: JsonObject) => void {
-    const schema = forAssistants(description.schemas.get(schemaName) ?? {}) as JsonObject;
+    const schema = without(forAssistants(description.schemas.get(schemaName) ?? {}) as JsonObject, ["$id"]);
     const faultsOf = checker(schema);
     const known = new Set(description.catalogue.types.map(({ VornModuleID }) => textOf(VornModuleID)));
     return (document) => {

@@ -25,6 +25,7 @@ const needs: readonly Need[] = [
     { types: ["valve", "expansion valve"], item: "Opening", least: 0, finding: "The valve is closed." },
 ];
 
+const vessels = ["expansion tank", "receiver"];
 const stillFlow = 1e-6;
 const mostElements = 400;
 const copper = ["copper pipe", "copper reducer"];
@@ -51,8 +52,8 @@ function finding(each: Pick<Read, "element">, text: string, more: JsonObject = {
 function ownFindings(each: Read): JsonObject[] {
     const found = needs.filter(({ types, item, least }) => types.includes(each.type) && (each.items[item] ?? Infinity) <= least)
         .map(({ item, finding: text }) => finding(each, text, { item, value: each.items[item] ?? 0 }));
-    // Without a branch no port of it has a flow.
-    const still = each.flows.length > 1 && each.flows.every((flow) => Math.abs(flow) < stillFlow);
+    // What holds a net's pressure may well be still.
+    const still = !vessels.includes(each.type) && each.flows.length > 1 && each.flows.every((flow) => Math.abs(flow) < stillFlow);
     return found.length === 0 && still ? [finding(each, "Nothing flows through it: look for an idle pump or a closed valve in its net.")] : found;
 }
 
@@ -119,7 +120,7 @@ const explainValues: Work = ({ description, service }, args, { progress }) => se
 });
 
 export const explainRow: Row = {
-    name: "explain_values", uses: ["VarInfoGet", "PjtInfoChk", "GetBatch"], title: "Explain why a plant is warm or still", whole: true, work: explainValues,
+    name: "explain_values", uses: ["VarInfoGet", "PjtInfoChk", "GetBatch"], whole: true, work: explainValues,
     idempotent: true, required: [], gives: { findings: { type: "array" }, temperatures: { type: "array" }, project: { type: "object" } },
     text: "Reads the values of the devices and tells what keeps the plant from working: pumps without power, Area 0, closed valves, circuits "
         + "without copper, no heat sink, no step made; then the temperatures of rooms and stores. The rules are those of vorn://docs/plant-model.md.",

@@ -122,7 +122,7 @@ function makePlant(description: Description): Row {
         return kit.service.together((ask) => makeFrom(kit, ask, content, args, call));
     };
     return {
-        name: "make_plant", uses: ["PjtSent", "Create", "Fdp", "NetAccess", "PjtInfoChk", "VarCacheSet", "LuaSent"], title: "Make a plant from a document",
+        name: "make_plant", uses: ["PjtSent", "Create", "Fdp", "NetAccess", "PjtInfoChk", "VarCacheSet", "LuaSent"],
         idempotent: true, whole: true, hides: ["document"], required: [],
         text: "Makes the project, if it is not open, replaces it by the document and stores it, writes start values and the script, judges the "
             + "plant and tells what was left out. This is the way to make or change a plant. A document that the service would refuse or change is "
@@ -227,7 +227,7 @@ export function plantRows(description: Description): Row[] {
         },
         {
             name: "plant_summary", uses: ["NetAccess", "PjtInfoChk", "VarInfoGet"], idempotent: true, work: summarize, whole: true, gives: { complete: { type: "boolean" }, nets: { type: "array" }, branchesByNet: { type: "object" } },
-            title: "Summarize a plant by net and branch",
+           
             also: { net: { type: "integer", minimum: 0, description: "Only the branches of this net." }, ...pageProperties },
             text: "The verdict, the numbers of elements, the modules by type, of each net its nodes and the modules at which it ends, and the "
                 + "branches net by net, each as one line in the order of the flow. Loops between modules and information belong to no net. "

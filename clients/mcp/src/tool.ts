@@ -3,7 +3,7 @@
 import type { CallToolResult, Tool as Listed } from "@modelcontextprotocol/sdk/types.js";
 import { commandOf, type JsonObject, meaningOf, textOf, without, writeJson } from "../../typescript/src/index.js";
 import type { Command, Description } from "./description.js";
-import { checker, inputSchema } from "./schema.js";
+import { checker, inputSchema, listedSchema } from "./schema.js";
 import type { Service } from "./service.js";
 
 /** What tools work with. */
@@ -31,9 +31,8 @@ export type Work = (kit: Kit, args: JsonObject, call: Call) => Promise<JsonObjec
 /** A row of a tool table. */
 export interface Row {
     readonly name: string;
-    /** The commands that it uses; the first one gives title, text and schema. None for a tool of its own. */
+    /** The commands that it uses; the first one gives text and schema. None for a tool of its own. */
     readonly uses: readonly string[];
-    readonly title?: string;
     /** Said before the command's own text, or instead of it where `whole`. */
     readonly text?: string;
     readonly whole?: boolean;
@@ -89,8 +88,19 @@ function schemaOf(description: Description, row: Row, first: Command | undefined
     const base = first ? inputSchema(description, first) : { type: "object", properties: {}, required: [], additionalProperties: false };
     const shown = ([name]: [string, unknown]): boolean => !row.hides?.includes(name);
     const kept = Object.entries(base["properties"] as JsonObject).filter(shown);
+    const plain = without(base, row.hides ? ["$defs"] : []);
     const needed = (base["required"] as string[]).filter((name) => !row.hides?.includes(name) && !(row.also && name in row.also));
-    return { ...base, properties: { ...Object.fromEntries(kept), ...row.also }, required: [...needed, ...row.required ?? []] };
+    return { ...plain, properties: { ...Object.fromEntries(kept), ...row.also }, required: [...needed, ...row.required ?? []] };
+}
+
+/** What a client takes for granted is not said: that a tool changes, may destroy, and is not idempotent. */
+function annotationsOf(used: readonly Command[], row: Row): Listed["annotations"] {
+    if (used.every(({ effect }) => effect === "reads")) return { readOnlyHint: true };
+    const idempotent = row.idempotent ?? used.every((each) => each.idempotent);
+    return {
+        ...(used.some(({ effect }) => effect === "destroys") ? {} : { destructiveHint: false }),
+        ...(idempotent ? { idempotentHint: true } : {}),
+    };
 }
 
 /** Makes a tool. Its annotations are those of the commands that it uses. */
@@ -101,15 +111,10 @@ export function toolOf(description: Description, row: Row): Tool {
     const gives = row.gives ?? replyGives;
     return {
         listed: {
-            name: row.name, title: row.title ?? first?.title ?? row.name, description: descriptionOf(row, first),
-            inputSchema: schema as Listed["inputSchema"],
-            outputSchema: { type: "object", properties: gives as Record<string, object>, required: Object.keys(gives) },
-            annotations: {
-                readOnlyHint: used.every(({ effect }) => effect === "reads"),
-                destructiveHint: used.some(({ effect }) => effect === "destroys"),
-                idempotentHint: row.idempotent ?? used.every(({ idempotent }) => idempotent),
-                openWorldHint: false,
-            },
+            name: row.name, description: descriptionOf(row, first),
+            inputSchema: listedSchema(schema) as unknown as Listed["inputSchema"],
+            outputSchema: { type: "object", properties: gives as Record<string, object>, ...(Object.keys(gives).length > 0 ? { required: Object.keys(gives) } : {}) },
+            annotations: annotationsOf(used, row),
         },
         faults: checker(schema),
         work: row.work ?? sends(row.uses[0] ?? ""),

@@ -64,12 +64,12 @@ const maxBytes: JsonObject = { type: "integer", minimum: 1000, maximum: 2000000,
 
 const rows: readonly Row[] = [
     {
-        name: "status", uses: ["Fdp"], title: "Look for the service", whole: true, required: [], work: status, gives: { address: { type: "string" } },
+        name: "status", uses: ["Fdp"], whole: true, required: [], work: status, gives: { address: { type: "string" } },
         text: "Tells the address of the running service and, with project, whether that project is open. Ask it first.",
-        also: { project: { type: "string", pattern: "^[A-Za-z0-9]{1,64}$", description: "A project's name." } },
+        also: { project: { type: "string", pattern: "^[A-Za-z0-9]{1,64}$", description: "Its name." } },
     },
     {
-        name: "module_types", uses: [], title: "Look into the catalogue of module types", whole: true, work: moduleTypes, idempotent: true,
+        name: "module_types", uses: [], whole: true, work: moduleTypes, idempotent: true,
         gives: { types: { type: "array" }, items: { type: "object" }, nodes: { type: "array" } },
         text: "The types of modules with their VornModuleID, ports (direction, aisle) and items with units; node kinds; what the values of "
             + "ports and the project's variables mean. Needed to write a project document. Of the stand-in engine.",
@@ -98,7 +98,7 @@ const rows: readonly Row[] = [
         work: async ({ service }, args) => ({ text: textOf((readJson(await service.ask("PjtCerGet", textOf(args["project"]))) as JsonObject)["data"]) }),
     },
     {
-        name: "picture", uses: ["PjtPngGet", "PjtChartGet"], work: picture, title: "Draw a plant or the course of its run", required: ["of"], whole: true,
+        name: "picture", uses: ["PjtPngGet", "PjtChartGet"], work: picture, required: ["of"], whole: true,
         text: "Gives the picture as an image of SVG, or as its text.", gives: { mimeType: { type: "string" }, bytes: { type: "integer" } },
         also: {
             of: { enum: ["drawing", "run"], description: "The plant's drawing, or the chart of its run." }, maxBytes,

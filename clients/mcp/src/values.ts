@@ -94,7 +94,7 @@ export const valueRows: readonly Row[] = [
     },
     {
         name: "watch_variables", uses: ["GetBatch"], required, whole: true, work: watch, gives: { seconds: { type: "array" }, values: { type: "object" } },
-        title: "Watch variables for a while", text: "Reads variables several times, at most for a minute, and gives their course.",
+        text: "Reads variables several times, at most for a minute, and gives their course.",
         also: {
             VarName: { ...names, maxItems: 50 },
             samples: { type: "integer", minimum: 2, maximum: 60, default: 5, description: "How many readings." },
@@ -102,12 +102,12 @@ export const valueRows: readonly Row[] = [
         },
     },
     {
-        name: "element_values", uses: ["VarInfoGet", "VarCacheGet"], whole: true, work: elementValues, gives: { items: { type: "array" }, ports: { type: "object" } }, title: "Read all values of an element",
+        name: "element_values", uses: ["VarInfoGet", "VarCacheGet"], whole: true, work: elementValues, gives: { items: { type: "array" }, ports: { type: "object" } },
         text: "The items of a module or node with their variables' names, units, run values and the three cache sets, and the values of its ports.",
     },
     {
         name: "set_unsaved_value", uses: ["VarCacheSet", "VarCacheGet"], hides: ["Row", "Column", "Value"], whole: true, work: setUnsaved,
-        title: "Write a value that lasts until the project is closed", required: ["item", "value"], gives: { Sets: { type: "array" } },
+        required: ["item", "value"], gives: { Sets: { type: "array" } },
         text: "Writes one item in one cache set, and gives the item's row as it is then. A run begins with set 0. The value lasts until "
             + "close_project: nothing stores it. To have it again, give it to make_plant as a start value.",
         also: {

@@ -37,14 +37,14 @@ after(async () => {
 test("tools tell what they do to a plant", async () => {
     const { tools } = await client.listTools();
     const hints = new Map(tools.map(({ name, annotations }) =>
-        [name, annotations?.readOnlyHint ? "reads" : annotations?.destructiveHint ? "destroys" : "changes"]));
+        [name, annotations?.readOnlyHint ? "reads" : annotations?.destructiveHint === false ? "changes" : "destroys"]));
     const expected = {
         reads: ["status", "check_plant", "plant_summary", "read_topology", "module_types", "read_variables", "watch_variables", "picture", "explain_values"],
         changes: ["create_project", "add_link", "run", "pause", "step", "stop", "write_variables", "set_unsaved_value"],
         destroys: ["make_plant", "close_project", "delete_element", "save_run_values", "load_run_values"],
     };
     for (const [hint, names] of Object.entries(expected)) for (const name of names) assert.equal(hints.get(name), hint, name);
-    assert.equal(tools.find(({ name }) => name === "pause")?.annotations?.idempotentHint, false, "a toggle");
+    assert.ok(!tools.find(({ name }) => name === "pause")?.annotations?.idempotentHint, "a toggle");
     assert.ok(Buffer.byteLength(JSON.stringify(tools)) < 20000, `the list has ${Buffer.byteLength(JSON.stringify(tools))} bytes`);
     for (const { name, description, inputSchema, outputSchema } of tools) {
         assert.ok(description && outputSchema, name);
@@ -99,12 +99,12 @@ test("long integers and whole lengths reach the service as they are meant", asyn
         ConnectionInfo: [connection, { ...connection, ConnectionID: "d" }],
     };
     const made = (await call("make_plant", { project: "SMALL", document })).json;
-    assert.deepEqual([made.leftOut.devices, made.leftOut.looseEnds], [["x"], ["start of d"]]);
+    assert.deepEqual([made.leftOut.devices, made.leftOut.looseEnds], [["x"], ["start of d", "end of d"]]);
     const pipe = (await call("element_values", { project: "SMALL", element: "c" })).json;
     assert.deepEqual(pipe.items[0].sets.slice(0, 2), [5, 5]);
     assert.equal((await call("read_topology", { project: "SMALL", part: "devices" })).json.entries[0].VornModuleID, pump);
     const faulty: [object, RegExp][] = [
-        [{ DeviceInfo: [{ InstanceID: "p", VornModuleID: 25092117291321127 }] }, /as a text of digits/], // eslint-disable-line no-loss-of-precision
+        [{ DeviceInfo: [{ InstanceID: "p", VornModuleID: 25092117291321127 }] }, /as a text of digits/],
         [{ DeviceInfo: [{ InstanceID: "p", VornModuleID: "25092117291321128" }] }, /what a double makes of one above 2\^53/],
         [{ ...document, ConnectionInfo: [{ ...connection, EndDeviceInstanceID: "q" }] }, /EndDeviceInstanceID "q" is no device/],
         [{ DeviceInfo: [{ InstanceID: "é".repeat(19), VornModuleID: pump }] }, /more than 37 bytes/],
@@ -167,9 +167,9 @@ test("single elements are placed, linked, moved and deleted", async () => {
 
 test("an assistant that has read nothing but prompts and resources makes the chilled-water plant cool within ten calls", async () => {
     let calls = 0;
-    const counted = async (name: string, args: Record<string, unknown>) => {
+    const counted = async (name: string, args: Record<string, unknown>): Promise<Record<string, any>> => { // eslint-disable-line @typescript-eslint/no-explicit-any
         ++calls;
-        return (await call(name, args)).json;
+        return (await call(name, args)).json as Record<string, unknown>;
     };
     const { messages } = await client.getPrompt({ name: "build_plant", arguments: { project: "COOL" } });
     const [first] = messages;
@@ -206,7 +206,7 @@ test("long work reports how far it is, and ends where it is cancelled without a 
     const seen: number[] = [];
     const args = { VarName: ["COLD_GTemp"], samples: 3, everyMs: 50 };
     await client.callTool({ name: "watch_variables", arguments: args }, undefined, { onprogress: ({ progress }) => seen.push(progress) });
-    assert.deepEqual(seen, [1, 2, 3]);
+    assert.deepEqual(seen.slice(0, 2), [1, 2]); // the last one may come behind the result
     const other = await connect(["--address", host.api], "pipe");
     let said = "";
     (other.transport as StdioClientTransport).stderr?.on("data", (chunk: Buffer) => (said += chunk.toString()));
@@ -241,7 +241,7 @@ test("wrong input is told with what to do", async () => {
         ["element_values", { project, element: "nothing" }, /无法识别name/],
         ["set_unsaved_value", { project, element: "brine pump", item: "Colour", set: 0, value: 1 }, /It has: Head, Power/],
         ["load_run_values", { project, set: 3 }, /must be equal to one of/],
-        ["write_variables", { VarName: ["COLD_GTemp"], VarValue: ["warm"] }, /would store 0/],
+        ["write_variables", { VarName: ["COLD_GTemp"], VarValue: ["warm"] }, /VarValue\/0: must match pattern/],
         ["write_variables", { VarName: ["COLD_GTemp"], VarValue: [1, 2] }, /1 entries and VarValue 2/],
         ["make_plant", { project }, /either document or example/],
         ["make_plant", { project, document: "{" }, /no JSON/],
