@@ -35,7 +35,7 @@ void MessagesRead(const std::string& body, const JsonSlice& slice, Envelope& env
 /// False for a body that is no JSON object.
 bool EnvelopeRead(const std::string& body, Envelope& envelope) {
     JsonSlice messages;
-    envelope.text = body.c_str();
+    envelope.text.assign(body, 0, body.find('\0'));
     JsonParseInPlace(envelope.text.data(), envelope.document, "messages", messages);
     if (!envelope.document.IsObject()) return false;
     FieldText(envelope.document, "command", envelope.midHeader);

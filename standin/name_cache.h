@@ -13,8 +13,8 @@ namespace standin {
 /// variable came or went since. Needs no lock.
 bool NameCacheFind(std::string_view name, DecodedName& decoded);
 
-/// Keeps what a name was decoded to, in the place of another name where that is taken. Names that are long
-/// are not kept, and none where there is no memory. The engine lock is held since the decoding.
+/// Keeps what a name was decoded to, in the place of another name where that is taken. Names that are very
+/// short or long are not kept, and none where there is no memory. The engine lock is held since the decoding.
 void NameCacheAdd(std::string_view name, const DecodedName& decoded);
 
 }  // namespace standin

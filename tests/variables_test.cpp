@@ -163,26 +163,26 @@ TEST_F(VariablesTest, ForgetsWhatNamesWere) {
     const struct {
         string change, name, project{}, messages{};  ///< the name is unknown behind the change
     } rows[] = {
-        {"PjtDleVar", "P_Mine", "P", "Mine"},
+        {"PjtDleVar", "P_Reading1", "P", "Reading1"},
         {"DeleteMNL", "P_MOD0_D", "P_MOD0"},
         {"DeleteMNL", "P_NOD0_IM9_TEMP", "P_NOD0"},
         {"PjtClear", "P_MOD0_IM1_ARY", "P"},
-        {"PjtClose", "P_GTemp", "P"},
+        {"PjtClose", "P_GSeries", "P"},
     };
     for (const auto& row : rows) {
         Send("Create", "P");
         Send("AddModule", "P", R"({"VornModuleID":24032022192805856,"DeviceName":"铸铁管道"})");
         Send("AddNode", "P", Fluid());
-        EXPECT_EQ(Send("Get", "P_Mine"), NoVariable);
-        Send("PjtAddVar", "P", "Mine");
+        Send("PjtAddVar", "P", "Reading1");
         EXPECT_NE(Send("Get", row.name), NoVariable) << row.name;
         Send(row.change, row.project, row.messages);
         EXPECT_EQ(Send("Get", row.name), NoVariable) << row.change << ' ' << row.name;
     }
     Send("Create", "Q");  // in the slot that P had
-    EXPECT_EQ(Send("Set", "Q_GTemp", "7"), "OK");
+    EXPECT_EQ(Send("Set", "Q_GCounts", "7"), "OK");
     Send("Create", "P");
-    EXPECT_EQ(Send("Get", "P_GTemp"), "0.000000");
+    EXPECT_EQ(Send("Get", "P_GCounts"), Integers("0"));
+    EXPECT_EQ(Send("Get", "Q_GCounts"), Integers("7"));
 }
 
 TEST_F(VariablesTest, AnswersBatches) {

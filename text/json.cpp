@@ -12,7 +12,7 @@ namespace {
 
 template <unsigned Flags, typename Stream>
 void Parse(Stream stream, JsonDocument& document) {
-    JsonGuard guard{document};
+    JsonGuard guard(document);
     JsonPopulate<Flags>(stream, guard, document);
 }
 

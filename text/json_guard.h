@@ -14,6 +14,8 @@ struct JsonGuard {
     JsonDocument& document;
     int depth = 0;
 
+    explicit JsonGuard(JsonDocument& target) : document(target) {}
+
     bool Null() { return document.Null(); }
     bool Bool(bool value) { return document.Bool(value); }
     bool Int(int value) { return document.Int(value); }

@@ -24,7 +24,7 @@ struct SliceGuard : JsonGuard {
 
     SliceGuard(JsonDocument& target, rapidjson::InsituStringStream& from, std::string_view name,
                JsonSlice& found)
-        : JsonGuard{target}, stream(from), member(name), slice(found) {}
+        : JsonGuard(target), stream(from), member(name), slice(found) {}
 
     static constexpr std::size_t Separator = 1;
     static constexpr std::size_t Marks = 2;  ///< quotes or brackets
