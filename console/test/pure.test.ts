@@ -3,7 +3,7 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
 import { infoRead } from "../src/elementinfo";
-import { concerns, type ExchangeRow, isOwnRead, type Row, rowText } from "../src/log";
+import { concerns, type ExchangeRow, isOwnRead, type Row, rowText } from "../src/rows";
 import { plantOf } from "../src/plant";
 import { elementNumbers, ownNumber, reportRead } from "../src/topology";
 import { verdictRead } from "../src/verdict";
