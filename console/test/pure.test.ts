@@ -4,7 +4,7 @@ import assert from "node:assert/strict";
 import { test } from "node:test";
 import { reportRead } from "../../clients/typescript/src/index";
 import { infoRead } from "../src/elementinfo";
-import { concerns, type ExchangeRow, isOwnRead, type Row, rowText } from "../src/log";
+import { concerns, type ExchangeRow, isOwnRead, type Row, rowText } from "../src/rows";
 import { plantOf } from "../src/plant";
 
 const device = (id: string, type: string, name: string): string =>
