@@ -5,7 +5,9 @@
 #include <cstring>
 
 #include "standin/control.h"
+#include "standin/plant/step.h"
 #include "standin/project_lock.h"
+#include "standin/run_time.h"
 #include "text/fixed_text.h"
 
 namespace standin {
@@ -98,7 +100,13 @@ std::vector<ProjectVariable> StandardVariables() {
             {.name = "COP"},
             {.name = "GStep", .kind = VariableKind::Integer},
             {.name = "GSeries", .kind = VariableKind::RealArray},
-            {.name = "GCounts", .kind = VariableKind::IntegerArray}};
+            {.name = "GCounts", .kind = VariableKind::IntegerArray},
+            {.name = "GTime"},
+            {.name = "GStepSeconds", .reals = {StepSeconds}},
+            {.name = "GRate", .reals = {UsualRate}},
+            {.name = "GUntil"},
+            {.name = "GLag"},
+            {.name = "GScript", .kind = VariableKind::Integer}};
 }
 
 std::mutex& EngineLock() {

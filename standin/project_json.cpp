@@ -182,7 +182,9 @@ bool ReadReals(const JsonValue& array, std::span<double> values) {
     if (!array.IsArray() || array.Size() != values.size()) return false;
     auto* value = values.data();
     for (const JsonValue& element : array.GetArray()) {
-        if (!ReadNumber(element, *value++)) return false;
+        double number = 0.0;
+        if (!ReadNumber(element, number)) return false;
+        *value++ = std::isfinite(number) ? number : 0.0;
     }
     return true;
 }
@@ -285,14 +287,24 @@ bool ReadVariable(const JsonValue& object, Project& project) {
     return project.variables.size() <= ProjectVariableCapacity;
 }
 
-/// The variables that every project has stand at their places; the simulation counts on them.
-bool HasStandardVariables(const Project& project) {
+/// The variables that each stored project has had from the first version on.
+constexpr std::size_t FirstStandardVariables = CountsRow + 1;
+
+/// Sees to it that the variables that every project has stand at their places; the simulation counts on them.
+/// Those that an older version did not have yet are put there, and take the place of a client's of that name.
+bool StandardVariablesPlace(Project& project) {
+    auto& variables = project.variables;
     const std::vector<ProjectVariable> standard = StandardVariables();
-    return project.variables.size() >= standard.size() &&
-           std::equal(standard.begin(), standard.end(), project.variables.begin(),
-                      [](const ProjectVariable& expected, const ProjectVariable& stored) {
-                          return expected.name == stored.name && expected.kind == stored.kind;
-                      });
+    for (std::size_t row = 0; row < standard.size(); ++row) {
+        const ProjectVariable& expected = standard[row];
+        const bool there = row < variables.size() && variables[row].name == expected.name &&
+                           variables[row].kind == expected.kind;
+        if (there) continue;
+        if (row < FirstStandardVariables || row > variables.size()) return false;
+        std::erase_if(variables, [&](const ProjectVariable& each) { return each.name == expected.name; });
+        variables.insert(variables.begin() + static_cast<std::ptrdiff_t>(row), expected);
+    }
+    return true;
 }
 
 }  // namespace
@@ -322,7 +334,7 @@ bool ProjectFromJson(const std::string& text, Project& project) {
            ReadObjects(document, "nodes", [&](const auto& row) { return ReadNode(row, project); }) &&
            ReadObjects(document, "links", [&](const auto& row) { return ReadLink(row, project); }) &&
            ReadObjects(document, "variables", [&](const auto& row) { return ReadVariable(row, project); }) &&
-           HasStandardVariables(project) && ReadMember(document, "script", project.script);
+           StandardVariablesPlace(project) && ReadMember(document, "script", project.script);
 }
 
 }  // namespace standin

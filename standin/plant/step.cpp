@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <bit>
 
+#include "standin/held_values.h"
 #include "standin/notice.h"
 #include "standin/plant/plant.h"
 #include "standin/plant/project_values.h"
+#include "standin/run_time.h"
 
 namespace standin {
 
@@ -138,8 +140,18 @@ bool PlantStep(int slot, double seconds, StepCause cause) {
         lock.lock();
         if (changed()) return false;
     }
+    const auto vain = [&] { return changed() || (cause == StepCause::Run && !Runs(*project)); };
+    lock.unlock();
+    ScriptStep(slot, seconds, kept->script);
+    lock.lock();
+    if (vain()) return false;
+    if (kept->script != nullptr) kept->script->Apply(*project);
     const Layout& layout = kept->plant->GetLayout();
-    const PlantInputs inputs = InputsOf(*project, layout);
+    PlantInputs inputs;
+    {
+        const ComputedInPlace computed(*project);
+        inputs = InputsOf(*project, layout);
+    }
     lock.unlock();
 
     // Kept again only behind the step: one that ran out of memory midway is made anew.
@@ -148,10 +160,14 @@ bool PlantStep(int slot, double seconds, StepCause cause) {
     kept->plant = std::move(plant);
 
     lock.lock();
-    if (changed() || (cause == StepCause::Run && !Runs(*project))) return false;
-    WriteDevices(*project, layout, inputs, outputs);
-    WriteNodes(*project, layout, outputs);
+    if (vain()) return false;
+    {
+        const ComputedInPlace computed(*project);
+        WriteDevices(*project, layout, inputs, outputs);
+        WriteNodes(*project, layout, outputs);
+    }
     ProjectValuesWrite(*project, layout, outputs, seconds);
+    TimeAdvance(*project, seconds);
     const std::string beginning = std::string("plant: ") + project->name + ": ";
     lock.unlock();
     for (const std::string& fault : outputs.faults) Notice(beginning + fault);

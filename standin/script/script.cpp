@@ -37,7 +37,7 @@ ScriptAccess Guarded(Function function) {
     try {
         return function();
     } catch (const std::exception&) {
-        return ScriptAccess::Ended;
+        return ScriptAccess::NoMemory;
     }
 }
 
@@ -52,7 +52,7 @@ int Refuse(lua_State* lua, ScriptAccess access) {
     const char* name = lua_tostring(lua, 1);
     if (access == ScriptAccess::Unknown) return luaL_error(lua, "there is no variable '%s'", name);
     if (access == ScriptAccess::Array) return luaL_error(lua, "the variable '%s' is no single number", name);
-    return luaL_error(lua, "the run is over");
+    return luaL_error(lua, access == ScriptAccess::NoMemory ? "not enough memory" : "the run is over");
 }
 
 /// The message on top of the stack, which is left empty.
