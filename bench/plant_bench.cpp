@@ -9,7 +9,7 @@
 #include <thread>
 
 #include "engine/vorn_var.h"
-#include "standin/plant/step.h"
+#include "standin/plant_step.h"
 #include "standin/simulation.h"
 #include "tests/support/made_plant.h"
 

@@ -1,6 +1,7 @@
 #include "standin/catalogue.h"
 
 #include <algorithm>
+#include <array>
 #include <iterator>
 
 #include "engine/vorn_type_ids.h"
@@ -27,47 +28,52 @@ constexpr std::array SourcePorts{EndOut};
 constexpr std::array OneAisle{AisleType{0, 1}};
 constexpr std::array TwoAisles{AisleType{0, 1}, AisleType{2, 3}};
 
+// A row's number is part of the interface: a new item comes behind those that are there.
 constexpr std::array<string_view, 3> PipeItems{"PL", "ElbowNb", "D"};
 constexpr std::array<string_view, 4> DuctItems{"PL", "ElbowNb", "W", "H"};
 constexpr std::array<string_view, 1> WireItems{"PL"};
-constexpr std::array<string_view, 6> RoomItems{"InsideTemperature", "OutsideTemperature", "InsideHumidity",
-                                               "OutsideHumidity",   "InsidePm25",         "OutsidePm25"};
-constexpr std::array<string_view, 1> PowerItems{"Power"};
-constexpr std::array<string_view, 2> AirCoolerItems{"Power", "BKT_TEMP"};
-constexpr std::array<string_view, 2> PumpItems{"Head", "Power"};
+constexpr std::array<string_view, 9> RoomItems{"InsideTemperature", "OutsideTemperature", "InsideHumidity",
+                                               "OutsideHumidity",   "InsidePm25",         "OutsidePm25",
+                                               "TempLow",           "TempHigh",           "Alarm"};
+constexpr std::array<string_view, 2> EmitterItems{"Power", "Alarm"};
+constexpr std::array<string_view, 3> AirCoolerItems{"Power", "BKT_TEMP", "Alarm"};
+constexpr std::array<string_view, 3> PumpItems{"Head", "Power", "Alarm"};
 constexpr std::array<string_view, 1> OpeningItems{"Opening"};
-constexpr std::array<string_view, 1> AreaItems{"Area"};
-constexpr std::array<string_view, 2> EvaporatorItems{"Area", "BKT_TEMP"};
+constexpr std::array<string_view, 2> AreaItems{"Area", "Alarm"};
+constexpr std::array<string_view, 3> TankItems{"Volume", "Glycol", "Alarm"};
+constexpr std::array<string_view, 2> TowerItems{"Power", "Alarm"};
+constexpr std::array<string_view, 3> CompressorItems{"Power", "Trip", "Alarm"};
+constexpr std::array<string_view, 3> EvaporatorItems{"Area", "BKT_TEMP", "Alarm"};
 constexpr std::array<string_view, 1> VolumeItems{"Volume"};
 constexpr std::array<string_view, 1> VoltageItems{"Voltage"};
-constexpr std::array<string_view, 1> StoreItems{"BKT_TEMP"};
+constexpr std::array<string_view, 4> StoreItems{"BKT_TEMP", "TempLow", "TempHigh", "Alarm"};
 
 constexpr std::array<string_view, 3> JunctionItems{"Pressure", "Temperature", "Flow"};
 
 constexpr ModuleType Types[] = {
-    {PipeOneID, "铸铁管道", Role::CastIronPipe, InlinePorts, OneAisle, PipeItems},
-    {WireOneID, "导线", Role::None, InlinePorts, OneAisle, WireItems},
-    {DuctOneID, "矩形风管", Role::Duct, InlinePorts, OneAisle, DuctItems},
-    {CopperOneID, "铜管", Role::CopperPipe, InlinePorts, OneAisle, PipeItems},
-    {CastIronReducerOneID, "铸铁异径管", Role::CastIronPipe, InlinePorts, OneAisle, PipeItems, true},
-    {DuctReducerOneID, "风管异径管", Role::Duct, InlinePorts, OneAisle, DuctItems, true},
-    {CopperReducerOneID, "铜异径管", Role::CopperPipe, InlinePorts, OneAisle, PipeItems, true},
-    {RoomOneID, "房间", Role::Room, {}, {}, RoomItems},
-    {FanCoilOneID, "风机盘管", Role::Terminal, InlinePorts, OneAisle, PowerItems},
-    {AirCoolerOneID, "冷风机", Role::AirCooler, InlinePorts, OneAisle, AirCoolerItems},
-    {RadiatorOneID, "散热器", Role::Terminal, InlinePorts, OneAisle, PowerItems},
-    {PumpOneID, "水泵", Role::Pump, DrivenPorts, OneAisle, PumpItems},
-    {ValveOneID, "阀门", Role::Valve, InlinePorts, OneAisle, OpeningItems},
-    {ExchangerOneID, "板式换热器", Role::Exchanger, ExchangerPorts, TwoAisles, AreaItems},
-    {TankOneID, "膨胀水箱", Role::Tank, VesselPorts, {}, VolumeItems},
-    {CoolingTowerOneID, "冷却塔", Role::Tower, VesselPorts, {}, PowerItems},
-    {CompressorOneID, "压缩机", Role::Compressor, DrivenPorts, OneAisle, PowerItems},
-    {CondenserOneID, "冷凝器", Role::Condenser, ExchangerPorts, TwoAisles, AreaItems},
-    {EvaporatorOneID, "蒸发器", Role::Evaporator, ExchangerPorts, TwoAisles, EvaporatorItems},
-    {ExpansionValveOneID, "膨胀阀", Role::ExpansionValve, InlinePorts, OneAisle, OpeningItems},
-    {ReceiverOneID, "储液器", Role::Receiver, VesselPorts, {}, VolumeItems},
-    {PowerSourceOneID, "电源", Role::None, SourcePorts, {}, VoltageItems},
-    {ColdStoreOneID, "冷库", Role::ColdStore, {}, {}, StoreItems},
+    {{Role::CastIronPipe, InlinePorts, OneAisle, PipeItems}, PipeOneID, "铸铁管道"},
+    {{Role::None, InlinePorts, OneAisle, WireItems}, WireOneID, "导线"},
+    {{Role::Duct, InlinePorts, OneAisle, DuctItems}, DuctOneID, "矩形风管"},
+    {{Role::CopperPipe, InlinePorts, OneAisle, PipeItems}, CopperOneID, "铜管"},
+    {{Role::CastIronPipe, InlinePorts, OneAisle, PipeItems, true}, CastIronReducerOneID, "铸铁异径管"},
+    {{Role::Duct, InlinePorts, OneAisle, DuctItems, true}, DuctReducerOneID, "风管异径管"},
+    {{Role::CopperPipe, InlinePorts, OneAisle, PipeItems, true}, CopperReducerOneID, "铜异径管"},
+    {{Role::Room, {}, {}, RoomItems}, RoomOneID, "房间"},
+    {{Role::FanCoil, InlinePorts, OneAisle, EmitterItems}, FanCoilOneID, "风机盘管"},
+    {{Role::AirCooler, InlinePorts, OneAisle, AirCoolerItems}, AirCoolerOneID, "冷风机"},
+    {{Role::Radiator, InlinePorts, OneAisle, EmitterItems}, RadiatorOneID, "散热器"},
+    {{Role::Pump, DrivenPorts, OneAisle, PumpItems}, PumpOneID, "水泵"},
+    {{Role::Valve, InlinePorts, OneAisle, OpeningItems}, ValveOneID, "阀门"},
+    {{Role::Exchanger, ExchangerPorts, TwoAisles, AreaItems}, ExchangerOneID, "板式换热器"},
+    {{Role::Tank, VesselPorts, {}, TankItems}, TankOneID, "膨胀水箱"},
+    {{Role::Tower, VesselPorts, {}, TowerItems}, CoolingTowerOneID, "冷却塔"},
+    {{Role::Compressor, DrivenPorts, OneAisle, CompressorItems}, CompressorOneID, "压缩机"},
+    {{Role::Condenser, ExchangerPorts, TwoAisles, AreaItems}, CondenserOneID, "冷凝器"},
+    {{Role::Evaporator, ExchangerPorts, TwoAisles, EvaporatorItems}, EvaporatorOneID, "蒸发器"},
+    {{Role::ExpansionValve, InlinePorts, OneAisle, OpeningItems}, ExpansionValveOneID, "膨胀阀"},
+    {{Role::Receiver, VesselPorts, {}, VolumeItems}, ReceiverOneID, "储液器"},
+    {{Role::None, SourcePorts, {}, VoltageItems}, PowerSourceOneID, "电源"},
+    {{Role::ColdStore, {}, {}, StoreItems}, ColdStoreOneID, "冷库"},
 };
 
 }  // namespace

@@ -2,56 +2,18 @@
 
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <span>
 #include <string_view>
 
+#include "standin/plant/plant.h"
+
 namespace standin {
 
-/// One port of a module type. The through ports of a module are flagged: a chain goes on inside the module.
-struct PortType {
-    bool outlet = false;
-    bool through = false;
-    int aisle = -1;  ///< the aisle that the port belongs to; -1 for an end port
-};
-
-/// The path through a module from an inlet to an outlet.
-struct AisleType {
-    int inlet = -1;
-    int outlet = -1;
-};
-
-/// What modules of a type do in the plant.
-enum class Role {
-    None,  ///< carries what flows through it and does nothing else
-    CastIronPipe,
-    CopperPipe,
-    Duct,
-    Pump,
-    Valve,
-    ExpansionValve,
-    Exchanger,
-    Condenser,
-    Evaporator,
-    Terminal,  ///< fan coil, radiator
-    AirCooler,
-    Compressor,
-    Tank,
-    Tower,
-    Receiver,
-    Room,
-    ColdStore
-};
-
-struct ModuleType {
+/// A type of module: what the plant reads of it, and how clients know it.
+struct ModuleType : PlantType {
     std::int64_t oneId;
     std::string_view name;  ///< UTF-8
-    Role role;
-    std::span<const PortType> ports;
-    std::span<const AisleType> aisles;
-    std::span<const std::string_view> items;  ///< the rows of the type's table of items, all reals
-    bool reducer = false;                     ///< a pipe or duct with a reducer's loss
 };
 
 /// All types, by type number.

@@ -5,7 +5,7 @@
 #include <cstring>
 
 #include "standin/control.h"
-#include "standin/plant/step.h"
+#include "standin/plant_step.h"
 #include "standin/project_lock.h"
 #include "standin/run_time.h"
 #include "text/fixed_text.h"
@@ -101,6 +101,8 @@ std::vector<ProjectVariable> StandardVariables() {
             {.name = "GStep", .kind = VariableKind::Integer},
             {.name = "GSeries", .kind = VariableKind::RealArray},
             {.name = "GCounts", .kind = VariableKind::IntegerArray},
+            {.name = "GOutside", .reals = {UsualOutside}},
+            {.name = "GAlarms", .kind = VariableKind::Integer},
             {.name = "GTime"},
             {.name = "GStepSeconds", .reals = {StepSeconds}},
             {.name = "GRate", .reals = {UsualRate}},

@@ -142,6 +142,8 @@ enum StandardVariable : std::size_t {
     StepsRow,            ///< GStep
     SeriesRow,           ///< GSeries
     CountsRow,           ///< GCounts
+    OutsideRow,          ///< GOutside, degrees Celsius outside
+    AlarmsRow,           ///< GAlarms
     TimeRow,             ///< GTime
     StepSecondsRow,      ///< GStepSeconds
     RateRow,             ///< GRate

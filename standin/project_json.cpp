@@ -203,7 +203,9 @@ bool ReadLayer(const JsonValue& object, ElementValues& values) {
     values.items.assign(values.items.size(), 0.0);
     if (object.MemberCount() == 0) return true;
     const JsonValue* items = FindArray(object, "items");
-    return items != nullptr && ReadReals(*items, values.items) &&
+    // An older version stored fewer items; the new ones come behind them.
+    return items != nullptr && items->Size() <= values.items.size() &&
+           ReadReals(*items, std::span(values.items).first(items->Size())) &&
            ReadArray(object, "ports", [&](const JsonValue& port) { return ReadPort(port, values); });
 }
 
@@ -287,24 +289,27 @@ bool ReadVariable(const JsonValue& object, Project& project) {
     return project.variables.size() <= ProjectVariableCapacity;
 }
 
-/// The variables that each stored project has had from the first version on.
-constexpr std::size_t FirstStandardVariables = CountsRow + 1;
-
-/// Sees to it that the variables that every project has stand at their places; the simulation counts on them.
-/// Those that an older version did not have yet are put there, and take the place of a client's of that name.
-bool StandardVariablesPlace(Project& project) {
-    auto& variables = project.variables;
-    const std::vector<ProjectVariable> standard = StandardVariables();
-    for (std::size_t row = 0; row < standard.size(); ++row) {
-        const ProjectVariable& expected = standard[row];
-        const bool there = row < variables.size() && variables[row].name == expected.name &&
-                           variables[row].kind == expected.kind;
-        if (there) continue;
-        if (row < FirstStandardVariables || row > variables.size()) return false;
-        std::erase_if(variables, [&](const ProjectVariable& each) { return each.name == expected.name; });
-        variables.insert(variables.begin() + static_cast<std::ptrdiff_t>(row), expected);
+/// Brings the variables that every project has to their places, the first rows, on which the simulation
+/// counts. An older version stored fewer of them. False where one of them is of another kind, or where one of
+/// the oldest is missing.
+bool PlaceStandardVariables(Project& project) {
+    constexpr std::size_t OldestCount = 6;
+    std::vector<ProjectVariable> placed = StandardVariables();
+    for (std::size_t row = 0; row < StandardVariableCount; ++row) {
+        const auto stored =
+            std::find_if(project.variables.begin(), project.variables.end(),
+                         [&](const ProjectVariable& each) { return each.name == placed[row].name; });
+        if (stored == project.variables.end()) {
+            if (row < OldestCount) return false;
+            continue;
+        }
+        if (stored->kind != placed[row].kind) return false;
+        placed[row] = std::move(*stored);
+        project.variables.erase(stored);
     }
-    return true;
+    placed.insert(placed.end(), project.variables.begin(), project.variables.end());
+    project.variables = std::move(placed);
+    return project.variables.size() <= ProjectVariableCapacity;
 }
 
 }  // namespace
@@ -334,7 +339,7 @@ bool ProjectFromJson(const std::string& text, Project& project) {
            ReadObjects(document, "nodes", [&](const auto& row) { return ReadNode(row, project); }) &&
            ReadObjects(document, "links", [&](const auto& row) { return ReadLink(row, project); }) &&
            ReadObjects(document, "variables", [&](const auto& row) { return ReadVariable(row, project); }) &&
-           StandardVariablesPlace(project) && ReadMember(document, "script", project.script);
+           PlaceStandardVariables(project) && ReadMember(document, "script", project.script);
 }
 
 }  // namespace standin

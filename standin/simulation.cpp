@@ -13,7 +13,7 @@
 #include "standin/control.h"
 #include "standin/held_values.h"
 #include "standin/notice.h"
-#include "standin/plant/step.h"
+#include "standin/plant_step.h"
 #include "standin/run_time.h"
 
 namespace standin {

@@ -40,7 +40,7 @@ double* RunReal(Element& element, int port, int variable) {
     if (port >= PortsPerElement || variable < 0 || variable >= static_cast<int>(PortReals.size()))
         return nullptr;
     std::vector<PortValues>& ports = element.layers[RunLayer].ports;
-    ports.resize(PortsPerElement);
+    if (ports.size() < PortsPerElement) ports.resize(PortsPerElement);
     return &(ports[static_cast<std::size_t>(port)].*PortReals[static_cast<std::size_t>(variable)].value);
 }
 

@@ -8,7 +8,7 @@
 #include "include/vorn_server.h"
 #include "service/pipe_message.h"
 #include "service/pipe_service.h"
-#include "standin/plant/step.h"
+#include "standin/plant_step.h"
 #include "standin/simulation.h"
 #include "tests/support/failing_new.h"
 #include "tests/support/service_test.h"

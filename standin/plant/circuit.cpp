@@ -5,12 +5,15 @@
 
 #include "standin/plant/fluid.h"
 #include "standin/plant/layout.h"
+#include "standin/plant/refrigerant.h"
 
 namespace standin {
 
 namespace {
 
 constexpr double CarnotShare = 0.5;
+constexpr double RatedEvaporating = -10.0;  // degrees Celsius
+constexpr double RatedCondensing = 45.0;
 constexpr int Halvings = 60;  // of some hundred kelvins: down to what a double can tell
 
 /// A circuit at the temperatures of its surroundings.
@@ -57,30 +60,36 @@ double CondensingAt(const Surroundings& around, double evaporating, double taken
     return condensing;
 }
 
-/// True where evaporating at that temperature asks for more power than there is, or for more than the highest
-/// condensing temperature.
+/// True where evaporating at that temperature asks for more than the displacement takes in, for more power
+/// than there is, or for more than the highest condensing temperature.
 bool AsksTooMuch(const Surroundings& around, double evaporating, double& condensing) {
     const double taken = around.Taken(evaporating);
     condensing = CondensingAt(around, evaporating, taken);
     return condensing > HighestCondensing ||
-           taken * PowerShare(evaporating, condensing) > around.circuit.power;
+           taken * PowerShare(evaporating, condensing) > around.circuit.power ||
+           taken > CapacityOf(around.circuit.power, evaporating, condensing).watts;
 }
 
 }  // namespace
 
-Heat HeatOf(const Exchange& exchange, std::span<const double> temperatures) {
-    const double difference = At(temperatures, exchange.senseFrom) - At(temperatures, exchange.senseTo);
-    const double watts = exchange.conductance * difference;
-    if (watts <= exchange.least) return {exchange.least, 0.0};
-    if (watts >= exchange.most) return {exchange.most, 0.0};
-    return {watts, exchange.conductance};
+Capacity CapacityOf(double power, double evaporating, double condensing) {
+    static const double displacement = [] {  // m3/s of 1 W
+        const double taken = EvaporationHeat(RatedEvaporating, RatedCondensing);
+        return 1.0 / (PowerShare(RatedEvaporating, RatedCondensing) *
+                      SaturationAt(RatedEvaporating).vapourDensity.value * taken);
+    }();
+    const Saturation suction = SaturationAt(evaporating);
+    const Saturation liquid = SaturationAt(condensing);
+    const double volume = displacement * power;
+    const double taken = suction.vapourEnthalpy.value - liquid.liquidEnthalpy.value;
+    return {volume * suction.vapourDensity.value * taken,
+            volume * (suction.vapourDensity.slope * taken +
+                      suction.vapourDensity.value * suction.vapourEnthalpy.slope),
+            -volume * suction.vapourDensity.value * liquid.liquidEnthalpy.slope};
 }
 
-double HeatSum(std::span<const int> list, std::span<const Exchange> exchanges,
-               std::span<const double> temperatures) {
-    double sum = 0.0;
-    for (const int number : list) sum += HeatOf(At(exchanges, number), temperatures).watts;
-    return sum;
+double EvaporationHeat(double evaporating, double condensing) {
+    return SaturationAt(evaporating).vapourEnthalpy.value - SaturationAt(condensing).liquidEnthalpy.value;
 }
 
 double PowerShare(double evaporating, double condensing) {
@@ -110,7 +119,10 @@ void CircuitBalance(Circuit& circuit, std::span<const Exchange> exchanges,
             (AsksTooMuch(around, middle, found) ? low : high) = middle;
         }
         AsksTooMuch(around, low, found);
-        circuit.drive = found > HighestCondensing ? Drive::HighLimit : Drive::Free;
+        const double taken = around.Taken(low);
+        circuit.drive = found > HighestCondensing                        ? Drive::HighLimit
+                        : taken * PowerShare(low, found) > circuit.power ? Drive::Motor
+                                                                         : Drive::Displacement;
         AsksTooMuch(around, high, found);
         low = high;
     }

@@ -4,7 +4,6 @@
 #include <cmath>
 #include <iterator>
 #include <string_view>
-#include <vector>
 
 namespace standin {
 
@@ -22,26 +21,23 @@ constexpr std::string_view ItemNames[] = {"PL",
                                           "Volume",
                                           "InsideTemperature",
                                           "OutsideTemperature",
-                                          "BKT_TEMP"};
+                                          "BKT_TEMP",
+                                          "Glycol",
+                                          "Trip",
+                                          "Alarm",
+                                          "TempLow",
+                                          "TempHigh"};
 static_assert(std::size(ItemNames) == static_cast<std::size_t>(Item::Count));
-
-DeviceType Made(const ModuleType& type) {
-    DeviceType made{type};
-    std::transform(std::begin(ItemNames), std::end(ItemNames), made.rows.begin(),
-                   [&](std::string_view name) { return ItemRow(type.items, name); });
-    return made;
-}
 
 }  // namespace
 
-const DeviceType& DeviceTypeOf(int type) {
-    // Never destroyed: the engine's threads may work while the process ends.
-    static const auto& types = *[] {
-        auto* made = new std::vector<DeviceType>;
-        for (const ModuleType& each : Catalogue()) made->push_back(Made(each));
-        return made;
-    }();
-    return types[static_cast<std::size_t>(type)];
+DeviceType DeviceTypeOf(const PlantType& type) {
+    DeviceType made{type, {}};
+    std::transform(std::begin(ItemNames), std::end(ItemNames), made.rows.begin(), [&](std::string_view name) {
+        const auto found = std::find(type.items.begin(), type.items.end(), name);
+        return found == type.items.end() ? -1 : static_cast<int>(found - type.items.begin());
+    });
+    return made;
 }
 
 double Within(double value, double low, double high, double fallback) {

@@ -1,10 +1,10 @@
-// The module types as the plant sees them, and the items that they are told by.
+// The module types as the plant sees them, and the items that it reads and writes.
 
 #pragma once
 
 #include <array>
 
-#include "standin/catalogue.h"
+#include "standin/plant/plant.h"
 
 namespace standin {
 
@@ -22,18 +22,22 @@ enum class Item {
     Inside,    ///< degrees Celsius
     Outside,   ///< degrees Celsius
     Store,     ///< degrees Celsius
+    Glycol,    ///< above 0: the net is brine
+    Trip,      ///< see `Trip`
+    Alarm,     ///< see `Alarm`
+    TempLow,   ///< degrees Celsius
+    TempHigh,  ///< degrees Celsius
     Count
 };
 
-/// One type of the catalogue as the plant sees it.
-struct DeviceType : ModuleType {
+/// A type of module with the rows of the items that the plant knows.
+struct DeviceType : PlantType {
     std::array<int, static_cast<std::size_t>(Item::Count)> rows{};  ///< of each item, -1 where it has none
 
     int Row(Item item) const { return rows[static_cast<std::size_t>(item)]; }
 };
 
-/// By type number, which is one of the catalogue's.
-const DeviceType& DeviceTypeOf(int type);
+DeviceType DeviceTypeOf(const PlantType& type);
 
 /// A vessel's ports hold a pressure; what stands in it is one content.
 constexpr bool IsVessel(Role role) {

@@ -4,7 +4,7 @@
 
 namespace standin {
 
-enum class Fluid { Water, Air, Refrigerant };
+enum class Fluid { Water, Brine, Air, Refrigerant };
 
 struct FluidProperties {
     double density;       ///< kg/m3
@@ -12,16 +12,20 @@ struct FluidProperties {
     double heatCapacity;  ///< J/(kg K)
 };
 
-/// Water and air at 20 degrees Celsius. A refrigerant circuit is one lump and asks for none of these.
+/// Water and air at 20 degrees Celsius; brine, water with 30 % of ethylene glycol by volume, at 0, rounded
+/// from the tables of secondary coolants in the ASHRAE Handbook - Fundamentals. A refrigerant circuit is one
+/// lump and asks for none of these.
 constexpr FluidProperties PropertiesOf(Fluid fluid) {
-    return fluid == Fluid::Air ? FluidProperties{1.204, 1.506e-5, 1006.0}
-                               : FluidProperties{998.2, 1.004e-6, 4182.0};
+    if (fluid == Fluid::Air) return {1.204, 1.506e-5, 1006.0};
+    if (fluid == Fluid::Brine) return {1050.0, 3.3e-6, 3640.0};
+    return {998.2, 1.004e-6, 4182.0};
 }
 
-inline constexpr double Gravity = 9.80665;        // m/s2
-inline constexpr double ZeroCelsius = 273.15;     // K
-inline constexpr double PascalPerKilo = 1000.0;   // also W in a kW
-inline constexpr double StartTemperature = 20.0;  // degrees Celsius of all fluid when a run begins
-inline constexpr double OutsideAir = 25.0;        // degrees Celsius around towers and cold stores
+inline constexpr double Gravity = 9.80665;     // m/s2
+inline constexpr double ZeroCelsius = 273.15;  // K
+inline constexpr double PascalPerKilo = 1000.0;
+inline constexpr double WattPerKilo = 1000.0;
+inline constexpr double LeastFlow = 1e-9;     // kg/s; less is what rounding leaves of nothing
+inline constexpr double StoreOutside = 25.0;  // degrees Celsius around a cold store
 
 }  // namespace standin

@@ -86,47 +86,68 @@ namespace {
 using Entries = std::vector<Eigen::Triplet<double>>;
 
 /// The rows of a circuit: what its temperatures are to follow when others change.
-void CircuitRows(const Circuit& circuit, const HeatTask& task, const std::vector<double>& temperatures,
-                 Entries& entries) {
-    const int energy = circuit.evaporating;  // heat given - heat taken - power = 0
-    const int lift = circuit.condensing;     // taken x share - power = 0, or a temperature that stays
-    const double evaporating = At(temperatures, circuit.evaporating);
-    const double share = PowerShare(evaporating, At(temperatures, circuit.condensing));
-    const double taken = HeatSum(circuit.evaporators, task.exchanges, temperatures);
-    // How the share grows with the condensing and with the evaporating temperature.
-    const double byCondensing = share > 0.0 ? PowerShareSlope(evaporating) : 0.0;
-    const double byEvaporating = -byCondensing - share / (evaporating + ZeroCelsius);
-    const bool unloads = circuit.drive != Drive::Free;
-    const double takenInEnergy = unloads ? 1.0 + share : 1.0;
-    for (const int number : circuit.evaporators) {
-        const Exchange& exchange = At(task.exchanges, number);
-        const double slope = HeatOf(exchange, temperatures).slope;
-        entries.emplace_back(energy, exchange.senseFrom, -takenInEnergy * slope);
-        entries.emplace_back(energy, circuit.evaporating, takenInEnergy * slope);
-        if (unloads) continue;
-        entries.emplace_back(lift, exchange.senseFrom, share * slope);
-        entries.emplace_back(lift, circuit.evaporating, -share * slope);
-    }
-    for (const int number : circuit.condensers) {
-        const Exchange& exchange = At(task.exchanges, number);
-        const double slope = HeatOf(exchange, temperatures).slope;
-        entries.emplace_back(energy, circuit.condensing, slope);
-        entries.emplace_back(energy, exchange.senseTo, -slope);
-    }
-    if (unloads) {
-        entries.emplace_back(energy, circuit.evaporating, -taken * byEvaporating + Hold);
+class CircuitRows {
+  public:
+    CircuitRows(const Circuit& circuit, const HeatTask& task, const std::vector<double>& temperatures,
+                Entries& entries)
+        : circuit_(circuit), task_(task), temperatures_(temperatures), entries_(entries) {}
+
+    void Add() {
+        const double evaporating = At(temperatures_, circuit_.evaporating);
+        const double condensing = At(temperatures_, circuit_.condensing);
+        const double share = PowerShare(evaporating, condensing);
+        const double taken = HeatSum(circuit_.evaporators, task_.exchanges, temperatures_);
+        // How the share grows with the condensing and with the evaporating temperature.
+        const double byCondensing = share > 0.0 ? PowerShareSlope(evaporating) : 0.0;
+        const double byEvaporating = -byCondensing - share / (evaporating + ZeroCelsius);
+        const bool motor = circuit_.drive == Drive::Motor;
+        // heat given - heat taken - power = 0
+        Given();
+        Taken(circuit_.evaporating, motor ? -1.0 : -1.0 - share);
         // That power grows with the condensing temperature is left out: it would turn a correction round
         // where nothing but the condenser's own heat moves that temperature.
-        entries.emplace_back(energy, circuit.condensing, Hold);
-        const bool low = circuit.drive == Drive::LowLimit;
-        // The temperature at its limit stays; the energy's row finds the other.
-        entries.emplace_back(lift, low ? circuit.evaporating : circuit.condensing, 1.0);
-    } else {
-        entries.emplace_back(lift, circuit.evaporating, taken * byEvaporating);
-        entries.emplace_back(lift, circuit.condensing, taken * byCondensing + Hold);
-        entries.emplace_back(energy, circuit.evaporating, Hold);
+        Entry(circuit_.evaporating, circuit_.evaporating, Hold - (motor ? 0.0 : taken * byEvaporating));
+        Entry(circuit_.evaporating, circuit_.condensing, motor ? 0.0 : Hold);
+        if (motor) {  // taken x share - power = 0
+            Taken(circuit_.condensing, share);
+            Entry(circuit_.condensing, circuit_.evaporating, taken * byEvaporating);
+            Entry(circuit_.condensing, circuit_.condensing, taken * byCondensing + Hold);
+        } else if (circuit_.drive == Drive::Displacement) {  // taken - capacity = 0
+            const Capacity capacity = CapacityOf(circuit_.power, evaporating, condensing);
+            Taken(circuit_.condensing, -1.0);
+            Entry(circuit_.condensing, circuit_.evaporating, capacity.byEvaporating);
+            Entry(circuit_.condensing, circuit_.condensing, capacity.byCondensing + Hold);
+        } else {  // The temperature at its limit stays; the other row finds the other.
+            const bool low = circuit_.drive == Drive::LowLimit;
+            Entry(circuit_.condensing, low ? circuit_.evaporating : circuit_.condensing, 1.0);
+        }
     }
-}
+
+  private:
+    void Entry(int row, int column, double value) { entries_.emplace_back(row, column, value); }
+    /// Adds to a row the heat taken, so many times.
+    void Taken(int row, double times) {
+        for (const int number : circuit_.evaporators) {
+            const Exchange& exchange = At(task_.exchanges, number);
+            const double slope = times * HeatOf(exchange, temperatures_).slope;
+            Entry(row, exchange.senseFrom, slope);
+            Entry(row, circuit_.evaporating, -slope);
+        }
+    }
+    void Given() {
+        for (const int number : circuit_.condensers) {
+            const Exchange& exchange = At(task_.exchanges, number);
+            const double slope = HeatOf(exchange, temperatures_).slope;
+            Entry(circuit_.evaporating, circuit_.condensing, slope);
+            Entry(circuit_.evaporating, exchange.senseTo, -slope);
+        }
+    }
+
+    const Circuit& circuit_;
+    const HeatTask& task_;
+    const std::vector<double>& temperatures_;
+    Entries& entries_;
+};
 
 }  // namespace
 
@@ -156,7 +177,7 @@ bool HeatSolver::Factor(const HeatTask& task, const std::vector<double>& tempera
         add(exchange.feelTo, exchange.senseFrom, -slope);
         add(exchange.feelTo, exchange.senseTo, slope);
     }
-    for (const Circuit& circuit : task.circuits) CircuitRows(circuit, task, temperatures, entries);
+    for (const Circuit& circuit : task.circuits) CircuitRows(circuit, task, temperatures, entries).Add();
     Eigen::SparseMatrix<double> matrix(count, count);
     matrix.setFromTriplets(entries.begin(), entries.end());
     matrix.makeCompressed();

@@ -11,7 +11,6 @@ namespace {
 constexpr double ColdestStart = -200.0;  // degrees Celsius that a client's value counts for at most
 constexpr double HottestStart = 2000.0;
 constexpr double MostArea = 1e6;    // m2
-constexpr double MostPower = 1e6;   // kW
 constexpr double MostVolume = 1e9;  // m3
 
 constexpr double PlateTransfer = 500.0;        // W/(m2 K)
@@ -25,29 +24,16 @@ constexpr double DeviceCapacity = 50e3;  // J/K, of each device in a room
 constexpr double RoomLeak = 100.0;       // W/K
 constexpr double StoreLeak = 30.0;
 
-constexpr double LeastFlow = 1e-9;  // kg/s that carry heat; less is what rounding leaves of nothing
+/// A pump gives its stream its power as heat, at most what warms it by so much, and less where it comes near
+/// the temperature at which water boils in a pump's casing: there it gives none.
+constexpr double MostPumpRise = 80.0;   // K
+constexpr double PumpLimit = 110.0;     // degrees Celsius
+constexpr double PumpLimitBand = 10.0;  // K below the limit in which the heat falls to none
 
 constexpr double NoLimit = std::numeric_limits<double>::infinity();
 
 double Temperature(double value) {
     return Within(value, ColdestStart, HottestStart, StartTemperature);
-}
-
-/// Heat moved per kelvin between the inlets of two streams in counter-flow, by effectiveness and number of
-/// transfer units (W. M. Kays and A. L. London, Compact Heat Exchangers).
-double CounterFlow(double transfer, double one, double other) {
-    const double least = std::min(one, other);
-    const double ratio = least / std::max(one, other);
-    if (least <= 0.0 || transfer <= 0.0) return 0.0;
-    const double units = transfer / least;
-    if (1.0 - ratio < 1e-9) return least * units / (1.0 + units);
-    const double decay = std::exp(-units * (1.0 - ratio));
-    return least * (1.0 - decay) / (1.0 - ratio * decay);
-}
-
-/// The same where one side keeps its temperature.
-double ToConstant(double transfer, double rate) {
-    return rate <= 0.0 ? 0.0 : -rate * std::expm1(-transfer / rate);
 }
 
 }  // namespace
@@ -61,6 +47,7 @@ HeatBalance::HeatBalance(const Layout& layout)
       circuits_(layout.nets.size()) {
     placeCount_ = FirstContent() + static_cast<int>(layout.contents.size());
     ambient_ = placeCount_++;
+    pumpLimit_ = placeCount_++;
     for (std::size_t device = 0; device < layout.devices.size(); ++device) {
         const Device& each = layout.devices[device];
         if (each.room >= 0) ++At(deviceCounts_, each.room);
@@ -94,20 +81,24 @@ void HeatBalance::FindLowSides() {
     }
 }
 
-double HeatBalance::RateOf(int net) const {
-    return PropertiesOf(At(layout_.nets, net).fluid).heatCapacity;
-}
-
 HeatBalance::Ends HeatBalance::EndsOf(int aisle, const Hydraulics& hydraulics) const {
     const Aisle& is = At(layout_.aisles, aisle);
     const double flow = At(hydraulics.Flows(), aisle);
-    const double rate = std::abs(flow) < LeastFlow ? 0.0 : std::abs(flow) * RateOf(is.net);
+    const double rate = std::abs(flow) < LeastFlow
+                            ? 0.0
+                            : std::abs(flow) * PropertiesOf(hydraulics.FluidOf(is.net)).heatCapacity;
     return flow < 0.0 ? Ends{is.outlet, is.inlet, rate} : Ends{is.inlet, is.outlet, rate};
 }
 
+/// What is in a pipe keeps its heat, half of it at each end.
 void HeatBalance::AddStreams(const Hydraulics& hydraulics) {
     for (int number = 0; number < static_cast<int>(layout_.aisles.size()); ++number) {
         if (At(layout_.nets, At(layout_.aisles, number).net).fluid == Fluid::Refrigerant) continue;
+        const Aisle& aisle = At(layout_.aisles, number);
+        const FluidProperties is = PropertiesOf(hydraulics.FluidOf(aisle.net));
+        const double half = 0.5 * hydraulics.Volume(number) * is.density * is.heatCapacity;
+        At(task_.places, aisle.inlet).capacity += half;
+        At(task_.places, aisle.outlet).capacity += half;
         const Ends ends = EndsOf(number, hydraulics);
         if (ends.rate > 0.0 && ends.upstream != ends.downstream) {
             task_.streams.push_back({ends.upstream, ends.downstream, ends.rate});
@@ -126,12 +117,12 @@ void HeatBalance::AddContents(const PlantInputs& inputs, const Hydraulics& hydra
         for (const int device : content.devices) {
             const double temperature = Temperature(At(inputs.vessels, device));
             const double part =
-                Positive(inputs.Get(At(layout_.devices, device), Item::Volume), MostVolume, 0.0);
+                Positive(Get(inputs, At(layout_.devices, device), Item::Volume), MostVolume, 0.0);
             volume += part;
             warmth += part * temperature;
             mean += temperature / static_cast<double>(content.devices.size());
         }
-        const FluidProperties is = PropertiesOf(At(layout_.nets, content.net).fluid);
+        const FluidProperties is = PropertiesOf(hydraulics.FluidOf(content.net));
         Place& place = At(task_.places, FirstContent() + static_cast<int>(number));
         place.start = volume > 0.0 ? warmth / volume : mean;
         place.capacity = volume * is.density * is.heatCapacity;
@@ -146,7 +137,7 @@ void HeatBalance::AddContents(const PlantInputs& inputs, const Hydraulics& hydra
         const double flow = hydraulics.MouthFlows()[number];
         if (std::abs(flow) < LeastFlow || At(layout_.nets, net).fluid == Fluid::Refrigerant) continue;
         const int content = FirstContent() + mouth.content;
-        const double rate = std::abs(flow) * RateOf(net);
+        const double rate = std::abs(flow) * PropertiesOf(hydraulics.FluidOf(net)).heatCapacity;
         if (flow > 0.0) {
             task_.streams.push_back({mouth.point, content, rate});
         } else {
@@ -154,8 +145,9 @@ void HeatBalance::AddContents(const PlantInputs& inputs, const Hydraulics& hydra
         }
         const Device& device = At(layout_.devices, mouth.device);
         if (flow < 0.0 || device.type->role != Role::Tower) continue;
-        const double power = Positive(inputs.Get(device, Item::Power), MostPower, 0.0) * PascalPerKilo;
-        Add({mouth.point, content, ambient_, ambient_, rate, 0.0, power * flow / At(inflow, mouth.device)});
+        const double part = flow / At(inflow, mouth.device);
+        const double transfer = TransferAt(TowerRating, Watts(inputs, device)) * part;
+        Add({mouth.point, content, ambient_, ambient_, ToConstant(transfer, rate), 0.0, NoLimit});
     }
 }
 
@@ -165,9 +157,9 @@ void HeatBalance::AddRooms(const PlantInputs& inputs) {
         const int inside = roomPlaces_[number];
         if (inside < 0) continue;
         const bool store = device.type->role == Role::ColdStore;
-        const double outside = store ? OutsideAir : Temperature(inputs.Get(device, Item::Outside));
+        const double outside = store ? StoreOutside : Temperature(Get(inputs, device, Item::Outside));
         At(task_.places, inside) = {
-            .start = Temperature(inputs.Get(device, store ? Item::Store : Item::Inside)),
+            .start = Temperature(Get(inputs, device, store ? Item::Store : Item::Inside)),
             .capacity = RoomCapacity + DeviceCapacity * deviceCounts_[number]};
         At(task_.places, inside + 1) = {.start = outside, .pinned = true};
         const double leak = store ? StoreLeak : RoomLeak;
@@ -195,14 +187,14 @@ void HeatBalance::AddCoupled(const PlantInputs& inputs, const Hydraulics& hydrau
     const int net = At(layout_.aisles, own).net;
     const int circuit = CircuitPlace(net);
     const bool condenser = device.type->role == Role::Condenser;
-    const double transfer = RefrigerantTransfer * Positive(inputs.Get(device, Item::Area), MostArea, 0.0);
+    const double area = Positive(Get(inputs, device, Item::Area), MostArea, 0.0);
+    const double transfer = RefrigerantTransfer * area * (condenser ? 1.0 : hydraulics.Wetted(own));
     const int room = device.room < 0 ? -1 : RoomPlace(device.room);
     Exchange exchange{.conductance = transfer, .least = 0.0, .most = NoLimit};
     int sense = room >= 0 ? room : condenser ? ambient_ : -1;
     int feel = sense;
     if (device.type->role == Role::AirCooler) {
-        exchange.most = Positive(inputs.Get(device, Item::Power), MostPower, 0.0) * PascalPerKilo;
-        exchange.conductance = exchange.most / CoolerDifference;
+        exchange.conductance = Watts(inputs, device) / CoolerDifference * hydraulics.Wetted(own);
         sense = feel = room;
     } else if (other >= 0) {
         if (At(layout_.nets, At(layout_.aisles, other).net).fluid == Fluid::Refrigerant) return;
@@ -230,47 +222,70 @@ void HeatBalance::AddCoupled(const PlantInputs& inputs, const Hydraulics& hydrau
     }
 }
 
-void HeatBalance::AddDevice(const PlantInputs& inputs, const Hydraulics& hydraulics, int number) {
+/// A radiator, a fan coil or a cooler of water, in its room.
+void HeatBalance::AddEmitter(const PlantInputs& inputs, const Hydraulics& hydraulics, int number) {
     const Device& device = At(layout_.devices, number);
     const int aisle = device.aisles[0];
-    const bool water =
+    const int room = device.room < 0 ? -1 : RoomPlace(device.room);
+    if (room < 0) return;
+    const Ends ends = EndsOf(aisle, hydraulics);
+    const double watts = Watts(inputs, device);
+    if (ends.rate <= 0.0 || watts <= 0.0) return;
+    Exchange exchange{.senseFrom = ends.upstream,
+                      .feelFrom = ends.downstream,
+                      .senseTo = room,
+                      .feelTo = room,
+                      .least = -NoLimit,
+                      .most = NoLimit};
+    if (device.type->role == Role::Radiator) {
+        exchange.conductance = ends.rate;
+        exchange.emission = EmissionAt(RadiatorRating, watts);
+    } else {
+        const Rating& rating = device.type->role == Role::FanCoil ? FanCoilRating : AirCoolerRating;
+        exchange.conductance = ToConstant(TransferAt(rating, watts), ends.rate);
+    }
+    At(exchangeOf_, aisle) = Add(exchange);
+    At(gives_, aisle) = 1;
+}
+
+void HeatBalance::AddExchanger(const PlantInputs& inputs, const Hydraulics& hydraulics, int number) {
+    const Device& device = At(layout_.devices, number);
+    const int first = device.aisles[0];
+    const int second = device.aisles[2];
+    if (second < 0 || At(layout_.nets, At(layout_.aisles, second).net).fluid == Fluid::Refrigerant) return;
+    const Ends one = EndsOf(first, hydraulics);
+    const Ends two = EndsOf(second, hydraulics);
+    const double area = Positive(Get(inputs, device, Item::Area), MostArea, 0.0);
+    const double conductance = CounterFlow(PlateTransfer * area, one.rate, two.rate);
+    At(exchangeOf_, first) = At(exchangeOf_, second) =
+        Add({one.upstream, one.downstream, two.upstream, two.downstream, conductance, -NoLimit, NoLimit});
+    At(gives_, first) = 1;
+}
+
+void HeatBalance::AddPump(const PlantInputs& inputs, const Hydraulics& hydraulics, int number) {
+    const Device& device = At(layout_.devices, number);
+    const Ends ends = EndsOf(device.aisles[0], hydraulics);
+    const double heat = std::min(PumpWatts(inputs, device), MostPumpRise * ends.rate);
+    if (heat <= 0.0) return;
+    At(exchangeOf_, device.aisles[0]) =
+        Add({pumpLimit_, pumpLimit_, ends.downstream, ends.downstream, heat / PumpLimitBand, 0.0, heat});
+}
+
+void HeatBalance::AddDevice(const PlantInputs& inputs, const Hydraulics& hydraulics, int number) {
+    const Device& device = At(layout_.devices, number);
+    const Role role = device.type->role;
+    const int aisle = device.aisles[0];
+    const bool streams =
         aisle >= 0 && At(layout_.nets, At(layout_.aisles, aisle).net).fluid != Fluid::Refrigerant;
-    switch (device.type->role) {
-        case Role::Condenser:
-        case Role::Evaporator:
-            AddCoupled(inputs, hydraulics, number);
-            break;
-        case Role::AirCooler:
-            if (!water) {
-                AddCoupled(inputs, hydraulics, number);
-                break;
-            }
-            [[fallthrough]];
-        case Role::Terminal: {
-            const int room = device.room < 0 ? -1 : RoomPlace(device.room);
-            if (!water || room < 0) break;
-            const Ends ends = EndsOf(aisle, hydraulics);
-            const double power = Positive(inputs.Get(device, Item::Power), MostPower, 0.0) * PascalPerKilo;
-            At(exchangeOf_, aisle) =
-                Add({ends.upstream, ends.downstream, room, room, ends.rate, -power, power});
-            At(gives_, aisle) = 1;
-            break;
-        }
-        case Role::Exchanger: {
-            const int second = device.aisles[2];
-            if (!water || second < 0) break;
-            if (At(layout_.nets, At(layout_.aisles, second).net).fluid == Fluid::Refrigerant) break;
-            const Ends one = EndsOf(aisle, hydraulics);
-            const Ends two = EndsOf(second, hydraulics);
-            const double area = Positive(inputs.Get(device, Item::Area), MostArea, 0.0);
-            const double conductance = CounterFlow(PlateTransfer * area, one.rate, two.rate);
-            At(exchangeOf_, aisle) = At(exchangeOf_, second) = Add(
-                {one.upstream, one.downstream, two.upstream, two.downstream, conductance, -NoLimit, NoLimit});
-            At(gives_, aisle) = 1;
-            break;
-        }
-        default:
-            break;
+    const bool cooler = role == Role::AirCooler;
+    if (role == Role::Condenser || role == Role::Evaporator || (cooler && !streams)) {
+        AddCoupled(inputs, hydraulics, number);
+    } else if (streams && (role == Role::Radiator || role == Role::FanCoil || cooler)) {
+        AddEmitter(inputs, hydraulics, number);
+    } else if (streams && role == Role::Exchanger) {
+        AddExchanger(inputs, hydraulics, number);
+    } else if (streams && role == Role::Pump) {
+        AddPump(inputs, hydraulics, number);
     }
 }
 
@@ -282,14 +297,14 @@ void HeatBalance::AddCircuits(const PlantInputs& inputs, const Hydraulics& hydra
         for (const int aisle : At(layout_.nets, net).aisles) {
             const Device& device = At(layout_.devices, At(layout_.aisles, aisle).device);
             if (device.type->role != Role::Compressor || !hydraulics.Driven(aisle)) continue;
-            power += Positive(inputs.Get(device, Item::Power), MostPower, 0.0) * PascalPerKilo;
+            power += CompressorWatts(inputs, device);
         }
         const bool runs = power > 0.0 && !At(evaporators_, net).empty() && !At(condensers_, net).empty();
         if (runs) {
             task_.circuits.push_back({place, place + 1, power, At(evaporators_, net), At(condensers_, net)});
             continue;
         }
-        // A circuit that stands has the temperature of what it could take heat from.
+        // A circuit at rest has the temperature of what it could take heat from.
         double mean = 0.0;
         for (const int exchange : At(evaporators_, net)) {
             mean += At(temperatures_, At(task_.exchanges, exchange).senseFrom);
@@ -304,7 +319,7 @@ void HeatBalance::AddCircuits(const PlantInputs& inputs, const Hydraulics& hydra
     }
 }
 
-void HeatBalance::TakeResults(const Hydraulics&) {
+void HeatBalance::TakeResults() {
     taken_.assign(layout_.aisles.size(), 0.0);
     circuits_.assign(circuits_.size(), {});
     for (int net = 0; net < static_cast<int>(layout_.nets.size()); ++net) {
@@ -315,6 +330,8 @@ void HeatBalance::TakeResults(const Hydraulics&) {
         state.condensing = At(temperatures_, place + 1);
         state.taken = HeatSum(At(evaporators_, net), task_.exchanges, temperatures_);
         state.power = HeatSum(At(condensers_, net), task_.exchanges, temperatures_) - state.taken;
+        state.runs = !At(task_.places, place).pinned;
+        state.flow = state.taken / EvaporationHeat(state.evaporating, state.condensing);
         for (const int exchange : At(evaporators_, net)) {
             At(taken_, At(evaporatorAisles_, exchange)) +=
                 HeatOf(At(task_.exchanges, exchange), temperatures_).watts;
@@ -333,7 +350,8 @@ bool HeatBalance::Step(const PlantInputs& inputs, const Hydraulics& hydraulics, 
     gives_.assign(layout_.aisles.size(), 0);
     evaporators_.assign(layout_.nets.size(), {});
     condensers_.assign(layout_.nets.size(), {});
-    At(task_.places, ambient_) = {.start = OutsideAir, .pinned = true};
+    At(task_.places, ambient_) = {.start = Temperature(inputs.outside), .pinned = true};
+    At(task_.places, pumpLimit_) = {.start = PumpLimit, .pinned = true};
     AddStreams(hydraulics);
     AddContents(inputs, hydraulics);
     AddRooms(inputs);
@@ -345,7 +363,7 @@ bool HeatBalance::Step(const PlantInputs& inputs, const Hydraulics& hydraulics, 
     }
     AddCircuits(inputs, hydraulics);
     const bool solved = solver_.Solve(task_, temperatures_);
-    TakeResults(hydraulics);
+    TakeResults();
     return solved;
 }
 

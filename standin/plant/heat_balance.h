@@ -30,6 +30,8 @@ class HeatBalance {
         double condensing = StartTemperature;
         double taken = 0.0;  ///< W
         double power = 0.0;  ///< W
+        double flow = 0.0;   ///< kg/s
+        bool runs = false;
     };
     /// By net; of nets that are no circuits nothing.
     const CircuitState& CircuitAt(int net) const { return At(circuits_, net); }
@@ -49,7 +51,6 @@ class HeatBalance {
     int RoomPlace(int device) const { return At(roomPlaces_, device); }
     int CircuitPlace(int net) const { return At(circuitPlaces_, net); }
     bool IsCircuit(int aisle) const { return At(layout_.nets, At(layout_.aisles, aisle).net).circuit; }
-    double RateOf(int net) const;
     Ends EndsOf(int aisle, const Hydraulics& hydraulics) const;
     void FindLowSides();
     void AddStreams(const Hydraulics& hydraulics);
@@ -57,9 +58,12 @@ class HeatBalance {
     void AddRooms(const PlantInputs& inputs);
     void AddDevice(const PlantInputs& inputs, const Hydraulics& hydraulics, int device);
     void AddCoupled(const PlantInputs& inputs, const Hydraulics& hydraulics, int device);
+    void AddEmitter(const PlantInputs& inputs, const Hydraulics& hydraulics, int device);
+    void AddExchanger(const PlantInputs& inputs, const Hydraulics& hydraulics, int device);
+    void AddPump(const PlantInputs& inputs, const Hydraulics& hydraulics, int device);
     int Add(const Exchange& exchange);
     void AddCircuits(const PlantInputs& inputs, const Hydraulics& hydraulics);
-    void TakeResults(const Hydraulics& hydraulics);
+    void TakeResults();
 
     const Layout& layout_;
     std::vector<int> roomPlaces_;     ///< by device, -1 for no room; the room's outside is the next place
@@ -67,6 +71,7 @@ class HeatBalance {
     std::vector<int> deviceCounts_;   ///< that stand in each room, by the room's device
     std::vector<char> lowSide_;       ///< by point
     int ambient_ = 0;
+    int pumpLimit_ = 0;
     int placeCount_ = 0;
 
     HeatTask task_;

@@ -16,7 +16,6 @@ constexpr double MostSize = 1e5;    // mm
 constexpr double LeastSize = 1.0;   // mm
 constexpr double MostElbows = 1e4;
 constexpr double MostHead = 1e4;        // m
-constexpr double MostPumpPower = 1e6;   // kW
 constexpr double LeastPumpItem = 1e-6;  // m or kW, below which a pump is off
 
 constexpr double UsualLength = 1.0;  // m
@@ -29,8 +28,6 @@ constexpr double DuctWall = 0.09e-3;
 
 constexpr double TankPressure = 150.0;      // kPa
 constexpr double ReceiverPressure = 600.0;  // kPa, in refrigerant
-
-constexpr double EvaporationHeat = 160e3;  // J/kg
 
 /// The resistances of a circuit, which is one lump, only tell how flow is spread: evaporators as they take
 /// heat, compressors as they have power, and all else far below them.
@@ -63,13 +60,21 @@ std::vector<double> HeldPressures(const Layout& layout, const Net& net) {
 
 }  // namespace
 
+double PumpWatts(const PlantInputs& inputs, const Device& pump) {
+    const bool on = PumpItem(Get(inputs, pump, Item::Head), MostHead) > 0.0;
+    return on ? PumpItem(Get(inputs, pump, Item::Power), MostPower) * WattPerKilo : 0.0;
+}
+
 Hydraulics::Hydraulics(const Layout& layout)
     : layout_(layout),
       nets_(layout.nets.size()),
       flows_(layout.aisles.size()),
       mouthFlows_(layout.mouths.size()),
       pressures_(layout.points.size()),
-      driven_(layout.aisles.size()) {
+      volumes_(layout.aisles.size()),
+      driven_(layout.aisles.size()),
+      wetted_(layout.aisles.size(), 1.0) {
+    for (const Net& net : layout.nets) fluids_.push_back(net.fluid);
     for (std::size_t number = 0; number < nets_.size(); ++number) {
         const Net& net = layout.nets[number];
         const std::vector<double> held = HeldPressures(layout, net);
@@ -89,7 +94,7 @@ Hydraulics::Hydraulics(const Layout& layout)
 
 Law Hydraulics::LawOf(const PlantInputs& inputs, const Aisle& aisle, Fluid fluid) const {
     const Device& device = At(layout_.devices, aisle.device);
-    const auto item = [&](Item name) { return inputs.Get(device, name); };
+    const auto item = [&](Item name) { return Get(inputs, device, name); };
     const double length = Positive(item(Item::Length), MostLength, UsualLength);
     const double elbows = Positive(item(Item::Elbows), MostElbows, 0.0);
     switch (device.type->role) {
@@ -97,8 +102,8 @@ Law Hydraulics::LawOf(const PlantInputs& inputs, const Aisle& aisle, Fluid fluid
         case Role::CopperPipe: {
             const double diameter = SizeOf(item(Item::Diameter));
             const double wall = device.type->role == Role::CopperPipe ? CopperWall : CastIronWall;
-            return PipeLaw(fluid, length, diameter, std::numbers::pi / 4.0 * diameter * diameter, wall,
-                           elbows, device.type->reducer);
+            const double area = std::numbers::pi / 4.0 * diameter * diameter;
+            return PipeLaw(fluid, length, diameter, area, wall, elbows, device.type->reducer);
         }
         case Role::Duct: {
             const double width = SizeOf(item(Item::Width));
@@ -110,7 +115,7 @@ Law Hydraulics::LawOf(const PlantInputs& inputs, const Aisle& aisle, Fluid fluid
             return ValveLaw(fluid, Within(item(Item::Opening), 0.0, 1.0, 0.0));
         case Role::Pump:
             return PumpLaw(fluid, PumpItem(item(Item::Head), MostHead),
-                           PumpItem(item(Item::Power), MostPumpPower));
+                           PumpItem(item(Item::Power), MostPower));
         default:
             break;
     }
@@ -133,8 +138,19 @@ void Hydraulics::TakeFlows(int net) {
     for (const int point : is.points) At(pressures_, point) = solver.Pressures()[row++];
 }
 
+/// A tank with `Glycol` makes its net of water one of brine.
+void Hydraulics::FindFluids(const PlantInputs& inputs) {
+    for (std::size_t net = 0; net < fluids_.size(); ++net) fluids_[net] = layout_.nets[net].fluid;
+    for (const Mouth& mouth : layout_.mouths) {
+        Fluid& fluid = At(fluids_, At(layout_.points, mouth.point).net);
+        const bool glycol = Get(inputs, At(layout_.devices, mouth.device), Item::Glycol) > 0.0;
+        if (glycol && fluid == Fluid::Water) fluid = Fluid::Brine;
+    }
+}
+
 void Hydraulics::Solve(const PlantInputs& inputs) {
     unsolved_ = 0;
+    FindFluids(inputs);
     for (int number = 0; number < static_cast<int>(nets_.size()); ++number) {
         const Net& net = At(layout_.nets, number);
         NetState& state = At(nets_, number);
@@ -142,7 +158,9 @@ void Hydraulics::Solve(const PlantInputs& inputs) {
         if (net.fluid == Fluid::Refrigerant) continue;
         std::size_t row = 0;
         for (const int aisle : net.aisles) {
-            state.laws[row++] = LawOf(inputs, At(layout_.aisles, aisle), net.fluid);
+            const Law& law = state.laws[row++] =
+                LawOf(inputs, At(layout_.aisles, aisle), At(fluids_, number));
+            At(volumes_, aisle) = law.volume;
         }
         if (state.solver->Solve(state.laws)) {
             TakeFlows(number);
@@ -166,11 +184,12 @@ void Hydraulics::Probe(const PlantInputs& inputs, int net) {
         const Device& device = At(layout_.devices, At(layout_.aisles, number).device);
         Law law{.linear = 1.0};
         if (device.type->role == Role::Compressor) {
-            const double power = Positive(inputs.Get(device, Item::Power), MostPumpPower, 0.0);
-            law = {.closed = power <= 0.0, .lift = SourceResistance, .linear = SourceResistance};
+            law = {.closed = CompressorWatts(inputs, device) <= 0.0,
+                   .lift = SourceResistance,
+                   .linear = SourceResistance};
         }
         if (device.type->role == Role::Valve || device.type->role == Role::ExpansionValve) {
-            law.closed = ValveLaw(is.fluid, Within(inputs.Get(device, Item::Opening), 0.0, 1.0, 0.0)).closed;
+            law.closed = ValveLaw(is.fluid, Within(Get(inputs, device, Item::Opening), 0.0, 1.0, 0.0)).closed;
         }
         state.laws[row++] = law;
     }
@@ -179,9 +198,45 @@ void Hydraulics::Probe(const PlantInputs& inputs, int net) {
     for (const int aisle : is.aisles) {
         At(driven_, aisle) = std::abs(state.probe->Flows()[row++]) > LeastShare ? 1 : 0;
     }
+    FindWetted(inputs, net);
 }
 
-void Hydraulics::Circulate(int net, double heat, const std::vector<double>& taken) {
+/// An evaporator is wetted as far as the expansion valves before it are open: goes from the valves along the
+/// flow that the probe found. A point has the mean of what comes to it.
+void Hydraulics::FindWetted(const PlantInputs& inputs, int net) {
+    const Net& is = At(layout_.nets, net);
+    const std::vector<double>& probed = At(nets_, net).probe->Flows();
+    std::vector<double> points(layout_.points.size(), 1.0);
+    // As many rounds as a chain can be long; few are needed.
+    for (std::size_t round = 0; round < is.aisles.size(); ++round) {
+        std::vector<double> comes(points.size());
+        std::vector<double> carries(points.size());
+        for (std::size_t row = 0; row < is.aisles.size(); ++row) {
+            const Aisle& aisle = At(layout_.aisles, is.aisles[row]);
+            if (!Driven(is.aisles[row])) continue;
+            const double flow = std::abs(probed[row]);
+            const int from = probed[row] < 0.0 ? aisle.outlet : aisle.inlet;
+            const int to = probed[row] < 0.0 ? aisle.inlet : aisle.outlet;
+            const Device& device = At(layout_.devices, aisle.device);
+            const Role role = device.type->role;
+            double open = role == Role::Compressor ? 1.0 : At(points, from);
+            if (role == Role::ExpansionValve)
+                open = Within(Get(inputs, device, Item::Opening), 0.0, 1.0, 0.0);
+            At(wetted_, is.aisles[row]) = open;
+            At(comes, to) += flow;
+            At(carries, to) += flow * open;
+        }
+        bool changed = false;
+        for (const int point : is.points) {
+            const double open = At(comes, point) > 0.0 ? At(carries, point) / At(comes, point) : 1.0;
+            changed = changed || std::abs(open - At(points, point)) > 1e-12;
+            At(points, point) = open;
+        }
+        if (!changed) return;
+    }
+}
+
+void Hydraulics::Circulate(int net, double flow, const std::vector<double>& taken) {
     const Net& is = At(layout_.nets, net);
     NetState& state = At(nets_, net);
     int compressors = 0;
@@ -189,13 +244,15 @@ void Hydraulics::Circulate(int net, double heat, const std::vector<double>& take
         const Device& device = At(layout_.devices, At(layout_.aisles, aisle).device);
         if (device.type->role == Role::Compressor && Driven(aisle)) ++compressors;
     }
+    double heat = 0.0;
+    for (const int aisle : is.aisles) heat += At(taken, aisle);
     std::size_t row = 0;
     for (const int aisle : is.aisles) {
         Law& law = state.laws[row++];
         if (!Driven(aisle)) law.closed = true;
         const Device& device = At(layout_.devices, At(layout_.aisles, aisle).device);
         if (device.type->role == Role::Compressor) {
-            law.lift = SourceResistance * heat / EvaporationHeat / std::max(compressors, 1);
+            law.lift = SourceResistance * flow / std::max(compressors, 1);
         } else if (device.type->role == Role::Evaporator || device.type->role == Role::AirCooler) {
             const double share = heat > 0.0 ? At(taken, aisle) / heat : 0.0;
             law.linear = 1.0 / std::max(share, LeastShare);
@@ -207,15 +264,14 @@ void Hydraulics::Circulate(int net, double heat, const std::vector<double>& take
 }
 
 double Hydraulics::PumpPower(const PlantInputs& inputs) const {
-    double kilowatts = 0.0;
+    double watts = 0.0;
     for (const Aisle& aisle : layout_.aisles) {
         const Device& device = At(layout_.devices, aisle.device);
         if (device.type->role != Role::Pump || At(layout_.nets, aisle.net).fluid == Fluid::Refrigerant)
             continue;
-        const bool on = PumpItem(inputs.Get(device, Item::Head), MostHead) > 0.0;
-        if (on) kilowatts += PumpItem(inputs.Get(device, Item::Power), MostPumpPower);
+        watts += PumpWatts(inputs, device);
     }
-    return kilowatts * PascalPerKilo;
+    return watts;
 }
 
 std::vector<std::string> Hydraulics::TakeFaults() {

@@ -52,6 +52,7 @@ Law PipeLaw(Fluid fluid, double length, double diameter, double area, double wal
     law.friction = speedHead * length / diameter / law.reynolds;
     law.quadratic = speedHead * (ElbowLoss * elbows + (reducer ? ReducerLoss : 0.0));
     law.usualFlow = is.density * area * UsualSpeed;
+    law.volume = area * length;
     return law;
 }
 
@@ -72,8 +73,8 @@ Law PumpLaw(Fluid fluid, double head, double power) {
     law.quadratic = OpenValve;
     if (head <= 0.0 || power <= 0.0) return law;
     const double density = PropertiesOf(fluid).density;
-    const double rise = density * Gravity * head;                                      // Pa
-    const double ratedFlow = PumpEfficiency * power * PascalPerKilo / rise * density;  // kg/s
+    const double rise = density * Gravity * head;                                    // Pa
+    const double ratedFlow = PumpEfficiency * power * WattPerKilo / rise * density;  // kg/s
     law.lift = 4.0 / 3.0 * rise / PascalPerKilo;
     law.quadratic = rise / PascalPerKilo / 3.0 / (ratedFlow * ratedFlow);
     law.knee = 1e-5 * std::min(ratedFlow, 1.0);

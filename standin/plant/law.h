@@ -20,6 +20,7 @@ struct Law {
     double reynolds = 0.0;   ///< of 1 kg/s
     double roughness = 0.0;  ///< over the diameter
     double usualFlow = 0.5;  ///< kg/s, where a solution begins
+    double volume = 0.0;     ///< m3 that it keeps heat in
 };
 
 struct Drop {

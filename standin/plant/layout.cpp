@@ -8,6 +8,8 @@ namespace standin {
 
 namespace {
 
+using Kind = PlantEnd::Kind;
+
 /// A point without a node is told by a module, behind all that have one: by an inlet before an outlet.
 constexpr std::int64_t InletRank = std::int64_t{1} << 32;
 constexpr std::int64_t OutletRank = std::int64_t{1} << 33;
@@ -25,27 +27,28 @@ class Ends {
         for (const Device& device : layout.devices) Number(devices_, device.number, index++);
         index = 0;
         for (const int node : layout.nodes) Number(nodes_, node, index++);
-        for (const LinkSxCache& link : rows.links) {
-            if (link.F_Sx == JumpKind) jumps_.try_emplace(link.F_Nb, static_cast<int>(jumps_.size()));
-            if (link.S_Sx == JumpKind) jumps_.try_emplace(link.S_Nb, static_cast<int>(jumps_.size()));
+        for (const PlantLink& link : rows.links) {
+            for (const PlantEnd& end : {link.from, link.to}) {
+                if (end.kind == Kind::Jump) jumps_.try_emplace(end.number, static_cast<int>(jumps_.size()));
+            }
         }
     }
     int Count() const { return FirstJump() + static_cast<int>(jumps_.size()); }
-    int DeviceKey(int device, int port) const { return device * PortsPerElement + port; }
+    int DeviceKey(int device, int port) const { return device * static_cast<int>(PlantPorts) + port; }
     int NodeKey(int node) const { return DeviceKey(static_cast<int>(layout_.devices.size()), 0) + node; }
     int DeviceIndex(int number) const { return Index(devices_, number); }
     int NodeIndex(int number) const { return Index(nodes_, number); }
     /// -1 for an end that is nowhere.
-    int Key(int kind, int number, int port) const {
-        if (kind == JumpKind) {
-            const auto found = jumps_.find(number);
+    int Key(const PlantEnd& end) const {
+        if (end.kind == Kind::Jump) {
+            const auto found = jumps_.find(end.number);
             return found == jumps_.end() ? -1 : FirstJump() + found->second;
         }
-        if (kind == NodeKind) return NodeIndex(number) < 0 ? -1 : NodeKey(NodeIndex(number));
-        const int device = kind == ModuleKind ? DeviceIndex(number) : -1;
-        if (device < 0 || port < 0) return -1;
+        if (end.kind == Kind::Node) return NodeIndex(end.number) < 0 ? -1 : NodeKey(NodeIndex(end.number));
+        const int device = end.kind == Kind::Module ? DeviceIndex(end.number) : -1;
+        if (device < 0 || end.port < 0) return -1;
         const auto ports = At(layout_.devices, device).type->ports.size();
-        return port < static_cast<int>(ports) ? DeviceKey(device, port) : -1;
+        return end.port < static_cast<int>(ports) ? DeviceKey(device, end.port) : -1;
     }
 
   private:
@@ -62,10 +65,12 @@ class Ends {
 };
 
 void PlaceDevices(const PlantRows& rows, Layout& layout) {
+    std::unordered_map<const PlantType*, const DeviceType*> known;
     for (const PlantRows::ModuleRow& row : rows.modules) {
-        const DeviceType& type = DeviceTypeOf(row.type);
-        layout.devices.push_back({.number = row.number, .type = &type, .firstValue = layout.valueCount});
-        layout.valueCount += static_cast<int>(Catalogue()[static_cast<std::size_t>(row.type)].items.size());
+        const DeviceType*& type = known[row.type];
+        if (type == nullptr) type = &layout.types.emplace_back(DeviceTypeOf(*row.type));
+        layout.devices.push_back({.number = row.number, .type = type, .firstValue = layout.valueCount});
+        layout.valueCount += static_cast<int>(type->items.size());
     }
     layout.nodes = rows.nodes;
 }
@@ -76,9 +81,8 @@ struct LinkKeys {
     int second;
 };
 
-LinkKeys KeysOf(const Ends& ends, const LinkSxCache& link) {
-    const LinkKeys keys{ends.Key(link.F_Sx, link.F_Nb, link.F_PortNb),
-                        ends.Key(link.S_Sx, link.S_Nb, link.S_PortNb)};
+LinkKeys KeysOf(const Ends& ends, const PlantLink& link) {
+    const LinkKeys keys{ends.Key(link.from), ends.Key(link.to)};
     return keys.first < 0 || keys.second < 0 ? LinkKeys{-1, -1} : keys;
 }
 
@@ -86,7 +90,7 @@ LinkKeys KeysOf(const Ends& ends, const LinkSxCache& link) {
 void MakePoints(const PlantRows& rows, const Ends& ends, Layout& layout) {
     Joined met(ends.Count());
     std::vector<char> linked(static_cast<std::size_t>(ends.Count()));
-    for (const LinkSxCache& link : rows.links) {
+    for (const PlantLink& link : rows.links) {
         const auto [first, second] = KeysOf(ends, link);
         if (first < 0) continue;
         met.Join(first, second);
@@ -215,35 +219,44 @@ void MakeContents(Layout& layout) {
     }
 }
 
-void FindNodePorts(const PlantRows& rows, const Ends& ends, Layout& layout) {
-    // Where a jump has two rows, each row's far end is the other row's.
-    std::unordered_map<int, std::vector<const LinkSxCache*>> rowsOfJump;
-    for (const LinkSxCache& link : rows.links) {
-        if (link.F_Sx == JumpKind) rowsOfJump[link.F_Nb].push_back(&link);
-        if (link.S_Sx == JumpKind) rowsOfJump[link.S_Nb].push_back(&link);
-    }
-    const auto add = [&](const LinkSxCache& link, bool upstream) {
-        const int node = ends.NodeIndex(upstream ? link.F_Nb : link.S_Nb);
-        const int port = upstream ? link.F_PortNb : link.S_PortNb;
-        int kind = upstream ? link.S_Sx : link.F_Sx;
-        int number = upstream ? link.S_Nb : link.F_Nb;
-        int farPort = upstream ? link.S_PortNb : link.F_PortNb;
-        if (node < 0 || port < 0 || port >= PortsPerElement) return;
-        if (kind == JumpKind && rowsOfJump[number].size() == 2) {
-            const auto& pair = rowsOfJump[number];
-            const LinkSxCache& other = *(pair[0] == &link ? pair[1] : pair[0]);
-            const bool leads = other.F_Sx == JumpKind && other.F_Nb == number;
-            kind = leads ? other.S_Sx : other.F_Sx;
-            farPort = leads ? other.S_PortNb : other.F_PortNb;
-            number = leads ? other.S_Nb : other.F_Nb;
+/// The end at the other side of a link's end. Where a jump has two links, that is the other one's far end.
+class FarEnds {
+  public:
+    explicit FarEnds(const PlantRows& rows) {
+        for (const PlantLink& link : rows.links) {
+            for (const PlantEnd& end : {link.from, link.to}) {
+                if (end.kind == Kind::Jump) linksOfJump_[end.number].push_back(&link);
+            }
         }
-        const bool module = kind == ModuleKind && ends.Key(kind, number, farPort) >= 0;
-        layout.nodePorts.push_back({node, port, module ? ends.DeviceIndex(number) : -1, farPort});
+    }
+    PlantEnd Of(const PlantLink& link, bool ofFrom) const {
+        const PlantEnd& far = ofFrom ? link.to : link.from;
+        if (far.kind != Kind::Jump) return far;
+        const auto& pair = linksOfJump_.at(far.number);
+        if (pair.size() != 2) return far;
+        const PlantLink& other = *(pair[0] == &link ? pair[1] : pair[0]);
+        const bool leads = other.from.kind == Kind::Jump && other.from.number == far.number;
+        return leads ? other.to : other.from;
+    }
+
+  private:
+    std::unordered_map<int, std::vector<const PlantLink*>> linksOfJump_;
+};
+
+void FindNodePorts(const PlantRows& rows, const Ends& ends, Layout& layout) {
+    const FarEnds farEnds(rows);
+    const auto add = [&](const PlantLink& link, bool ofFrom) {
+        const PlantEnd& end = ofFrom ? link.from : link.to;
+        if (end.kind != Kind::Node || end.port < 0 || end.port >= NodePorts) return;
+        const PlantEnd far = farEnds.Of(link, ofFrom);
+        const bool module = far.kind == Kind::Module && ends.Key(far) >= 0;
+        layout.nodePorts.push_back(
+            {ends.NodeIndex(end.number), end.port, module ? ends.DeviceIndex(far.number) : -1, far.port});
     };
-    for (const LinkSxCache& link : rows.links) {
+    for (const PlantLink& link : rows.links) {
         if (KeysOf(ends, link).first < 0) continue;
-        if (link.F_Sx == NodeKind) add(link, true);
-        if (link.S_Sx == NodeKind) add(link, false);
+        add(link, true);
+        add(link, false);
     }
     // So that they are written as they lie.
     std::sort(layout.nodePorts.begin(), layout.nodePorts.end(),

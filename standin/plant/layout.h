@@ -1,29 +1,17 @@
-// The nets of a project, made from its links of type 0. A layout depends on the structure alone, not on
+// The nets of a plant, made from its links. A layout depends on the structure alone, not on
 // values, and stays as long as that does.
 
 #pragma once
 
 #include <array>
 #include <cstdint>
+#include <deque>
 #include <vector>
 
-#include "engine/vorn_records.h"
 #include "standin/plant/device.h"
 #include "standin/plant/fluid.h"
 
 namespace standin {
-
-/// The structure of a project as the layout is made from it.
-struct PlantRows {
-    struct ModuleRow {
-        int number;
-        int type;
-        int room;  ///< number of the module that it stands in, -1 for none
-    };
-    std::vector<ModuleRow> modules;  ///< by rising number
-    std::vector<int> nodes;          ///< numbers, rising
-    std::vector<LinkSxCache> links;  ///< those of type 0
-};
 
 inline constexpr int NoPoint = -1;
 
@@ -93,6 +81,7 @@ struct NodePort {
 };
 
 struct Layout {
+    std::deque<DeviceType> types;  ///< of all devices
     std::vector<Device> devices;
     std::vector<int> nodes;       ///< numbers, by node index
     std::vector<int> nodePoints;  ///< by node index

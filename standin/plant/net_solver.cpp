@@ -13,7 +13,7 @@ constexpr int MostSteps = 50;
 // A flow counts as found when it is right to this part of the net's largest, or its pressure to that of the
 // largest pressure, which is as near as numbers of 64 bits come.
 constexpr double FlowShare = 1e-9;
-constexpr double LeastFlow = 1e-12;  // kg/s
+constexpr double LeastError = 1e-12;  // kg/s
 constexpr double PressureShare = 1e-12;
 constexpr double LeastSlope = 1e-9;  // kPa/(kg/s)
 
@@ -52,7 +52,7 @@ double NetSolver::Largest(const std::vector<double>& values) {
 }
 
 double NetSolver::LeastAccepted() const {
-    return FlowShare * Largest(flows_) + LeastFlow;
+    return FlowShare * Largest(flows_) + LeastError;
 }
 
 NetSolver::NetSolver(const Layout& layout, const Net& net, std::span<const double> held)

@@ -7,7 +7,7 @@
 #include <sstream>
 #include <string>
 
-#include "standin/plant/step.h"
+#include "standin/plant_step.h"
 #include "tests/support/made_plant.h"
 #include "tests/support/service_test.h"
 #include "tests/support/working_folder.h"

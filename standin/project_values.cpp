@@ -1,4 +1,4 @@
-#include "standin/plant/project_values.h"
+#include "standin/project_values.h"
 
 #include <algorithm>
 #include <limits>
@@ -31,9 +31,10 @@ int Counted(int count, int first) {
 
 }  // namespace
 
-void ProjectValuesWrite(Project& project, const Layout& layout, const PlantOutputs& outputs, double seconds) {
+void ProjectValuesWrite(Project& project, const PlantRows& rows, const PlantOutputs& outputs,
+                        double seconds) {
     const auto standard = [&](std::string_view name) -> ProjectVariable& {
-        return At(project.variables, VariableFind(project, name));
+        return project.variables[static_cast<std::size_t>(VariableFind(project, name))];
     };
     project.steps = Counted(project.steps, 1);
     int& steps = standard("GStep").integers[0];
@@ -51,9 +52,10 @@ void ProjectValuesWrite(Project& project, const Layout& layout, const PlantOutpu
 
     project.stepsUnsolved = project.steps == 1 ? 0 : project.stepsUnsolved;
     if (!outputs.converged) project.stepsUnsolved = Counted(project.stepsUnsolved, 0);
-    const auto elements = static_cast<int>(layout.devices.size() + layout.nodes.size());
+    const auto elements = static_cast<int>(rows.modules.size() + rows.nodes.size());
     standard("GCounts").integers = {elements, outputs.nets, outputs.circuits, outputs.unsolvedNets,
                                     project.stepsUnsolved};
+    standard("GAlarms").integers[0] = outputs.alarms;
     RememberTemperature(project, temperature);
 }
 

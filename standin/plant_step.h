@@ -7,12 +7,11 @@
 #include <memory>
 #include <mutex>
 
+#include "standin/plant/plant.h"
 #include "standin/project.h"
 #include "standin/script_run.h"
 
 namespace standin {
-
-class Plant;
 
 /// Simulated seconds of a step, where nobody says otherwise.
 inline constexpr double StepSeconds = 0.1;
@@ -23,10 +22,9 @@ struct PlantKept {
     std::mutex stepping;          ///< held through a step
     std::uint64_t structure = 0;  ///< the project's, which `plant` was made from
     std::uint64_t run = 0;        ///< the project's, which `plant` was made for
+    PlantRows rows;               ///< that `plant` was made from
     std::unique_ptr<Plant> plant;
     std::unique_ptr<ScriptRun> script;
-    PlantKept();
-    ~PlantKept();
 };
 
 /// Why a step is made: the project runs, or a client asked for it, whatever the flags.
