@@ -163,8 +163,10 @@ TEST_F(StoreTest, RefusesContentThatDoesNotFit) {
     };
     EXPECT_TRUE(read(room, room));
     EXPECT_TRUE(read(room, layers(R"(,{"items":[1,2.5,3],"ports":[]})")));
+    EXPECT_TRUE(read(room, layers(R"(,{"items":[1,2.5],"ports":[]})")))
+        << "as before an item came to the type";
     for (const char* values :
-         {R"(,{"items":[1,2.5],"ports":[]})", "", R"(,{"items":[1,2,3],"ports":[[1]]})"}) {
+         {R"(,{"items":[1,2.5,3,4],"ports":[]})", "", R"(,{"items":[1,2,3],"ports":[[1]]})"}) {
         EXPECT_FALSE(read(room, layers(values))) << values;
     }
     const auto faults = Split(R"(24032022192805856 12; "number":0 "number":5485; "number":0 "number":-1;
