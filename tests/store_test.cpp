@@ -1,5 +1,6 @@
 #include <bit>
 #include <chrono>
+#include <cmath>
 #include <cstdio>
 #include <future>
 #include <limits>
