@@ -5,7 +5,9 @@
 #include <cstring>
 
 #include "standin/control.h"
+#include "standin/plant_step.h"
 #include "standin/project_lock.h"
+#include "standin/run_time.h"
 #include "text/fixed_text.h"
 
 namespace standin {
@@ -104,7 +106,13 @@ std::vector<ProjectVariable> StandardVariables() {
             {.name = "GSeries", .kind = VariableKind::RealArray},
             {.name = "GCounts", .kind = VariableKind::IntegerArray},
             {.name = "GOutside", .reals = {UsualOutside}},
-            {.name = "GAlarms", .kind = VariableKind::Integer}};
+            {.name = "GAlarms", .kind = VariableKind::Integer},
+            {.name = "GTime"},
+            {.name = "GStepSeconds", .reals = {StepSeconds}},
+            {.name = "GRate", .reals = {UsualRate}},
+            {.name = "GUntil"},
+            {.name = "GLag"},
+            {.name = "GScript", .kind = VariableKind::Integer}};
 }
 
 Project* ProjectFind(int slot) {

@@ -66,7 +66,9 @@ bool ReadReals(const JsonValue& array, std::span<double> values) {
     if (!array.IsArray() || array.Size() != values.size()) return false;
     auto* value = values.data();
     for (const JsonValue& element : array.GetArray()) {
-        if (!ReadNumber(element, *value++)) return false;
+        double number = 0.0;
+        if (!ReadNumber(element, number)) return false;
+        *value++ = std::isfinite(number) ? number : 0.0;
     }
     return true;
 }
