@@ -7,9 +7,6 @@
 /// other threads start.
 void MemorySetUp();
 
-/// Gives freed memory back to the system, where the process has grown by some megabytes since the last time.
-/// Called from the main loop.
+/// Gives freed memory back that the C library keeps for later requests, where that has grown by some
+/// megabytes since the last time. Called from the main loop, by one thread.
 void MemoryGiveBack();
-
-/// Gives all freed memory back that the C library keeps for later requests. Takes milliseconds.
-void HeapTrim();

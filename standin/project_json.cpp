@@ -1,6 +1,7 @@
 #include "standin/project_json.h"
 
 #include <charconv>
+#include <cmath>
 #include <span>
 
 #include "text/json.h"

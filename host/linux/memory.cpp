@@ -2,11 +2,22 @@
 
 #include <malloc.h>
 
+#include <algorithm>
+#include <cstddef>
+
 namespace {
 
 /// Blocks of this size and more have a mapping of their own. It also bounds the free end of each thread's
 /// heap.
 constexpr int LargeBytes = 1 << 20;
+
+/// Bytes that may be freed before they are given back.
+constexpr std::size_t FreedBytes = std::size_t{2} << 20U;
+
+/// Bytes in the heaps of all threads that are free, given back or not.
+std::size_t FreeBytes() {
+    return mallinfo2().fordblks;
+}
 
 }  // namespace
 
@@ -16,6 +27,10 @@ void MemorySetUp() {
     mallopt(M_TRIM_THRESHOLD, LargeBytes);
 }
 
-void HeapTrim() {
+void MemoryGiveBack() {
+    static std::size_t given = 0;
+    given = std::min(given, FreeBytes());  // what was given back is in use again
+    if (FreeBytes() < given + FreedBytes) return;
     malloc_trim(0);
+    given = FreeBytes();
 }
