@@ -12,6 +12,7 @@
 #include "host/end_signals.h"
 #include "host/exchange_print.h"
 #include "host/listening_ports.h"
+#include "host/memory.h"
 #include "host/metrics.h"
 #include "host/options.h"
 #include "host/pipe_rows.h"
@@ -89,6 +90,7 @@ void StartMetrics(const ConsoleAddress& address) {
 }  // namespace
 
 int main(int count, char** arguments) {
+    MemorySetUp();
     char** const words = ProgramStart(count, arguments);
     Options options;
     const std::optional<int> ended = OptionsRead(count, words, options);
@@ -127,6 +129,7 @@ int main(int count, char** arguments) {
     do {
         printer.Poll();
         TellRest();
+        MemoryGiveBack();
     } while (!EndAsked(100ms));
     TellStopping();
     printer.Poll();

@@ -8,7 +8,6 @@
 
 #include "include/vorn_contract.h"
 #include "include/vorn_server.h"
-#include "platform/memory.h"
 #include "service/api_envelope.h"
 #include "transport/http_server.h"
 
@@ -65,7 +64,6 @@ void Serve() {
 }  // namespace vorn
 
 void HttpServerThread(const char* const /*unused*/) {
-    vorn::MemoryLargeSeparate();
     try {
         vorn::Serve();
     } catch (const std::exception&) {

@@ -24,7 +24,6 @@ std::intptr_t Number(socket_t socket) {
 }  // namespace
 
 bool HttpConnection::AwaitRequest(int milliseconds) {
-    movedBytes_ = 0;
     inHead_ = true;
     matched_ = OtherLine;  // the request line is no header
     return begin_ < end_ || SocketAwait(Number(socket_), milliseconds);
@@ -62,15 +61,12 @@ ssize_t HttpConnection::read(char* bytes, std::size_t size) {
     const std::size_t count = std::min(size, end_ - begin_);
     std::copy_n(buffer_.data() + begin_, count, bytes);
     begin_ += count;
-    movedBytes_ += count;
     if (inHead_) std::for_each(bytes, bytes + count, [this](char& byte) { HideRange(byte); });
     return static_cast<ssize_t>(count);
 }
 
 ssize_t HttpConnection::write(const char* bytes, std::size_t size) {
-    const std::ptrdiff_t written = SocketWrite(Number(socket_), bytes, size, writeMilliseconds_);
-    if (written > 0) movedBytes_ += static_cast<std::size_t>(written);
-    return written;
+    return SocketWrite(Number(socket_), bytes, size, writeMilliseconds_);
 }
 
 }  // namespace vorn

@@ -22,8 +22,6 @@ class HttpConnection : public httplib::Stream {
     bool AwaitRequest(int milliseconds);
     /// The library has read the head of the request: what comes now is passed on as it is.
     void HeadEnded() { inHead_ = false; }
-    /// Bytes that went either way since the request began.
-    std::size_t MovedBytes() const { return movedBytes_; }
 
     bool is_readable() const override;
     bool is_writable() const override { return true; }
@@ -44,7 +42,6 @@ class HttpConnection : public httplib::Stream {
     std::array<char, 16384> buffer_{};
     std::size_t begin_ = 0;  ///< of what is in the buffer and was not yet read
     std::size_t end_ = 0;
-    std::size_t movedBytes_ = 0;
     bool inHead_ = false;
     /// Bytes of the line that are those of the header's name; its length in what follows and in other lines.
     std::size_t matched_ = 0;

@@ -3,7 +3,6 @@
 #include <exception>
 
 #include "platform/listen_socket.h"
-#include "platform/memory.h"
 #include "platform/stream_socket.h"
 #include "transport/http_workers.h"
 
@@ -38,12 +37,10 @@ bool HttpServer::process_and_close_socket(socket_t socket) {
     try {
         for (std::size_t left = keep_alive_max_count_; left > 0; --left) {
             if (!connection.AwaitRequest(Milliseconds(keep_alive_timeout_sec_))) break;
-            const bool goesOn = Serve(connection, left == 1);
-            MemoryGiveBack(connection.MovedBytes());
-            if (!goesOn) break;
+            if (!Serve(connection, left == 1)) break;
         }
     } catch (const std::exception&) {
-        MemoryGiveBack(LargeBytes);  // there was not memory enough
+        // There was not memory enough: this connection ends.
     }
     SocketEnd(static_cast<std::intptr_t>(socket));
     return true;
