@@ -6,6 +6,7 @@
 
 #include "engine/vorn_core.h"
 #include "standin/control.h"
+#include "standin/name_cache.h"
 #include "standin/trace.h"
 #include "standin/values.h"
 #include "text/number_text.h"
@@ -49,12 +50,24 @@ bool ProjectVariableParse(Project& project, std::string_view text, DecodedName& 
     return true;
 }
 
+/// The open project of that name, sought first where the last one was found.
+Project* ProjectOf(std::string_view name, int& slot) {
+    static int last = 0;
+    Project* const known = ProjectFind(last);
+    if (known == nullptr || name != known->name) {
+        const Project* const found = ProjectFind(name);
+        if (found == nullptr) return nullptr;
+        last = SlotOf(*found);
+    }
+    slot = last;
+    return ProjectFind(slot);
+}
+
 bool NameDecode(std::string_view name, DecodedName& decoded) {
     const std::size_t projectEnd = name.find('_');
     if (projectEnd == std::string_view::npos) return false;
-    Project* project = ProjectFind(name.substr(0, projectEnd));
+    Project* project = ProjectOf(name.substr(0, projectEnd), decoded.slot);
     if (project == nullptr) return false;
-    decoded.slot = SlotOf(*project);
 
     name.remove_prefix(projectEnd + 1);
     return ElementPrefixCut(name, decoded.scope, decoded.element)
@@ -62,14 +75,21 @@ bool NameDecode(std::string_view name, DecodedName& decoded) {
                : ProjectVariableParse(*project, name, decoded);
 }
 
+bool NameRead(std::string_view name, DecodedName& decoded) {
+    if (NameCacheFind(name, decoded)) return true;
+    const std::lock_guard guard(EngineLock());
+    if (!NameDefined(name, decoded) && !NameDecode(name, decoded)) return false;
+    NameCacheAdd(name, decoded);
+    return true;
+}
+
 }  // namespace
 
 void NameParsing(const char* name, int& scope, int& type, int& slot, int& element, int& port, int& variable,
                  bool& found) {
     Trace("NameParsing", name);
-    const std::lock_guard guard(EngineLock());
     DecodedName decoded;
-    if (!NameDefined(name, decoded) && !NameDecode(name, decoded)) return;
+    if (!NameRead(name, decoded)) return;
     scope = decoded.scope;
     type = decoded.type;
     slot = decoded.slot;

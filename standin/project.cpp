@@ -69,6 +69,10 @@ void Place(Element& element, int page, int x, int z, std::span<const std::string
     }
 }
 
+void StructureChange(Project& project) {
+    project.structure = project.shown = NextRevision();
+}
+
 void Identify(Element* element, IdentityIndex& index, int number, std::string_view text) {
     if (element == nullptr) return;
     std::string id(vorn::TextCut(text, IdentityBytes - 1));
@@ -101,11 +105,6 @@ std::vector<ProjectVariable> StandardVariables() {
             {.name = "GCounts", .kind = VariableKind::IntegerArray}};
 }
 
-std::mutex& EngineLock() {
-    static std::mutex lock;
-    return lock;
-}
-
 Project* ProjectFind(int slot) {
     if (slot < 0 || slot >= SlotCount) return nullptr;
     Project& project = Slots()[static_cast<std::size_t>(slot)];
@@ -136,6 +135,7 @@ Project* ProjectMake(std::string_view name) {
         project.nodes.capacity = CapacityOf(NodeTable);
         project.links.capacity = CapacityOf(LinkTable);
         project.variables = StandardVariables();
+        project.shown = NextRevision();
         // Nothing behind the lock asks for memory.
         if (!ProjectLockTake(SlotOf(project), name)) return nullptr;
         std::transform(name.begin(), name.end(), project.name, vorn::AsciiUpper);
@@ -147,6 +147,7 @@ Project* ProjectMake(std::string_view name) {
 void ProjectFree(Project& project) {
     ProjectLockRelease(SlotOf(project));
     project = Project();
+    NextRevision();
     TypesPublish(project);
 }
 
@@ -157,13 +158,8 @@ void ProjectEmpty(Project& project) {
     project.modules.lowestVacant = project.nodes.lowestVacant = project.links.lowestVacant = 0;
     project.moduleIdentities.Clear();
     project.nodeIdentities.Clear();
-    project.structure = NextRevision();
+    StructureChange(project);
     TypesPublish(project);
-}
-
-std::uint64_t NextRevision() {
-    static std::atomic<std::uint64_t> last{0};
-    return ++last;
 }
 
 void TypesPublish(const Project& project) {
@@ -182,7 +178,7 @@ Module* ModuleAdd(Project& project, int number, int type, int page, int x, int z
     made.type = type;
     Module* module = project.modules.Add(number, std::move(made));
     if (module == nullptr) return nullptr;
-    project.structure = NextRevision();
+    StructureChange(project);
     TypePublish(project, number, moduleType);
     return module;
 }
@@ -194,7 +190,7 @@ Node* NodeAdd(Project& project, int number, int kind, int page, int x, int z) {
     made.kind = kind;
     Node* node = project.nodes.Add(number, std::move(made));
     if (node == nullptr) return nullptr;
-    project.structure = NextRevision();
+    StructureChange(project);
     return node;
 }
 
@@ -203,7 +199,7 @@ bool LinkAdd(Project& project, int number, const LinkSxCache& link) {
     made.InUse = true;
     if (project.links.Add(number, made) == nullptr) return false;
     CountLink(project, made, 1);
-    project.structure = NextRevision();
+    StructureChange(project);
     return true;
 }
 
@@ -213,7 +209,7 @@ void ModuleRemove(Project& project, int number) {
     RemoveLinksAt(project, ModuleKind, number);
     project.moduleIdentities.Remove(module->instanceId, number);
     project.modules.Remove(number);
-    project.structure = NextRevision();
+    StructureChange(project);
     TypePublish(project, number, nullptr);
     for (Module& other : project.modules.rows) {
         if (other.room == number) other.room = -1;
@@ -226,7 +222,7 @@ void NodeRemove(Project& project, int number) {
     RemoveLinksAt(project, NodeKind, number);
     project.nodeIdentities.Remove(node->instanceId, number);
     project.nodes.Remove(number);
-    project.structure = NextRevision();
+    StructureChange(project);
 }
 
 void LinkRemove(Project& project, int number) {
@@ -234,14 +230,16 @@ void LinkRemove(Project& project, int number) {
     if (link == nullptr) return;
     CountLink(project, *link, -1);
     project.links.Remove(number);
-    project.structure = NextRevision();
+    StructureChange(project);
 }
 
 void ModuleIdentify(Project& project, int number, std::string_view text) {
+    project.shown = NextRevision();
     Identify(project.modules.Find(number), project.moduleIdentities, number, text);
 }
 
 void NodeIdentify(Project& project, int number, std::string_view text) {
+    project.shown = NextRevision();
     Identify(project.nodes.Find(number), project.nodeIdentities, number, text);
 }
 

@@ -169,6 +169,7 @@ struct Project {
     std::vector<double> temperatures;  ///< GTemp at every `temperatureSteps`-th of them, from the first on
     int temperatureSteps = 1;
     std::uint64_t structure = 0;  ///< another number after each change of modules, nodes, links or rooms
+    std::uint64_t shown = 0;      ///< another number after each change of what a snapshot shows
     std::uint64_t run = 0;        ///< another number after each start
     std::shared_ptr<PlantKept> plant;
 };
@@ -179,7 +180,10 @@ inline bool Runs(const Project& project) {
 }
 
 /// The one lock of the engine.
-std::mutex& EngineLock();
+inline std::mutex engineLock;
+inline std::mutex& EngineLock() {
+    return engineLock;
+}
 
 /// The records of a slot that holds a project, null for any other number. The lock is held.
 Project* ProjectFind(int slot);
@@ -197,8 +201,16 @@ std::vector<ProjectVariable> StandardVariables();
 void ProjectFree(Project& project);
 /// Removes all modules, nodes and links.
 void ProjectEmpty(Project& project);
-/// A number that no earlier call gave.
-std::uint64_t NextRevision();
+/// The number that `NextRevision` gave last. Another one tells that projects, elements or project variables
+/// may have come or gone.
+inline std::atomic<std::uint64_t> lastRevision{0};
+inline std::uint64_t LastRevision() {
+    return lastRevision.load(std::memory_order_acquire);
+}
+/// A number that no earlier call gave. The lock is held, before and behind the change.
+inline std::uint64_t NextRevision() {
+    return ++lastRevision;
+}
 
 /// Adds an element and readies its values. Null when the number is taken, or the type or kind is unknown.
 Module* ModuleAdd(Project& project, int number, int type, int page, int x, int z);
