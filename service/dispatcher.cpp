@@ -20,43 +20,51 @@ namespace vorn {
 
 namespace {
 
-/// Tells whether this server holds the project.
-void Fdp(const std::string& midData, const std::string& /*midValue*/, std::string& reply) {
-    reply = IsSlot(ProjectNameToID(midData.c_str())) ? "1" : "0";
+/// What a verb is asked.
+struct Question {
+    const std::string& midData;
+    const std::string& midValue;
+    const JsonValue* batch;  ///< see `ServerDispatch`
+};
+
+/// Answers whether this server has the project open.
+void Fdp(const Question& question, std::string& reply) {
+    reply = IsSlot(ProjectNameToID(question.midData.c_str())) ? "1" : "0";
 }
 
-/// Tells whether this server runs from the given directory tree.
-void Fph(const std::string& midData, const std::string& /*midValue*/, std::string& reply) {
-    reply = DirectoryHolds(DirectoryText(AnsiToUtf8(ServerRootGet())), midData) ? "1" : "0";
+/// Answers whether this server runs from the given directory tree.
+void Fph(const Question& question, std::string& reply) {
+    reply = DirectoryHolds(DirectoryText(AnsiToUtf8(ServerRootGet())), question.midData) ? "1" : "0";
 }
 
-/// The name that stands for a batch in the place of a variable's.
-constexpr std::string_view BatchName = "json";
-
-void Set(const std::string& midData, const std::string& midValue, std::string& reply) {
-    if (midData == BatchName) {
-        VarSetByJson(midValue.c_str(), reply);
+void Set(const Question& question, std::string& reply) {
+    if (question.midData != BatchName) {
+        reply = VarSetByName(question.midData.c_str(), question.midValue.c_str());
+    } else if (question.batch != nullptr) {
+        VarSetByDocument(*question.batch, reply);
     } else {
-        reply = VarSetByName(midData.c_str(), midValue.c_str());
+        VarSetByJson(question.midValue.c_str(), reply);
     }
 }
 
-void Get(const std::string& midData, const std::string& midValue, std::string& reply) {
-    if (midData == BatchName) {
-        VarGetByJson(midValue.c_str(), reply);
+void Get(const Question& question, std::string& reply) {
+    if (question.midData != BatchName) {
+        reply = VarGetByName(question.midData.c_str());
+    } else if (question.batch != nullptr) {
+        VarGetByDocument(*question.batch, reply);
     } else {
-        reply = VarGetByName(midData.c_str());
+        VarGetByJson(question.midValue.c_str(), reply);
     }
 }
 
 /// Drives a project by its name.
-void Put(const std::string& midData, const std::string& midValue, std::string& reply) {
-    reply = PutVerb(midData, midValue);
+void Put(const Question& question, std::string& reply) {
+    reply = PutVerb(question.midData, question.midValue);
 }
 
 struct VerbRow {
     std::string_view word;
-    void (*serve)(const std::string& midData, const std::string& midValue, std::string& reply);
+    void (*serve)(const Question& question, std::string& reply);
     bool writes;  ///< its exchanges go to the log of writes
 };
 
@@ -85,7 +93,7 @@ void MishapTell(std::string& reply) {
 }  // namespace
 
 void ServerDispatch(const std::string& midHeader, const std::string& midData, const std::string& midValue,
-                    std::string& reply) {
+                    std::string& reply, const JsonValue* batch) {
     const VerbRow* verb = VerbFind(midHeader);
     const bool if_Set =
         verb != nullptr ? verb->writes : midHeader == LoggedAsWrite || CommandWrites(midHeader);
@@ -94,7 +102,7 @@ void ServerDispatch(const std::string& midHeader, const std::string& midData, co
     reply.clear();
     try {
         if (verb != nullptr) {
-            verb->serve(midData, midValue, reply);
+            verb->serve({midData, midValue, batch}, reply);
         } else {
             ProjectCommand(midHeader, midData, midValue, reply);
         }
