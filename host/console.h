@@ -34,7 +34,7 @@ std::filesystem::path ConsoleFolder();
 ///
 /// Served are only requests whose `Host` is the console's own, by number or as `localhost`, and whose
 /// `Origin`, where there is one, is the console itself: all others get 403, so that no page of the web
-/// reaches a plant. A body may have 64 MB. A service that gives no answer is told with 502.
+/// reaches a plant. A body may have 64 MB; a head has 5 seconds to come and a body 10. A service that gives no answer is told with 502.
 ///
 /// `GET /log?after=N` gives `{"next":N,"lines":[{"number":N,"time":MILLISECONDS,"text":"..."}]}`: the
 /// lines behind number N that are still kept, 500 at most, the time since 1970.

@@ -24,5 +24,6 @@ std::string MetricsText();
 
 /// Serves `GET /metrics` at `address`, once in a process, on threads of its own; port 0 stands for
 /// `MetricsPort`. Gives what to read, `http://ADDRESS:PORT/metrics`, or the empty text, with `fault` saying
-/// why, where the port is not free.
+/// why, where the port is not free. Served are only requests whose `Host` is the server's own
+/// (`transport/http_rules.h`), the others get 403, and those with a body 400; a head has 5 seconds to come.
 std::string MetricsStart(const ConsoleAddress& address, std::string& fault);
