@@ -12,7 +12,9 @@
 /// read once. Returns the link to open; the empty text, with `fault` giving the reason, when there is no page
 /// or no free port.
 ///
-/// Served are only requests of its own page (`FromOwnPage`); all others get 403. A body may have 64 MB.
+/// Served are only requests whose `Host` is the console's own, by number or as `localhost`, and whose
+/// `Origin`, where there is one, is the console itself: all others get 403, so that no page of the web
+/// reaches a plant. A body may have 64 MB; a head has 5 seconds to come and a body 10.
 ///
 /// `POST /api` runs a command as the service's own port does. `GET /events?after=N` gives `EventsJson`.
 std::string ConsoleStart(const ConsoleAddress& address, const std::filesystem::path& folder,

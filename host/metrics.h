@@ -11,5 +11,7 @@ inline constexpr int MetricsPort = 9360;
 
 /// Serves `CountersText` for `GET /metrics` at `address`, once in a process, on threads of its own; port 0
 /// stands for `MetricsPort`. Returns what to read, `http://ADDRESS:PORT/metrics`, or the empty text, with
-/// `fault` giving the reason, where the port is not free.
+/// `fault` giving the reason, where the port is not free. Served are only requests whose
+/// `Host` is the server's own (`transport/http_rules.h`), the others get 403, and those with a body 400; a
+/// head has 5 seconds to come.
 std::string MetricsStart(const ConsoleAddress& address, std::string& fault);

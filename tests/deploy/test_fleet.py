@@ -138,3 +138,8 @@ def test_keeps_an_open_project_to_its_server(fleet: Fleet) -> None:
 )
 def test_tells_what_cannot_be_routed(fleet: Fleet, body: str, status: int) -> None:
     assert request(fleet.port, "POST", "/api", body)[0] == status
+
+
+def test_takes_no_packed_body(fleet: Fleet) -> None:
+    packed = request(fleet.port, "POST", "/api", '{"command":"Fdp","name":"X"}', {"Content-Encoding": "gzip"})
+    assert packed[0] == 415

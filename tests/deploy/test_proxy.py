@@ -85,6 +85,7 @@ def proxy(tmp_path_factory: pytest.TempPathFactory) -> Iterator[Proxy]:
         ("POST", "/api", COMMAND, {**LOGIN, "Origin": "https://elsewhere.example"}, 403),
         ("POST", "/api", COMMAND, {**LOGIN, "Origin": "null"}, 403),
         ("POST", "/api", COMMAND, {**LOGIN, "Host": "elsewhere.example"}, 403),
+        ("POST", "/api", COMMAND, {**LOGIN, "Content-Encoding": "gzip"}, 415),
         ("DELETE", "/api", "", LOGIN, 405),
         ("GET", "/other", "", LOGIN, 404),
         pytest.param("POST", "/api", "x" * 2100000, LOGIN, 413, id="too large"),
@@ -97,6 +98,29 @@ def test_lets_in_whom_it_knows(
     assert answered == status, reply
     if status == 200:
         assert reply == ("Hello Quelmo!\n" if path == "/hi" else UNKNOWN)
+
+
+@pytest.mark.parametrize(
+    "framing",
+    [
+        "Content-Length: abc\r\n\r\n",
+        "Content-Length: 0x10\r\n\r\n",
+        "Content-Length: +0\r\n\r\n",
+        "Content-Length:\r\n\r\n",
+        "Content-Length: 0\r\nContent-Length: 5\r\n\r\n",
+        "Content-Length : 0\r\n\r\n",
+        "Transfer-Encoding: xchunked\r\n\r\n0\r\n\r\n",
+        "Transfer-Encoding: chunked\r\n\r\nzz\r\n",
+        "Transfer-Encoding: chunked\r\n\r\n0x0\r\n\r\n",
+    ],
+)
+def test_takes_no_request_whose_end_is_in_doubt(proxy: Proxy, framing: str) -> None:
+    head = f"POST /api HTTP/1.1\r\nHost: localhost:{proxy.port}\r\nAuthorization: {LOGIN['Authorization']}\r\n"
+    hidden = '{"command":"Create","name":"HIDDEN"}'
+    with contextlib.closing(proxy.connection()) as client:
+        client.send(f"{head}{framing}{head}Content-Length: {len(hidden)}\r\n\r\n{hidden}".encode())
+        assert client.recv(1000).startswith((b"HTTP/1.1 400 ", b"HTTP/1.1 501 "))
+    assert proxy.request("POST", "/api", '{"command":"Fdp","name":"HIDDEN"}', **LOGIN) == (200, "0")
 
 
 def test_lets_its_own_page_in(proxy: Proxy) -> None:
