@@ -95,7 +95,6 @@ TEST_F(ConsoleThreadsTest, ServesItsOwnPagesRequestsOnly) {
           Row{{{"Origin", "http://evil.example"}}, 403}, Row{{{"Origin", "null"}}, 403},
           Row{{{"Origin", "https://" + Host()}}, 403}, Row{{{"Origin", "http://127.0.0.1:1"}}, 403},
           Row{{{"Origin", "http://localhost" + port}}, 403}, Row{{{"Host", "evil.example" + port}}, 403},
-          Row{{{"Host", "localhost" + port}, {"Host", "evil.example" + port}}, 403},
           Row{{{"Host", "127.0.0.1"}}, 403}, Row{{{"Host", "10.0.0.1" + port}}, 403},
           Row{{{"Host", "evil.example" + port}, {"Origin", "http://evil.example" + port}}, 403}}) {
         httplib::Client client = Client();
@@ -106,6 +105,10 @@ TEST_F(ConsoleThreadsTest, ServesItsOwnPagesRequestsOnly) {
         EXPECT_EQ(answer->body == "0", row.status == 200) << answer->body;
         EXPECT_EQ(client.Get("/events?after=0")->status, row.status);
     }
+    const RawClient twoHosts(std::stoi(port.substr(1)));
+    twoHosts.Send("GET /log?after=0 HTTP/1.1\r\nHost: " + Host() + "\r\nHost: evil.example" + port +
+                  "\r\nConnection: close\r\n\r\n");
+    EXPECT_TRUE(twoHosts.Receive().starts_with("HTTP/1.1 403 "));
 }
 
 TEST_F(ConsoleThreadsTest, RefusesWhatHidesARequest) {

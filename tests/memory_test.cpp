@@ -4,25 +4,16 @@
 #include <functional>
 #include <thread>
 
-#include "include/vorn_contract.h"
 #include "include/vorn_server.h"
-#include "service/pipe_message.h"
-#include "service/pipe_service.h"
 #include "standin/plant_step.h"
 #include "standin/simulation.h"
 #include "tests/support/failing_new.h"
 #include "tests/support/service_test.h"
-#include "tests/support/system.h"
 #include "transport/http_workers.h"
 
 namespace {
 
 using std::string;
-
-constexpr const char* Mishap = "出现莫名错误,请联系技术支持";
-
-/// Longer than what a text holds without asking for memory.
-const string LongName = "PLANT1_" + string(40, 'X');
 
 /// Runs `request` again and again, each time with a later `new` failing, alone or with the one behind it,
 /// until none fails any more; `look` is then asked after each.
@@ -55,17 +46,6 @@ class MemoryTest : public ServiceTest {
         }
     }
 };
-
-TEST_F(MemoryTest, LetsARequestFailAndNotTheSerialLine) {
-    const string line = "Get/" + LongName;
-    char reply[VORN_SERIAL_REPLY_BYTES];
-    FailEach([&] { ChuanKouServerThread(line.c_str(), reply); },
-             [&] {
-                 EXPECT_TRUE(string(reply) == Mishap || string(reply) == NoVariable || *reply == 0) << reply;
-                 ExpectWholeLines();
-             });
-    EXPECT_STREQ(reply, NoVariable);
-}
 
 TEST_F(MemoryTest, LetsARequestFailAndNotTheDispatcher) {
     string reply;
@@ -168,10 +148,7 @@ TEST_F(MemoryProjectTest, KeepsTheProjectUntilADocumentIsReadWhole) {
     }
 }
 
-/// As `MemoryTest`, over a pipe.
-class MemoryThreadsTest : public MemoryTest {};
-
-TEST_F(MemoryThreadsTest, KeepsAConnectionUntilThereIsRoomForIt) {
+TEST(MemoryThreadsTest, KeepsAConnectionUntilThereIsRoomForIt) {
     for (const int failing : {1, 2, 3}) {
         FailNew(0, failing);
         vorn::HttpWorkers workers;
@@ -183,31 +160,6 @@ TEST_F(MemoryThreadsTest, KeepsAConnectionUntilThereIsRoomForIt) {
         workers.shutdown();
         EXPECT_TRUE(served);
     }
-}
-
-TEST_F(MemoryThreadsTest, LetsAClientOfThePipeGo) {
-    const string name = "VornMemoryPipe" + std::to_string(ProcessNumber());
-    ASSERT_TRUE(vorn::PipeOpen(name.c_str(), vorn::PipeHandle));
-    string reply;
-    int refused = 0;
-    for (bool fails = true; fails; refused += reply.empty() ? 1 : 0) {
-        std::thread server([&fails, count = refused] {
-            FailNew(count);
-            vorn::PipeServeClient();
-            fails = NewFailed();
-            FailNew(-1);
-        });
-        const RawClient client(name);
-        client.Send("Get/" + LongName);
-        client.EndSending();
-        reply = client.Receive();
-        server.join();
-        if (reply == Mishap) break;  // from here on it is the dispatcher that runs out
-    }
-    EXPECT_GT(refused, 1);
-    EXPECT_EQ(reply, Mishap);
-    vorn::CloseHandle(vorn::PipeHandle);
-    vorn::PipeHandle = nullptr;
 }
 
 }  // namespace

@@ -44,11 +44,8 @@ TEST_F(PlacementTest, TellsTheFailureThatCounts) {
     }
     ExpectReplies({
         {"AddModule", "P", Valve(R"(,"PageNb":1.0)"), NotInt},
-        {"AddModule", "P", Valve(R"(,"PositionX":"1")"), "PositionX" + NotDouble},
         {"AddModule", "P", Valve(R"(,"PositionX":3000000000)"), "PositionX" + NotDouble},
         {"AddModule", "P", Valve(R"(,"PositionZ":43000000.0)"), "PositionZ" + NotDouble},
-        {"AddModule", "P", Valve(R"(,"PositionZ":true)"), "PositionZ" + NotDouble},
-        {"AddModule", "P", Valve(R"(,"ModelID":1)"), "ModelID" + NotText},
         {"AddModule", "P", Valve(R"(,"RoomID":1,"ModelID":1,"PageNb":"x")"), "RoomID" + NotText},
         {"AddModule", "P", R"({"VornModuleID":2601010000012,"DeviceName":5,"RoomID":5})",
          "DeviceName" + NotText},
@@ -56,9 +53,7 @@ TEST_F(PlacementTest, TellsTheFailureThatCounts) {
         {"AddModule", "P", R"({"VornModuleID":2601010000012,"DeviceName":"水泵"})", ModuleName},
         {"AddNode", "P", R"({"VornModuleID":3001,"NodeName":"info"})", NodeName},
         {"AddNode", "P", R"({"VornModuleID":3001})", NodeName},
-        {"AddNode", "P", Fluid(R"(,"PageNb":null)"), NotInt},
         {"AddNode", "P", Fluid(R"(,"PositionX":"1","PositionZ":"1")"), "PositionZ" + NotDouble},
-        {"AddNode", "P", R"({"VornModuleID":3000,"NodeName":7})", "NodeName" + NotText},
         {"AddModule", "P", Valve(), "MOD0"},
         {"AddNode", "P", R"({"VornModuleID":3003,"NodeName":"MECH"})", "NOD0"},
     });
@@ -146,11 +141,7 @@ TEST_F(LinkTest, TellsTheLastFailureOfTheFirstFailedStage) {
         {"", "API调用json格式错误,无法解析"},
         {"[]", "API调用json格式错误,无法解析"},
         {R"({"Type":"0","PageNb":1.5})", NotInt},
-        {R"({"Type":1.0})", "Type的格式错误,应该是int的整数"},
         {R"({"F_InstanceID":1,"PageNb":"x"})", "F_InstanceID" + NotText},
-        {R"({"F_PortNb":"1"})", "F_PortNb的格式错误,应该是int的整数"},
-        {R"({"S_InstanceID":null})", "S_InstanceID" + NotText},
-        {R"({"S_PortNb":1.0})", "S_PortNb的格式错误,应该是int的整数"},
         {R"({"F_PortNb":16,"S_InstanceID":1})", upstreamRange},
         {R"({"F_PortNb":-1,"S_PortNb":16})", downstreamRange},
         {Ends("NOD0 16 > MOD1 0"), upstreamRange},

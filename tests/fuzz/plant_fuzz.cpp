@@ -16,6 +16,7 @@ constexpr int PiecesAtMost = 24;
 constexpr int StepsAtMost = 4;
 constexpr int ModuleTypes = 23;
 constexpr std::size_t CountsRow = 5;  ///< of the project variables
+constexpr std::size_t Circuits = 2;
 constexpr std::size_t UnsolvedNets = 3;
 constexpr std::size_t StepsUnsolved = 4;
 
@@ -106,8 +107,9 @@ struct Sums {
     double surplus = 0.0, comes = 0.0, heat = 0.0;
 };
 
-/// In a step that was solved nothing is lost at a node, and streams mix there by heat.
+/// In a step that was solved nothing is lost at a node, and where no circuit is, streams mix there by heat.
 void CheckNodes(MadePlant& plant, const Drawing& drawing) {
+    const bool mixes = plant.Records().variables[CountsRow].integers[Circuits] == 0;
     std::map<int, Sums> nodes;
     double largest = 0.0;
     for (const Drawing::Row& row : drawing.rows) {
@@ -128,7 +130,7 @@ void CheckNodes(MadePlant& plant, const Drawing& drawing) {
         const double flow = plant.Item(piece, 2);
         Require(std::abs(sums.surplus) <= most, "a node keeps mass", std::to_string(piece));
         Require(std::abs(sums.comes - flow) <= most, "a node tells what comes in", std::to_string(piece));
-        if (sums.comes < 1e-3 * largest) continue;  // next to nothing can have any temperature
+        if (!mixes || sums.comes <= 1e-3 * largest) continue;  // next to nothing can have any temperature
         const double mixed = sums.heat / sums.comes;
         Require(std::abs(mixed - plant.Item(piece, 1)) <= 1e-3 * (1.0 + std::abs(mixed)), "a node keeps heat",
                 std::to_string(piece));
@@ -143,7 +145,8 @@ void Change(MadePlant& plant, const Drawing& drawing, Choices& choices) {
         const int row = choices.Next(8);
         const double value = choices.Value();
         if (row == 7 && values.ports.size() > 1) {
-            values.ports[1].temperature = value;
+            // What a client writes to a port that no step writes stays as it is.
+            values.ports[1].temperature = std::isfinite(value) ? value : 0.0;
         } else if (row < static_cast<int>(values.items.size())) {
             values.items[static_cast<std::size_t>(row)] = value;
         }
