@@ -74,7 +74,7 @@ std::string WholeName(const std::string& name) {
         const int slot = ProjectNameToID(ProjectName);
         const int kind = vorn::InstanceIdResolve(slot, name.substr(0, end).c_str(), number);
         if (kind == NoKind || number < 0) continue;
-        const std::string whole = project + vorn::InstanceIdText(kind, number) + name.substr(end);
+        std::string whole = project + vorn::InstanceIdText(kind, number) + name.substr(end);
         if (known(whole)) return whole;
     }
     return {};
@@ -114,9 +114,11 @@ bool ValuesSet(const std::string& text, std::string& refused) {
         if (row.empty() || row.find_first_not_of("0123456789") != std::string::npos || row.size() > 4)
             return false;
         if (value.empty() || value.find_first_not_of("0123456789.+-eE") != std::string::npos) return false;
-        const std::string reply =
-            Send("VarCacheSet", std::string(ProjectName) + '_' + refused.substr(0, rowBar),
-                 "{\"Row\":" + row + ",\"Column\":1,\"Value\":\"" + value + "\"}");
+        std::string name(ProjectName);
+        name.append("_").append(refused, 0, rowBar);
+        std::string item("{\"Row\":");
+        item.append(row).append(",\"Column\":1,\"Value\":\"").append(value).append("\"}");
+        const std::string reply = Send("VarCacheSet", name, item);
         if (reply != "OK") return false;
     }
     return true;
