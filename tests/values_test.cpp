@@ -179,7 +179,7 @@ TEST_F(ValuesTest, FillsTheTableOfProjectVariables) {
         Send("Set", "P_v" + std::to_string(added), std::to_string(added));
         ++added;
     }
-    EXPECT_EQ(added, 256 - static_cast<int>(standin::StandardVariableCount));
+    EXPECT_EQ(added, 250);
     EXPECT_EQ(Send("PjtDleVar", "P", "v100"), "OK");
     EXPECT_EQ(Send("PjtAddVar", "P", "w"), "OK");
     EXPECT_EQ(Send("Get", "P_w"), "0.000000");
