@@ -46,7 +46,7 @@ std::string ClientVariable(int number) {
 }
 
 void MakeProjects() {
-    static const bool made = [] {
+    static bool made = [] {
         for (int slot = 0; slot < SlotCount; ++slot) {
             const std::string project = ProjectOf(slot);
             ProjectJsonAdd(project.c_str());

@@ -4,7 +4,7 @@
 
 #include <optional>
 
-#include "host/console.h"
+#include "host/console_address.h"
 #include "host/serial_line.h"
 
 struct Options {

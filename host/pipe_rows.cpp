@@ -8,11 +8,10 @@ std::string PipeNameOf(int row) {
     return VORN_PIPE_NAME_PREFIX + std::to_string(row);
 }
 
-int PipeRowFind(bool ofThisUser) {
+int PipeRowFind() {
     for (int row = 0; row < VORN_PIPE_NAMES; ++row) {
         const vorn::PipeHolder holder = vorn::PipeHolderOf(PipeNameOf(row));
-        if (holder == vorn::PipeHolder::ThisProcess) return row;
-        if (holder == vorn::PipeHolder::ThisUser && ofThisUser) return row;
+        if (holder == vorn::PipeHolder::ThisProcess || holder == vorn::PipeHolder::ThisUser) return row;
     }
     return -1;
 }

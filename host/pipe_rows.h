@@ -7,9 +7,8 @@
 /// The name of a row, 0 to 99.
 std::string PipeNameOf(int row);
 
-/// The lowest row that this process holds, or with `ofThisUser` that any process of this user or root holds;
-/// -1 for none. Nothing is sent.
-int PipeRowFind(bool ofThisUser);
+/// The lowest row whose pipe a process of this user or of root has; -1 for none. Nothing is sent.
+int PipeRowFind();
 
 /// Sends `command/name/messages` to the pipe of that row and waits for the reply, ten minutes and more for
 /// its size. False, with `fault` saying why, when no reply came.

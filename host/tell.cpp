@@ -23,11 +23,22 @@ void Tell(std::string_view lines) {
     Output().Put(lines);
 }
 
+void TellError(std::string_view lines) {
+    Faults().Put(lines);
+}
+
 void TellFault(std::string_view fault) {
     Faults().Put("vorn-host: " + std::string(fault) + "\n");
 }
 
-bool TellRest() {
-    const bool outputSent = Output().Send();
-    return Faults().Send() && outputSent;
+void TellRest() {
+    Output().Send();
+    Faults().Send();
+}
+
+void TellFinish() {
+    const std::size_t dropped = Output().Finish();
+    if (dropped > 0)
+        TellFault(std::to_string(dropped) + " lines of standard output were dropped: nobody read them");
+    Faults().Finish();
 }

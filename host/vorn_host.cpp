@@ -1,17 +1,15 @@
 // vorn-host: runs VornServer as a program of its own, in the place of the platform's host.
 
-#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <optional>
 #include <string>
 #include <thread>
-#include <vector>
 
 #include "host/console.h"
+#include "host/console_files.h"
 #include "host/end_signals.h"
-#include "host/exchange_print.h"
-#include "host/listening_ports.h"
+#include "host/event_pump.h"
 #include "host/metrics.h"
 #include "host/options.h"
 #include "host/pipe_rows.h"
@@ -20,6 +18,9 @@
 #include "host/tell.h"
 #include "include/vorn_contract.h"
 #include "include/vorn_server.h"
+#include "service/exchange.h"
+#include "service/exchange_events.h"
+#include "service/service_places.h"
 
 namespace {
 
@@ -29,9 +30,20 @@ std::atomic<bool> httpEnded{false};
 
 /// The service threads never return, so the process ends around them.
 [[noreturn]] void End(int status) {
-    const auto latest = std::chrono::steady_clock::now() + 500ms;
-    while (!TellRest() && std::chrono::steady_clock::now() < latest) std::this_thread::sleep_for(10ms);
+    TellFinish();
     ProgramEnd(status);
+}
+
+/// Lets the request that runs come to its end, a store above all, and its reply go out.
+[[noreturn]] void EndAfterRequests() {
+    constexpr auto RequestAtMost = 10s;
+    constexpr auto ReplyTime = 50ms;
+    TellStopping();
+    if (!vorn::ExchangesEnd(RequestAtMost)) TellFault("a request still ran when the program ended");
+    std::this_thread::sleep_for(ReplyTime);
+    EventPumpFinish();
+    Tell("VornServer has ended.\n");
+    End(0);
 }
 
 void StartHttp() {
@@ -44,7 +56,7 @@ void StartHttp() {
 void TellPipe(const std::atomic<bool>& ended) {
     for (;;) {
         const bool last = ended;
-        const int row = PipeRowFind(false);
+        const int row = vorn::PipeSlot;
         if (row >= 0) {
             Tell("VornServer holds the pipe " + PipeNameOf(row) + "\n");
         } else if (last) {
@@ -64,17 +76,9 @@ void StartPipe() {
     std::thread([] { TellPipe(ended); }).detach();
 }
 
-/// The service's port, 0 while it has none. What was listened on before it started is not the service's.
-int OwnPort(const std::vector<int>& before) {
-    for (const int port : ListeningPorts(VORN_FIRST_PORT, VORN_LAST_PORT)) {
-        if (std::find(before.begin(), before.end(), port) == before.end()) return port;
-    }
-    return 0;
-}
-
-void StartConsole(const ConsoleAddress& address, int port) {
+void StartConsole(const ConsoleAddress& address) {
     std::string fault;
-    const std::string link = ConsoleStart(address, ConsoleFolder(), port, fault);
+    const std::string link = ConsoleStart(address, ConsoleFolder(), fault);
     Tell(link.empty() ? "VornServer has no console: " + fault + "\n"
                       : "VornServer shows its plants at " + link + "\n");
 }
@@ -86,6 +90,20 @@ void StartMetrics(const ConsoleAddress& address) {
                        : "VornServer counts at " + place + "\n");
 }
 
+/// Waits until the service has its port; ends the program where it gets none.
+int PortAwait() {
+    for (;;) {
+        const bool ended = httpEnded;
+        if (const int port = vorn::HttpPort; port != 0) return port;
+        if (ended) {
+            TellFault("no port of " + std::to_string(VORN_FIRST_PORT) + " to " +
+                      std::to_string(VORN_LAST_PORT) + " is free");
+            End(1);
+        }
+        if (EndAsked(20ms)) End(0);
+    }
+}
+
 }  // namespace
 
 int main(int count, char** arguments) {
@@ -95,41 +113,22 @@ int main(int count, char** arguments) {
     if (ended) return *ended;
     if (options.trace) EnvironmentSet("VORN_ENGINE_TRACE", "1");
     EndSignalsHold();
+    vorn::EventsObserve();
+    EventPumpStart(options.quiet);
 
     std::string fault;
     if (options.serial && !SerialStart(*options.serial, fault)) {
         TellFault(fault);
-        return 1;
-    }
-    const std::vector<int> before = ListeningPorts(VORN_FIRST_PORT, VORN_LAST_PORT);
-    StartHttp();
-    StartPipe();
-    int port = 0;
-    while ((port = OwnPort(before)) == 0 && !httpEnded) {
-        if (EndAsked(20ms)) End(0);
-    }
-    if (port == 0) {
-        TellFault("no port of " + std::to_string(VORN_FIRST_PORT) + " to " + std::to_string(VORN_LAST_PORT) +
-                  " is free");
         End(1);
     }
-    const std::string answers = "VornServer answers on http://127.0.0.1:" + std::to_string(port) + "/api";
+    StartHttp();
+    StartPipe();
+    const std::string answers =
+        "VornServer answers on http://127.0.0.1:" + std::to_string(PortAwait()) + "/api";
     Tell(answers + "\n");
-    if (options.console) StartConsole(*options.console, port);
+    if (options.console) StartConsole(*options.console);
     if (options.metrics) StartMetrics(*options.metrics);
     TellReady(answers);
-
-    ExchangePrinter printer([&options](const std::string& lines) {
-        if (!options.quiet) Tell(lines);
-        ConsoleLog(lines);
-        MetricsCount(lines);
-    });
-    do {
-        printer.Poll();
-        TellRest();
-    } while (!EndAsked(100ms));
-    TellStopping();
-    printer.Poll();
-    Tell("VornServer has ended.\n");
-    End(0);
+    while (!EndAsked(1s)) continue;
+    EndAfterRequests();
 }

@@ -75,7 +75,7 @@ bool HttpSend(const SendOptions& options, std::string& reply, std::string& fault
 }
 
 bool PipeSend(const SendOptions& options, std::string& reply, std::string& fault) {
-    const int row = options.row >= 0 ? options.row : PipeRowFind(true);
+    const int row = options.row >= 0 ? options.row : PipeRowFind();
     if (row < 0) {
         fault = "no server holds a pipe; is vorn-host running?";
         return false;

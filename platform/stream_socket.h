@@ -15,6 +15,13 @@ bool SocketAwait(std::intptr_t socket, int milliseconds);
 /// `SocketAwait` has said so.
 std::ptrdiff_t SocketRead(std::intptr_t socket, char* bytes, std::size_t size);
 
+/// How long each `SocketReadAwait` of this connection may wait, more than 0.
+void SocketReadTimeSet(std::intptr_t socket, int milliseconds);
+
+/// Waits until something comes, and takes up to `size` bytes of it; 0 at their end, negative on an error or
+/// where the time passed without.
+std::ptrdiff_t SocketReadAwait(std::intptr_t socket, char* bytes, std::size_t size);
+
 /// Writes as many of `size` bytes as there is room for, at least one; waits for room. Negative when there was
 /// none in that time, or the other side has gone.
 std::ptrdiff_t SocketWrite(std::intptr_t socket, const char* bytes, std::size_t size, int milliseconds);

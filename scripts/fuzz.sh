@@ -12,7 +12,7 @@ if [ "${1:-}" = --keep ]; then
 fi
 seconds=${1:-10}
 fronts=("${@:2}")
-[ ${#fronts[@]} -gt 0 ] || fronts=(envelope line document stored values fitting plant)
+[ ${#fronts[@]} -gt 0 ] || fronts=(envelope line document stored values plant http)
 
 cd "$repository"
 command -v clang++ >/dev/null || fail "no clang++ here, which the fuzz fronts need"

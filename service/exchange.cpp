@@ -1,11 +1,13 @@
 #include "service/exchange.h"
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <exception>
 #include <iterator>
 #include <mutex>
 #include <string_view>
+#include <thread>
 
 #include "platform/sleep.h"
 #include "service/dispatcher.h"
@@ -84,6 +86,14 @@ bool ChangesStates(string_view header) {
     return header != "Set" && header != "Get" && WordWrites(header);
 }
 
+std::atomic<bool> ends{false};
+
+/// The threads of requests that came too late wait here for the end of the process.
+void WaitForEnd(std::unique_lock<std::mutex>& dispatch) {
+    dispatch.unlock();
+    for (;;) std::this_thread::sleep_for(std::chrono::hours(1));
+}
+
 }  // namespace
 
 void ExchangeRun(const Caller& caller, const std::string& midHeader, const std::string& midData,
@@ -94,7 +104,8 @@ void ExchangeRun(const Caller& caller, const std::string& midHeader, const std::
         return;
     }
     const Clock::time_point asked = Clock::now();
-    const std::lock_guard guard(DispatchLock);
+    std::unique_lock guard(DispatchLock);
+    if (ends) WaitForEnd(guard);
     const Clock::time_point entered = Clock::now();
     const std::chrono::milliseconds slept = SleptByThread();
     StoreEndTake();
@@ -102,6 +113,16 @@ void ExchangeRun(const Caller& caller, const std::string& midHeader, const std::
     Record(caller, midHeader, midData, midValue, reply,
            {entered - asked, Clock::now() - entered, SleptByThread() - slept});
     if (ChangesStates(midHeader)) RunStatesLook(true);
+}
+
+bool ExchangesEnd(std::chrono::milliseconds atMost) {
+    constexpr std::chrono::milliseconds Pause{5};
+    const Clock::time_point latest = Clock::now() + atMost;
+    ends = true;
+    for (; Clock::now() < latest; std::this_thread::sleep_for(Pause)) {
+        if (const std::unique_lock guard(DispatchLock, std::try_to_lock); guard.owns_lock()) return true;
+    }
+    return false;
 }
 
 void ExchangeRefused(const Caller& caller, const std::string& text, const std::string& reply) {

@@ -1,4 +1,4 @@
-// The console's own server: what it serves, whom it refuses, what it passes on, and the log that it keeps.
+// The console's own server: what it serves, whom it refuses, and the records that it gives.
 
 #include "host/console.h"
 
@@ -6,8 +6,8 @@
 #include <httplib.h>
 
 #include <fstream>
-#include <thread>
 
+#include "host/event_log.h"
 #include "tests/support/framing_forms.h"
 #include "tests/support/working_folder.h"
 
@@ -38,35 +38,27 @@ TEST(ConsoleTest, ReadsAddresses) {
     EXPECT_EQ(LinkTo("::1", 9000) + LinkTo("box", 80), "http://[::1]:9000http://box");
 }
 
-/// The console before a service that answers with the body it gets. It is there once for all tests: it cannot
-/// be stopped.
+/// The console, there once for all tests: it cannot be stopped.
 class ConsoleThreadsTest : public testing::Test {
   protected:
     static void SetUpTestSuite() {
-        static httplib::Server& service = *new httplib::Server;
-        service.Post("/api", [](const httplib::Request& request, httplib::Response& response) {
-            response.set_content("got " + request.body, "application/json");
-        });
-        const int port = service.bind_to_any_port("127.0.0.1");
-        std::thread([] { service.listen_after_bind(); }).detach();
-
         const TemporaryFolder top;
         std::ofstream(top.Path() / "secret.html") << "secret";
         const std::filesystem::path folder = top.Path() / "page";
         string fault;
-        EXPECT_EQ(ConsoleStart({}, folder, port, fault), "") << "there is no page yet";
+        EXPECT_EQ(ConsoleStart({}, folder, fault), "") << "there is no page yet";
         EXPECT_NE(fault, "");
         std::filesystem::create_directory(folder);
         std::ofstream(folder / "index.html") << "the page";
         std::ofstream(folder / "key.pem") << "no file of a page";
-        link_ = ConsoleStart({}, folder, port, fault);
+        link_ = ConsoleStart({}, folder, fault);
     }
     void SetUp() override { ASSERT_TRUE(link_.starts_with("http://127.0.0.1:")) << link_; }
 
     /// The console's address, as `Host` has it.
     static string Host() { return link_.substr(7, link_.size() - 8); }
     static httplib::Client Client() { return httplib::Client("http://" + Host()); }
-    static string Log(const string& after) { return Client().Get("/log?after=" + after)->body; }
+    static string Events(const string& after) { return Client().Get("/events?after=" + after)->body; }
 
     inline static string link_;
 };
@@ -91,7 +83,7 @@ TEST_F(ConsoleThreadsTest, ServesItsPageAndNothingElse) {
     EXPECT_EQ(policy.find("unsafe"), string::npos) << policy;
 }
 
-TEST_F(ConsoleThreadsTest, PassesOnItsOwnPagesRequestsOnly) {
+TEST_F(ConsoleThreadsTest, ServesItsOwnPagesRequestsOnly) {
     const string port = Host().substr(Host().find(':'));
     struct Row {
         httplib::Headers headers;
@@ -103,15 +95,16 @@ TEST_F(ConsoleThreadsTest, PassesOnItsOwnPagesRequestsOnly) {
           Row{{{"Origin", "http://evil.example"}}, 403}, Row{{{"Origin", "null"}}, 403},
           Row{{{"Origin", "https://" + Host()}}, 403}, Row{{{"Origin", "http://127.0.0.1:1"}}, 403},
           Row{{{"Origin", "http://localhost" + port}}, 403}, Row{{{"Host", "evil.example" + port}}, 403},
+          Row{{{"Host", "localhost" + port}, {"Host", "evil.example" + port}}, 403},
           Row{{{"Host", "127.0.0.1"}}, 403}, Row{{{"Host", "10.0.0.1" + port}}, 403},
           Row{{{"Host", "evil.example" + port}, {"Origin", "http://evil.example" + port}}, 403}}) {
         httplib::Client client = Client();
         client.set_default_headers(row.headers);
-        const auto answer = client.Post("/api", "{\"a\":5.0}", "application/json");
+        const auto answer = client.Post("/api", R"({"command":"Fdp","name":"P"})", "application/json");
         ASSERT_TRUE(answer);
         EXPECT_EQ(answer->status, row.status);
-        EXPECT_EQ(answer->body == "got {\"a\":5.0}", row.status == 200) << answer->body;
-        EXPECT_EQ(client.Get("/log?after=0")->status, row.status);
+        EXPECT_EQ(answer->body == "0", row.status == 200) << answer->body;
+        EXPECT_EQ(client.Get("/events?after=0")->status, row.status);
     }
 }
 
@@ -119,29 +112,35 @@ TEST_F(ConsoleThreadsTest, RefusesWhatHidesARequest) {
     ExpectFormsRefused(std::stoi(Host().substr(Host().find(':') + 1)));
 }
 
-TEST_F(ConsoleThreadsTest, KeepsTheLogsLastLines) {
-    ConsoleLog("read   Get \"A\\B\"  1\nwrite  Set A 2 OK\n");
-    const string first = Log("0");
-    EXPECT_TRUE(first.starts_with("{\"next\":2,\"lines\":[{\"number\":1,\"time\":1")) << first;
-    EXPECT_NE(first.find("\"text\":\"read   Get \\\"A\\\\B\\\"  1\"}"), string::npos) << first;
-    EXPECT_EQ(first.find("\"number\":2"), Log("0").rfind("\"number\":2"));
-    EXPECT_EQ(Log("1").find("Get"), string::npos);
-    EXPECT_EQ(Log("2"), "{\"next\":2,\"lines\":[]}");
+/// A record of a write with that name.
+vorn::Event Write(const string& name) {
+    vorn::ExchangeEvent event;
+    event.writes = true;
+    event.word = vorn::WordIndex("Set");
+    event.name = {.text = name, .bytes = name.size() + 3, .left = 3};
+    return {.what = event};
+}
 
-    // A long line is cut between two characters.
-    ConsoleLog("x" + [] {
-        string text;
-        while (text.size() < 4200) text += "温";
-        return text;
-    }() + "\n");
-    const string cut = Log("2");
-    EXPECT_TRUE(cut.ends_with("温\"}]}"));
-    EXPECT_LT(cut.size(), 4100U);
+TEST_F(ConsoleThreadsTest, GivesTheLastRecordsAndTheRunStates) {
+    EventKeep(Write(R"(A\"B)"));
+    EventKeep({.what = vorn::RunStateEvent{.project = "P", .state = vorn::RunState::Running}});
+    EventKeep({.what = vorn::RunStateEvent{.project = "Q", .state = vorn::RunState::Paused}});
+    EventKeep({.what = vorn::RunStateEvent{.project = "Q", .state = vorn::RunState::Closed}});
+    EventKeep({.what = vorn::NoticeEvent{.kind = vorn::NoticeKind::Trace, .text = "none of the page's"}});
+    EventLossKeep({.exchanges = 2});
+    const string first = Events("0");
+    EXPECT_TRUE(first.starts_with(R"({"next":4,"lost":2,"projects":{"P":"running"},"events":[{"number":1,)"))
+        << first;
+    EXPECT_NE(first.find(R"("side":"write","word":"Set","sent":"","name":"A\\\"B","nameLeft":3)"),
+              string::npos)
+        << first;
+    EXPECT_EQ(Events("4"), R"({"next":4,"lost":2,"projects":{"P":"running"},"events":[]})");
 
-    for (int line = 0; line < 2100; ++line) ConsoleLog("write  Set A 2 OK\n");
-    EXPECT_EQ(Log("0").find("\"number\":103,") != string::npos, false) << "lines 104 to 2103 are kept";
-    EXPECT_NE(Log("0").find("{\"next\":603,\"lines\":[{\"number\":104,"), string::npos);
-    EXPECT_NE(Log("garbage").find("\"number\":104,"), string::npos);
+    for (int record = 0; record < 2100; ++record) EventKeep(Write("X"));
+    for (const char* after : {"0", "garbage", "104"}) {
+        EXPECT_TRUE(Events(after).starts_with(R"({"next":604,)")) << after;  // 105 to 2104 are kept
+        EXPECT_NE(Events(after).find(R"("events":[{"number":105,)"), string::npos) << after;
+    }
 }
 
 }  // namespace

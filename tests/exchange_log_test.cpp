@@ -1,12 +1,10 @@
-// The log of exchanges: its lines, its limits, its drains and its flags; and how the host shows it.
+// The log of exchanges: its lines, its limits, its drains and its flags.
 
 #include "service/exchange_log.h"
 
 #include <gtest/gtest.h>
 
-#include "host/exchange_print.h"
 #include "include/vorn_server.h"
-#include "platform/visible.h"
 
 namespace {
 
@@ -72,24 +70,6 @@ TEST(ExchangeLogTest, KeepsTheLast2000BytesOfMoreThan20000) {
     for (int exchange = 0; exchange < 3; ++exchange) Log("Get", "a", "", string(7000, 'x'));
     Log("Get", "b", "", "y");
     EXPECT_EQ(Rtn_Get_Get(), string(1999, 'x') + "\nGet b  y");
-}
-
-TEST(ExchangePrintTest, ShowsWhatATerminalWouldActOn) {
-    for (const string text : {"Get 房间_X é😀", ""}) EXPECT_EQ(vorn::Visible(text), text);
-    EXPECT_EQ(vorn::Visible("\x1B[2J\t\r\x7F"), "\\x1B[2J\\x09\\x0D\\x7F");
-    EXPECT_EQ(vorn::Visible("\xC2\x9B"), "\\xC2\\x9B");
-    EXPECT_EQ(vorn::Visible("\xE6\x88"), "\\xE6\\x88");
-    EXPECT_EQ(vorn::Visible("\x88房"), "\\x88房");
-    EXPECT_EQ(vorn::Visible("\xED\xA0\x80\xF4\x90\x80\x80"), R"(\xED\xA0\x80\xF4\x90\x80\x80)");
-    EXPECT_EQ(vorn::Visible("\xC0\x8A\xE0\x80\x8A\xFF"), "\\xC0\\x8A\\xE0\\x80\\x8A\\xFF");
-}
-
-TEST(ExchangePrintTest, JoinsAnExchangeThatWasFetchedInHalves) {
-    ExchangeLines lines("read ");
-    EXPECT_EQ(lines.Take("Get A  1\nGet B "), "read Get A  1\n");
-    EXPECT_EQ(lines.Take("m 2\nGet C  "), "read Get B m 2\nread Get C  \n");
-    EXPECT_EQ(lines.Take("Get D "), "");
-    EXPECT_EQ(lines.Take(" 3"), "read Get D  3\n");
 }
 
 }  // namespace

@@ -51,8 +51,11 @@ int HttpConnection::WaitMilliseconds() const {
 /// Gets what has come behind what is in the buffer, which must have room. 0 at the end of what comes,
 /// negative when nothing came in that time.
 ssize_t HttpConnection::Fill(int milliseconds) {
-    if (!Flush() || !SocketAwait(Number(socket_), milliseconds)) return -1;
-    const std::ptrdiff_t read = SocketRead(Number(socket_), buffer_.data() + end_, buffer_.size() - end_);
+    if (milliseconds <= 0 || !Flush()) return -1;
+    if (milliseconds != readMilliseconds_) SocketReadTimeSet(Number(socket_), milliseconds);
+    readMilliseconds_ = milliseconds;
+    const std::ptrdiff_t read =
+        SocketReadAwait(Number(socket_), buffer_.data() + end_, buffer_.size() - end_);
     end_ += static_cast<std::size_t>(std::max<std::ptrdiff_t>(read, 0));
     return read;
 }
@@ -87,6 +90,8 @@ bool HttpConnection::TakeHead() {
     int refused = GatherHead();
     if (refused == 0) {
         const HttpFraming framing = HeadRead({buffer_.data(), headEnd_});
+        behindHead_ = headEnd_;
+        headEnd_ = framing.headBytes;
         chunked_ = framing.chunked;
         chunks_ = {};
         bodyLeft_ = framing.bodyBytes;
@@ -119,6 +124,11 @@ std::size_t HttpConnection::OfBody(const char* bytes, std::size_t size) {
 }
 
 ssize_t HttpConnection::read(char* bytes, std::size_t size) {
+    if (size == 1 && begin_ + 1 < headEnd_) {  // as the library reads a head
+        *bytes = buffer_[begin_++];
+        ++movedBytes_;
+        return 1;
+    }
     if (headEnd_ == 0) {
         if (BodyTaken()) return 0;
         if (chunks_.Faulty()) return -1;
@@ -135,7 +145,10 @@ ssize_t HttpConnection::read(char* bytes, std::size_t size) {
     std::memcpy(bytes, buffer_.data() + begin_, count);
     begin_ += count;
     movedBytes_ += count;
-    if (begin_ == headEnd_) headEnd_ = 0;
+    if (begin_ == headEnd_) {
+        headEnd_ = 0;
+        begin_ = behindHead_;
+    }
     return static_cast<ssize_t>(count);
 }
 

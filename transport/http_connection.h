@@ -26,8 +26,8 @@ class HttpConnection : public httplib::Stream {
     bool TakeHead();
     /// Sends what of the reply was kept back; false when it could not be sent.
     bool Flush();
-    /// The request's body was read whole, so that what follows is another request.
-    bool BodyTaken() const { return chunked_ ? chunks_.Done() : bodyLeft_ == 0; }
+    /// The request was read whole, so that what follows is another one.
+    bool RequestTaken() const { return headEnd_ == 0 && BodyTaken(); }
     /// Bytes that went either way since the request began.
     std::size_t MovedBytes() const { return movedBytes_; }
     const HttpAddresses& Ends() const { return ends_; }
@@ -43,6 +43,7 @@ class HttpConnection : public httplib::Stream {
   private:
     using Clock = std::chrono::steady_clock;
 
+    bool BodyTaken() const { return chunked_ ? chunks_.Done() : bodyLeft_ == 0; }
     int GatherHead();
     ssize_t Fill(int milliseconds);
     void LimitTime(int milliseconds);
@@ -51,12 +52,14 @@ class HttpConnection : public httplib::Stream {
     void Refuse(int status);
 
     socket_t socket_;
+    int readMilliseconds_ = 0;  ///< that the socket was last given for a read
     const HttpRules& rules_;
     HttpAddresses ends_;
     std::array<char, HeadBytesAtMost> buffer_{};
     std::size_t begin_ = 0;  ///< of what is in the buffer and was not yet read
     std::size_t end_ = 0;
-    std::size_t headEnd_ = 0;  ///< where in the buffer the head ends; 0 when it has been read
+    std::size_t headEnd_ = 0;     ///< where in the buffer the head ends; 0 when it has been read
+    std::size_t behindHead_ = 0;  ///< where what follows it begins
     std::array<char, 16384> reply_{};
     std::size_t replyBytes_ = 0;  ///< of the reply, not yet sent
     std::size_t movedBytes_ = 0;

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
-#include <iterator>
+#include <cstring>
 
 namespace vorn {
 
@@ -16,7 +16,7 @@ constexpr std::string_view LineEnd = "\r\n";
 /// The headers that matter here, each with how often it came and its last value.
 struct Seen {
     std::string_view name;  ///< in lower case
-    bool hidden = false;    ///< from the library
+    bool dropped = false;   ///< nothing here reads it
     std::size_t count = 0;
     std::string_view value{};
 };
@@ -51,21 +51,47 @@ std::string_view Trimmed(std::string_view value) {
     return value.substr(0, value.find_last_not_of(Blanks) + 1);
 }
 
-/// Takes one line into what was seen; false for a line that is no header.
-bool LineRead(std::span<char> line, std::span<Seen> known) {
-    const auto colon = std::find(line.begin(), line.end(), ':');
-    if (colon == line.end() || colon == line.begin() || !std::all_of(line.begin(), colon, OfName))
-        return false;
-    if (std::any_of(colon, line.end(), Control)) return false;
-    const std::string_view name(line.data(), static_cast<std::size_t>(colon - line.begin()));
+enum class Line { Kept, Dropped, NoHeader };
+
+/// Takes one line into what was seen.
+Line LineRead(std::string_view line, std::span<Seen> known) {
+    const std::string_view name = line.substr(0, line.find(':'));
+    if (name.empty() || name.size() == line.size() || !std::all_of(name.begin(), name.end(), OfName) ||
+        std::any_of(line.begin(), line.end(), Control)) {
+        return Line::NoHeader;
+    }
     const auto found =
         std::find_if(known.begin(), known.end(), [&](const Seen& each) { return SameName(name, each.name); });
-    if (found == known.end()) return true;
+    if (found == known.end()) return Line::Kept;
     ++found->count;
-    found->value = Trimmed(std::string_view(line.data(), line.size()).substr(name.size() + 1));
-    if (found->hidden) *std::prev(colon) = '_';
-    return true;
+    found->value = Trimmed(line.substr(name.size() + 1));
+    return found->dropped ? Line::Dropped : Line::Kept;
 }
+
+/// The lines of a head, one by one, from which some are taken out.
+class Lines {
+  public:
+    explicit Lines(std::span<char> head) : head_(head) {}
+    /// The next line, where it will stay.
+    std::string_view Next() {
+        const std::string_view rest = std::string_view(head_.data(), head_.size()).substr(read_);
+        lineBytes_ = rest.find(LineEnd) + LineEnd.size();
+        char* const to = head_.data() + kept_;
+        if (kept_ != read_) std::memmove(to, rest.data(), lineBytes_);
+        read_ += lineBytes_;
+        kept_ += lineBytes_;
+        return {to, lineBytes_ - LineEnd.size()};
+    }
+    /// Takes the last line out.
+    void Drop() { kept_ -= lineBytes_; }
+    std::size_t Kept() const { return kept_; }
+
+  private:
+    std::span<char> head_;
+    std::size_t read_ = 0;
+    std::size_t kept_ = 0;
+    std::size_t lineBytes_ = 0;  ///< of the last line, with its end
+};
 
 }  // namespace
 
@@ -91,32 +117,25 @@ HttpFraming FramingOf(std::string_view length, std::size_t lengths, std::string_
 }
 
 HttpFraming HeadRead(std::span<char> head) {
-    Seen known[] = {{"content-length"},
-                    {"transfer-encoding"},
-                    {"content-encoding"},
-                    {"range", true},
-                    {"accept-encoding", true}};
-    std::string_view first;
-    int lines = 0;
-    for (;;) {
-        const std::size_t end = std::string_view(head.data(), head.size()).find(LineEnd);
-        const std::span<char> line = head.first(end);
-        head = head.subspan(end + LineEnd.size());
-        if (line.empty() && lines > 0) break;
-        if (lines == 0) {
-            first = {line.data(), line.size()};
-            if (first.empty() || std::any_of(first.begin(), first.end(), Control))
-                return {.refused = BadRequest};
-        } else if (!LineRead(line, known)) {
-            return {.refused = BadRequest};
-        }
-        if (++lines > HeadLinesAtMost + 1) return {.refused = HeadersTooLarge};
+    Seen known[] = {{"content-length"}, {"transfer-encoding"}, {"content-encoding"},     {"range", true},
+                    {"accept", true},   {"user-agent", true},  {"accept-encoding", true}};
+    constexpr HttpFraming Refused{.refused = BadRequest};
+    Lines lines(head);
+    const std::string_view first = lines.Next();
+    if (first.empty() || std::any_of(first.begin(), first.end(), Control)) return Refused;
+    int count = 0;
+    for (std::string_view line = lines.Next(); !line.empty(); line = lines.Next()) {
+        if (++count > HeadLinesAtMost) return {.refused = HeadersTooLarge};
+        const Line read = LineRead(line, known);
+        if (read == Line::NoHeader) return Refused;
+        if (read == Line::Dropped) lines.Drop();
     }
     HttpFraming framing =
         FramingOf(known[Length].value, known[Length].count, known[Transfer].value, known[Transfer].count);
     // Only HTTP/1.1 has chunks; what stands before an older reader would not see their ends.
     if (framing.chunked && !first.ends_with(" HTTP/1.1")) framing.refused = BadRequest;
     if (framing.refused == 0 && known[Encoding].count > 0) framing.refused = UnsupportedMediaType;
+    framing.headBytes = lines.Kept();
     return framing;
 }
 

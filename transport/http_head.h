@@ -14,7 +14,8 @@ inline constexpr int HeadLinesAtMost = 100;
 
 /// What the head says of the body behind it.
 struct HttpFraming {
-    int refused = 0;  ///< the status that refuses the request, 0 for one that may be served
+    int refused = 0;            ///< the status that refuses the request, 0 for one that may be served
+    std::size_t headBytes = 0;  ///< what is left of the head, from its begin on
     bool chunked = false;
     std::uint64_t bodyBytes = 0;  ///< where it is not chunked
 };
@@ -28,8 +29,8 @@ std::size_t HeadEnd(std::string_view text, std::size_t& searched);
 /// `chunked`, or a line that is no header; each of these is refused with 400. A packed body
 /// (`Content-Encoding`) is refused with 415, more than `HeadLinesAtMost` headers with 431.
 ///
-/// Spoils the names of `Range` and `Accept-Encoding`, so that the library does not see them: it would refuse
-/// a request for a malformed range and cut the reply by a good one, and take seconds to pack a megabyte.
+/// Takes out the headers that nothing here reads: by a `Range` the library would refuse a request or cut its
+/// reply, by `Accept-Encoding` take seconds to pack a megabyte, and each of the rest costs it time.
 HttpFraming HeadRead(std::span<char> head);
 
 /// True where a list of a head's values has the framing that `HeadRead` accepts: for callers that see

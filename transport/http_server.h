@@ -24,12 +24,16 @@ class HttpServer : public LibraryServer {
     /// failed takes no further port, so that each is tried with a fresh one.
     bool Bind(const std::string& host, int port);
 
+#if !VORN_HTTPLIB_PUBLIC_ONLY
+  protected:
+    void ServeConnection(socket_t socket) override;
+#endif
+
   private:
     /// What depends on how much of the library is used.
     void Prepare();
     bool Admits(const httplib::Request& request, httplib::Response& response) const;
 #if !VORN_HTTPLIB_PUBLIC_ONLY
-    void ServeConnection(socket_t socket) override;
     bool Serve(HttpConnection& connection, bool last);
 #endif
 

@@ -59,7 +59,7 @@ void HttpServer::ServeConnection(socket_t socket) {
             MemoryGiveBack(connection.MovedBytes());
             if (!goesOn) break;
         }
-        if (!connection.BodyTaken()) linger = LingerMilliseconds;
+        if (!connection.RequestTaken()) linger = LingerMilliseconds;
     } catch (const std::exception&) {
         MemoryGiveBack(LargeBytes);  // there was not memory enough
     }
@@ -70,7 +70,7 @@ void HttpServer::ServeConnection(socket_t socket) {
 bool HttpServer::Serve(HttpConnection& connection, bool last) {
     bool closes = false;
     const bool served = ServeRequest(connection, connection.Ends(), last, closes);
-    return connection.Flush() && served && !closes && connection.BodyTaken();
+    return connection.Flush() && served && !closes && connection.RequestTaken();
 }
 
 }  // namespace vorn

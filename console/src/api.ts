@@ -2,7 +2,7 @@
 
 import { signal } from "@preact/signals";
 
-/** The service gave no answer: the host has ended, or its library's port does not answer. */
+/** The host gave no answer: it has ended. */
 export class Gone extends Error {}
 
 /** JSON that goes into a request as it stands: parsing it would change long numbers, and `5.0` into `5`. */
@@ -41,7 +41,7 @@ export async function askQuietly(command: string, name = "", messages: unknown =
         serviceUp.value = false;
         throw new Gone(command);
     }
-    serviceUp.value = reply.status !== 502;
+    serviceUp.value = true;
     if (!reply.ok) throw new Gone(`${command}: ${reply.status}`);
     return reply.text();
 }
@@ -50,23 +50,9 @@ export async function askQuietly(command: string, name = "", messages: unknown =
 export async function ask(command: string, name = "", messages: unknown = ""): Promise<string> {
     const entry: Waiting = { command, name, since: Date.now() };
     waiting.value = [...waiting.value, entry];
-    // The log may tell of it before its reply is here.
-    const order = { command, until: Infinity };
-    ownOrders.push(order);
     try {
         return await askQuietly(command, name, messages);
     } finally {
-        order.until = Date.now() + 10000;
         waiting.value = waiting.value.filter((each) => each !== entry);
     }
-}
-
-const ownOrders: { command: string; until: number }[] = [];
-
-/** True once for each command of this page's that the log shows: the others are other clients'. */
-export function wasOwn(command: string): boolean {
-    const place = ownOrders.findIndex((order) => order.command === command && Date.now() < order.until);
-    if (place < 0) return false;
-    ownOrders.splice(0, place + 1);
-    return true;
 }

@@ -1,80 +1,91 @@
-// The exchange log, as the host tells it.
+// The records of events, as the host gives them: exchanges, changes of run states and reports of the engine.
 
 import { signal } from "@preact/signals";
+import { type RunState, statesTake } from "./runstate";
 
-interface Row {
+interface Numbered {
     readonly number: number;
     readonly time: number;
+}
+
+export interface ExchangeRow extends Numbered {
+    readonly kind: "exchange";
+    /** The way in: `http`, `pipe`, `serial` or `console`. */
+    readonly front: string;
+    readonly side: "read" | "write";
+    /** A word of the service, or `other`; then `sent` has what came. */
+    readonly word: string;
+    readonly sent: string;
+    readonly name: string;
+    readonly nameLeft: number;
+    readonly project: string;
+    readonly messages: string;
+    readonly messagesLeft: number;
+    readonly reply: string;
+    readonly replyLeft: number;
+    readonly replyKind: string;
+    readonly store: "none" | "stored" | "failed";
+}
+
+export interface StateRow extends Numbered {
+    readonly kind: "state";
+    readonly project: string;
+    readonly state: RunState | "closed";
+    readonly byCommand: boolean;
+}
+
+export interface NoticeRow extends Numbered {
+    readonly kind: "notice";
+    readonly severity: string;
     readonly text: string;
 }
 
-export interface Entry {
-    readonly number: number;
-    readonly time: number;
-    readonly write: boolean;
-    readonly command: string;
-    /** What stands behind the command: name, messages and reply, between which the log has no mark. */
-    readonly rest: string;
-    /** The project that the name begins with, as far as one can tell. */
-    readonly project: string;
-    /** Further lines of a reply that has several. */
-    readonly more: readonly string[];
+export type Row = ExchangeRow | StateRow | NoticeRow;
+
+interface News {
+    readonly next: number;
+    readonly lost: number;
+    readonly projects: Readonly<Record<string, RunState>>;
+    readonly events: readonly Row[];
 }
 
 const kept = 1500;
-const commands = new Set(
-    ("Set Get Put Fdp Fph Create Open AddModule AddNode AddLink NetAccess PjtInfoChk PjtRun PjtPause PjtStep PjtStop " +
-        "PjtClose PjtClear PjtSent LuaSent PjtCacheToRun PjtRunToCache ImportantGet PjtPngGet PjtChartGet PjtCerGet " +
-        "PjtAddVar PjtDleVar DeleteMNL MoveMN PreGet TempGet FlowGet RoomGet VarInfoGet VarValueSet VarCacheGet " +
-        "VarCacheSet RunValueGet RunValueSet CacheToRun RunToCache ImportantSet").split(" "),
-);
 
-export const entries = signal<readonly Entry[]>([]);
+export const entries = signal<readonly Row[]>([]);
 let next = 0;
 
-/** Stands for the command of an exchange whose beginning was cut off. */
-export const cut = "…";
+/** A text, with the number of bytes that are missing from it. */
+export const withLeft = (text: string, left: number): string => (left > 0 ? `${text}… +${left}` : text);
 
-/** Commands whose messages or reply may have several lines. */
-const long = new Set(["PjtInfoChk", "NetAccess", "LuaSent", "PjtPngGet", "PjtChartGet", "PjtCerGet", "VarInfoGet", cut]);
+/** What the page's poll reads: shown only where a person asks for it. What the console writes is always shown. */
+export const isOwnRead = (row: Row): boolean =>
+    row.kind === "exchange" && row.front === "console" && row.side === "read";
 
-/** One line; null for one that begins no exchange. */
-export function lineRead(row: Row): Entry | null {
-    const [, side, command = "", rest = ""] = /^(read {3}|write {2})([A-Za-z]+) (.*)$/s.exec(row.text) ?? [];
-    if (side === undefined || !commands.has(command)) return null;
-    const name = rest.startsWith("json ") ? (/"VarName":\["([^"]*)/.exec(rest)?.[1] ?? "") : rest;
-    const project = (/^[A-Za-z0-9]{1,64}(?=[ _])/.exec(name)?.[0] ?? "").toUpperCase();
-    return { number: row.number, time: row.time, write: side.startsWith("w"), command, rest, project, more: [] };
-}
+/** True for a row about the project, and for a batch, which names its variables in its messages. */
+export const concerns = (row: Row, project: string | null): boolean =>
+    row.kind !== "notice" && (row.project === project || (row.kind === "exchange" && row.name === "json"));
 
-/**
- * The entries with further lines. One that begins no exchange goes on with the last of its side, where that can have
- * several lines; else the log was cut there, and what is left of the exchange stands for itself.
- */
-export function linesTaken(before: readonly Entry[], rows: readonly Row[]): Entry[] {
-    const all = [...before];
-    for (const row of rows) {
-        const entry = lineRead(row);
-        const write = row.text.startsWith("w");
-        const place = all.findLastIndex((each) => each.write === write);
-        const last = all[place];
-        const text = row.text.replace(/^(read|write) +/, "");
-        if (entry) all.push(entry);
-        else if (last && long.has(last.command)) all[place] = { ...last, more: [...last.more, text].slice(-200) };
-        else all.push({ number: row.number, time: row.time, write, command: cut, rest: "", project: "", more: [text] });
+/** The words of a row, for a person to read and to search in. */
+export function rowText(row: Row): string {
+    switch (row.kind) {
+        case "exchange": {
+            const word = row.word === "other" ? `other ${row.sent}` : row.word;
+            const texts = [[row.name, row.nameLeft], [row.messages, row.messagesLeft], [row.reply, row.replyLeft]] as const;
+            return [row.front, word, ...texts.map(([text, left]) => withLeft(text, left))].join(" ");
+        }
+        case "state": return `${row.project} ${row.state}`;
+        case "notice": return row.text;
     }
-    return all;
 }
 
-/** Fetches what is new and gives its entries; none when the host does not answer. */
-export async function logFetch(): Promise<readonly Entry[]> {
-    const reply = await fetch(`log?after=${next}`);
+/** Fetches what is new, takes the run states, and gives the new rows; none when the host does not answer. */
+export async function eventsFetch(): Promise<readonly Row[]> {
+    const reply = await fetch(`events?after=${next}`);
     if (!reply.ok) return [];
-    const news = (await reply.json()) as { next: number; lines: readonly Row[] };
+    const news = (await reply.json()) as News;
     // A host that was started again counts from the start.
     next = news.next < next ? 0 : news.next;
-    if (news.lines.length === 0) return [];
-    const fresh = news.lines.flatMap((row) => lineRead(row) ?? []);
-    entries.value = linesTaken(entries.value, news.lines).slice(-kept);
-    return fresh;
+    statesTake(news.projects);
+    if (news.events.length > 0) entries.value = [...entries.value, ...news.events].slice(-kept);
+    return news.events;
 }

@@ -1,8 +1,8 @@
-// The exchange log as it runs, with filters.
+// The records of events as they come, with filters.
 
 import { useComputed, useSignal } from "@preact/signals";
 import { useEffect, useRef } from "preact/hooks";
-import { cut, entries, type Entry } from "./log";
+import { concerns, entries, type ExchangeRow, isOwnRead, type Row, rowText, withLeft } from "./log";
 import { current } from "./state";
 import { t } from "./text";
 
@@ -14,18 +14,29 @@ function clock(time: number): string {
     return `${two(at.getHours())}:${two(at.getMinutes())}:${two(at.getSeconds())}`;
 }
 
-function Line({ entry }: { entry: Entry }) {
+function Exchange({ row }: { row: ExchangeRow }) {
     return (
-        <li class={entry.write ? "write" : "read"}>
-            <time>{clock(entry.time)}</time>
-            <span class="side">{entry.write ? t("writes") : t("reads")}</span>
-            <b title={entry.command === cut ? t("cutOff") : undefined}>{entry.command}</b>
+        <li class={row.side}>
+            <time>{clock(row.time)}</time>
+            <span class="side">{row.side === "write" ? t("writes") : t("reads")}</span>
+            <span class="side">{row.front}</span>
+            <b>{row.word}</b>
             <span class="rest">
-                {entry.rest}
-                {entry.more.length > 0 && (
-                    <details><summary>+{entry.more.length}</summary><pre>{entry.more.join("\n")}</pre></details>
-                )}
+                {row.word === "other" && <i>{row.sent} </i>}
+                <span>{withLeft(row.name, row.nameLeft)}</span> <span>{withLeft(row.messages, row.messagesLeft)}</span>{" "}
+                <span class="reply">{withLeft(row.reply, row.replyLeft)}</span>
+                {row.store === "failed" && <b> {t("storeFailed")}</b>}
             </span>
+        </li>
+    );
+}
+
+function Line({ row }: { row: Row }) {
+    if (row.kind === "exchange") return <Exchange row={row} />;
+    return (
+        <li class={row.kind}>
+            <time>{clock(row.time)}</time>
+            <span class="rest">{rowText(row)}</span>
         </li>
     );
 }
@@ -34,14 +45,16 @@ export function LogView() {
     const words = useSignal("");
     const reads = useSignal(true);
     const writes = useSignal(true);
+    const ownReads = useSignal(false);
     const own = useSignal(false);
-    const held = useSignal<readonly Entry[] | null>(null);
+    const held = useSignal<readonly Row[] | null>(null);
     const list = useRef<HTMLUListElement>(null);
     const rows = useComputed(() => {
         const text = words.value.toLowerCase();
-        const fits = (entry: Entry): boolean =>
-            (entry.write ? writes.value : reads.value) && (!own.value || entry.project === current.value) &&
-            (text === "" || `${entry.command} ${entry.rest}`.toLowerCase().includes(text));
+        const side = (row: Row): boolean => row.kind !== "exchange" || (row.side === "write" ? writes.value : reads.value);
+        const fits = (row: Row): boolean =>
+            side(row) && (ownReads.value || !isOwnRead(row)) && (!own.value || concerns(row, current.value)) &&
+            (text === "" || rowText(row).toLowerCase().includes(text));
         return (held.value ?? entries.value).filter(fits).slice(-shownAtMost);
     });
     const last = rows.value.at(-1)?.number;
@@ -65,13 +78,14 @@ export function LogView() {
                 <input type="search" value={words.value} placeholder={t("logFilter")} aria-label={t("logFilter")} onInput={(event) => (words.value = event.currentTarget.value)} />
                 {tick(t("reads"), reads)}
                 {tick(t("writes"), writes)}
+                {tick(t("ownReads"), ownReads)}
                 {tick(t("thisProject"), own)}
                 <label class="tick">
                     <input type="checkbox" checked={held.value !== null} onChange={(event) => (held.value = event.currentTarget.checked ? entries.value : null)} /> {t("hold")}
                 </label>
             </div>
             <ul ref={list} class="log-lines" tabIndex={0} aria-label={t("log")} onScroll={(event) => scrolled(event.currentTarget)}>
-                {rows.value.map((entry) => <Line key={entry.number} entry={entry} />)}
+                {rows.value.map((row) => <Line key={row.number} row={row} />)}
             </ul>
             {rows.value.length === 0 && <p class="count">{t("logEmpty")}</p>}
         </div>

@@ -10,7 +10,7 @@ import { Drawing } from "./drawing";
 import { Inspector } from "./inspector";
 import { Notices } from "./notices";
 import { pollForEver } from "./poll";
-import { firstProject, meetRemembered, show } from "./project";
+import { firstProject, projectsBegin, show } from "./project";
 import { Welcome } from "./projects";
 import { Sidebar } from "./sidebar";
 import { current, known, panel, plant, selected } from "./state";
@@ -80,7 +80,7 @@ function Page() {
 
 /** Shows the first project that is found open, until a person chooses one. */
 async function begin(): Promise<void> {
-    await meetRemembered().catch(() => undefined);
+    await projectsBegin().catch(() => undefined);
     void pollForEver();
     const stop = known.subscribe(() => {
         const name = current.value === null ? firstProject() : null;

@@ -1,22 +1,20 @@
-// The one poll: each second the values of all that is shown in one batch, and the news of the log. It stands still
+// The one poll: each second the values of all that is shown in one batch, and the new records of events. It stands still
 // while the page is hidden.
 
-import { askQuietly, Gone, RawJson, serviceUp, wasOwn } from "./api";
-import { type Entry, logFetch } from "./log";
-import { load, meet } from "./project";
-import { runCommandSeen, stepsSeen } from "./runstate";
+import { askQuietly, Gone, serviceUp } from "./api";
+import { eventsFetch, type Row } from "./log";
+import { load, projectsFollow, projectsFound } from "./project";
 import { beat, current, inPanels, inView, known, plant, tell, unknownNames, values } from "./state";
 import { t } from "./text";
 
 const period = 1000;
-/** The service's log keeps 20000 bytes; a batch and its reply are to leave room for others there. */
+/** Of a batch with its reply, so that one poll is no burden for others. */
 const bytesAtMost = 12000;
 const bytesOfReply = 16;
 
 export const globals = ["GStep", "GTemp", "WAll", "COP"] as const;
 
 const changing = new Set(["AddModule", "AddNode", "AddLink", "DeleteMNL", "MoveMN", "PjtSent", "PjtClear"]);
-const listing = new Set(["Create", "Open", "PjtClose", "Put"]);
 
 function namesToAsk(project: string): string[] {
     const wanted = new Set(globals.map((item) => `${project}_${item}`));
@@ -42,12 +40,8 @@ async function valuesFetch(): Promise<void> {
     const project = current.value;
     if (project === null || plant.value === null) return;
     const names = namesToAsk(project);
-    // Marked as the console's own, so that the log leaves it out.
-    const batch = new RawJson(`{"By":"console","VarName":${JSON.stringify(names)}}`);
-    const texts = batchRead(await askQuietly("Get", "json", batch));
+    const texts = batchRead(await askQuietly("Get", "json", { VarName: names }));
     if (current.value !== project || texts.length !== names.length) return;
-    const steps = `${project}_GStep`;
-    const before = values.get(steps);
     names.forEach((name, at) => {
         const text = texts[at] ?? "";
         if (text.startsWith("none varname")) {
@@ -57,36 +51,26 @@ async function valuesFetch(): Promise<void> {
             values.set(name, text);
         }
     });
-    stepsSeen(before, values.get(steps));
     beat.value += 1;
-}
-
-/** Follows what another client did to the project that is shown; true when its structure has changed. */
-function follow(entry: Entry): boolean {
-    if (wasOwn(entry.command)) return false;
-    const verb = entry.command === "Put" ? `Pjt${/ (Run|Pause|Stop) /.exec(entry.rest)?.[1] ?? ""}` : entry.command;
-    if (entry.rest.endsWith(" OK") || entry.command === "Put") runCommandSeen(verb);
-    return changing.has(entry.command);
 }
 
 let loadTimer: ReturnType<typeof setTimeout> | undefined;
 
-async function logFollow(): Promise<void> {
-    const fresh = await logFetch();
-    const names = new Set(known.value.map(({ name }) => name));
-    const toMeet = fresh.filter(({ command, project }) => project && (!names.has(project) || listing.has(command)));
-    if (toMeet.length > 0) await meet(toMeet.map(({ project }) => project));
-    const changed = fresh.filter((entry) => entry.project === current.value && follow(entry));
-    if (changed.length > 0) {
-        clearTimeout(loadTimer);
-        loadTimer = setTimeout(() => void load(), 400);
-    }
+/** Follows what was done to the projects, by whomever. */
+async function eventsFollow(): Promise<void> {
+    const fresh = await eventsFetch();
+    projectsFollow(fresh.flatMap((row) => (row.kind === "state" ? [row.project] : [])));
+    const changes = (row: Row): boolean =>
+        row.kind === "exchange" && row.project === current.value && changing.has(row.word);
+    if (!fresh.some(changes)) return;
+    clearTimeout(loadTimer);
+    loadTimer = setTimeout(() => void load(), 400);
 }
 
 /** Whether all went well: the host and the service behind it answer. */
 async function pollOnce(): Promise<boolean> {
     try {
-        await logFollow();
+        await eventsFollow();
         await valuesFetch();
         // Without a project there is nothing to ask the service for; the host has answered.
         if (current.value === null) serviceUp.value = true;
@@ -101,7 +85,7 @@ async function pollOnce(): Promise<boolean> {
 /** A service that was started again holds other projects than before. */
 async function comeBack(): Promise<void> {
     tell(t("back"), "good");
-    await meet(known.value.map(({ name }) => name));
+    projectsFound();
     if (known.value.some(({ name, open }) => open && name === current.value)) await load();
 }
 

@@ -2,8 +2,9 @@
 
 import { ask, askQuietly, Gone, RawJson, waiting } from "./api";
 import { givenLayout, tidyLayout } from "./layout";
+import { eventsFetch } from "./log";
 import { plantOf } from "./plant";
-import { runState, runStateForget, runStateSet } from "./runstate";
+import { openNames } from "./runstate";
 import {
     current, known, layingOut, layout, layoutKind, marked, plant, room, selected, tell, unknownNames, values, verdict,
 } from "./state";
@@ -26,21 +27,31 @@ function remember(): void {
     localStorage.setItem(storeKey, JSON.stringify(known.value.map(({ name }) => name)));
 }
 
-/** Asks whether each of the names is open and lists it; one that is not open is listed when it was before. */
-export async function meet(names: Iterable<string>): Promise<void> {
-    for (const name of new Set(names)) {
-        const open = (await askQuietly("Fdp", name)) === "1";
-        const others = known.value.filter((project) => project.name !== name);
-        if (!open && others.length === known.value.length) continue;
-        known.value = [...others, { name, open }].sort((one, other) => one.name.localeCompare(other.name));
-    }
+function knownSet(name: string, open: boolean): void {
+    const others = known.value.filter((project) => project.name !== name);
+    known.value = [...others, { name, open }].sort((one, other) => one.name.localeCompare(other.name));
+}
+
+/** For projects that were opened, driven or closed: lists each as the host has it now. */
+export function projectsFollow(names: readonly string[]): void {
+    for (const name of new Set(names)) knownSet(name, openNames.value.includes(name));
+    if (names.length > 0) remember();
+}
+
+/** The projects that the host has open, and the others that are known. */
+export function projectsFound(): void {
+    const open = new Set(openNames.value);
+    for (const { name } of known.value) open.delete(name);
+    known.value = known.value.map(({ name }) => ({ name, open: openNames.value.includes(name) }));
+    for (const name of open) knownSet(name, true);
     remember();
 }
 
-/** The projects that this browser remembers, and the one that the address names. */
-export async function meetRemembered(): Promise<void> {
+/** The projects that this browser remembers, and those that are open. */
+export async function projectsBegin(): Promise<void> {
     known.value = rememberedNames().map((name) => ({ name, open: false }));
-    await meet([...rememberedNames(), ...addressed()]);
+    await eventsFetch();
+    projectsFound();
 }
 
 function addressed(): string[] {
@@ -104,14 +115,14 @@ export async function openProject(text: string): Promise<void> {
         tell(`${t("refused")}: ${reply}`, "bad");
         return;
     }
-    known.value = [...known.value.filter((each) => each.name !== name), { name, open: true }];
-    await meet([name]);
+    knownSet(name, true);
+    remember();
     await show(name);
 }
 
 export async function closeProject(name: string): Promise<void> {
     if (!(await order("PjtClose", name))) return;
-    known.value = known.value.map((each) => (each.name === name ? { name, open: false } : each));
+    knownSet(name, false);
     if (current.value === name) leave();
 }
 
@@ -119,7 +130,6 @@ export async function closeProject(name: string): Promise<void> {
 export async function show(name: string): Promise<void> {
     leave();
     current.value = name;
-    runStateForget();
     unknownNames.clear();
     values.clear();
     history.replaceState(null, "", `#${name}`);
@@ -128,7 +138,7 @@ export async function show(name: string): Promise<void> {
 
 /** An element's number, out of the names of its variables; null where the engine tells none. */
 async function askNumber(project: string, id: string, prefix: string): Promise<number | null> {
-    const text = await askQuietly("VarInfoGet", `${project}_${id}`, { By: "console" });
+    const text = await askQuietly("VarInfoGet", `${project}_${id}`, "");
     const found = new RegExp(`"${project}_${prefix}(\\d+)_`).exec(text);
     return found ? Number(found[1]) : null;
 }
@@ -147,7 +157,7 @@ export async function load(): Promise<void> {
         if (turn !== loads || current.value !== name) return;
         if (!report) {
             tell(`${t("refused")}: ${text.slice(0, 200)}`, "bad");
-            await meet([name]);
+            knownSet(name, openNames.value.includes(name));
             return;
         }
         const modules = await numbersOf(report.DeviceInfo, "MOD", name);
@@ -210,30 +220,19 @@ export async function sendDocument(name: string, text: string): Promise<void> {
         tell(t("noJson"), "bad");
         return;
     }
-    if (!(await order("PjtSent", name, new RawJson(text)))) return;
-    tell(t("sent"), "good");
-    if (current.value === name) await load();
+    // The records of events bring the page to read the project anew.
+    if (await order("PjtSent", name, new RawJson(text))) tell(t("sent"), "good");
 }
 
-export async function run(): Promise<void> {
-    const name = current.value;
-    if (name !== null && (await order("PjtRun", name))) runStateSet("running");
+/** Drives the shown project; its state then comes with the records of events. */
+async function drive(word: string): Promise<void> {
+    if (current.value !== null) await order(word, current.value);
 }
 
-export async function pauseOrResume(): Promise<void> {
-    const name = current.value;
-    if (name === null || !(await order("PjtPause", name))) return;
-    runStateSet(runState.value === "paused" ? "running" : "paused");
-}
-
-export async function step(): Promise<void> {
-    if (current.value !== null) await order("PjtStep", current.value);
-}
-
-export async function stop(): Promise<void> {
-    const name = current.value;
-    if (name !== null && (await order("PjtStop", name))) runStateSet("stopped");
-}
+export const run = (): Promise<void> => drive("PjtRun");
+export const pauseOrResume = (): Promise<void> => drive("PjtPause");
+export const step = (): Promise<void> => drive("PjtStep");
+export const stop = (): Promise<void> => drive("PjtStop");
 
 /** True while a command of that word is under way. */
 export function underWay(word: string): boolean {

@@ -171,7 +171,14 @@ test("the log shows what others do, and not the page's own poll", async () => {
     await host.ask("Set", "PLANT1_GTemp", '"-12.5"');
     const line = page.locator(".log-lines li", { hasText: "PLANT1_GTemp -12.5 OK" });
     await line.waitFor();
-    assert.equal(await page.locator(".log-lines li", { hasText: "By" }).count(), 0);
+    assert.equal(await page.locator(".log-lines li", { hasText: "VarName" }).count(), 0);
+    await page.getByLabel("Console's reads").check();
+    await page.locator(".log-lines li.read", { hasText: "VarName" }).first().waitFor();
+    await page.getByLabel("Console's reads").uncheck();
+    // Neither what a client sends nor a line feed in it hides a line or makes one.
+    await host.ask("Set", "PLANT1_GTemp", '"7 {\\"By\\":\\"console\\"}\\nwrite  PjtStop PLANT1  OK"');
+    await page.locator(".log-lines li.write", { hasText: 'PLANT1_GTemp 7 {"By":"console"}\\x0Awrite' }).waitFor();
+    assert.equal(await page.locator(".log-lines li b", { hasText: "PjtStop" }).count(), 0);
     await accessible(page, "log");
     await page.screenshot({ path: shot("log") });
     await page.getByLabel("Writes").uncheck();

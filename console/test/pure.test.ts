@@ -3,7 +3,7 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
 import { infoRead } from "../src/elementinfo";
-import { linesTaken } from "../src/log";
+import { concerns, type ExchangeRow, isOwnRead, type Row, rowText } from "../src/log";
 import { plantOf } from "../src/plant";
 import { elementNumbers, ownNumber, reportRead } from "../src/topology";
 import { verdictRead } from "../src/verdict";
@@ -81,8 +81,20 @@ test("an element's texts make one table, and unknown ones are shown as they are"
     assert.equal(infoRead("some text", "", "[]").plain, "some text\n[]");
 });
 
-test("further lines go to their own side's exchange, and to none where the log was cut", () => {
-    const texts = ["read   PjtInfoChk P {", "write  Set P_A 1 OK", 'read       "DeviceNb": 1', "read   Fdp P 1", "read       }", "read   x"];
-    const taken = linesTaken([], texts.map((text, number) => ({ number, time: 0, text })));
-    assert.deepEqual(taken.map(({ command, more }) => `${command} ${more.join("|")}`), ['PjtInfoChk "DeviceNb": 1', "Set ", "Fdp ", "… }|x"]);
+test("rows are shown as what they are, and only the console's own reads can be left out", () => {
+    const row = {
+        kind: "exchange", number: 1, time: 0, front: "console", side: "write", word: "Set", sent: "", name: "P_A", nameLeft: 0, project: "P",
+        messages: "1", messagesLeft: 9, reply: "OK", replyLeft: 0, replyKind: "ok", store: "none",
+    } as const satisfies ExchangeRow;
+    const rows: readonly (readonly [Row, string, boolean, boolean])[] = [
+        [row, "console Set P_A 1… +9 OK", false, true],
+        [{ ...row, side: "read" }, "console Set P_A 1… +9 OK", true, true],
+        [{ ...row, front: "http", side: "read", word: "other", sent: "Set", project: "Q" }, "http other Set P_A 1… +9 OK", false, false],
+        [{ ...row, name: "json", project: "" }, "console Set json 1… +9 OK", false, true],
+        [{ kind: "state", number: 1, time: 0, project: "P", state: "paused", byCommand: true }, "P paused", false, true],
+        [{ kind: "notice", number: 1, time: 0, severity: "fault", text: "x" }, "x", false, false],
+    ];
+    for (const [each, text, own, concerned] of rows) {
+        assert.deepEqual([rowText(each), isOwnRead(each), concerns(each, "P")], [text, own, concerned], text);
+    }
 });

@@ -4,6 +4,7 @@
 #include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
+#include <sys/time.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -45,6 +46,19 @@ bool SocketAwait(std::intptr_t socket, int milliseconds) {
 
 std::ptrdiff_t SocketRead(std::intptr_t socket, char* bytes, std::size_t size) {
     return recv(static_cast<int>(socket), bytes, size, 0);
+}
+
+void SocketReadTimeSet(std::intptr_t socket, int milliseconds) {
+    const timeval time{.tv_sec = milliseconds / 1000, .tv_usec = milliseconds % 1000 * 1000};
+    setsockopt(static_cast<int>(socket), SOL_SOCKET, SO_RCVTIMEO, &time, sizeof time);
+}
+
+std::ptrdiff_t SocketReadAwait(std::intptr_t socket, char* bytes, std::size_t size) {
+    std::ptrdiff_t read = -1;
+    do {
+        read = SocketRead(socket, bytes, size);
+    } while (read < 0 && errno == EINTR);
+    return read;
 }
 
 std::ptrdiff_t SocketWrite(std::intptr_t socket, const char* bytes, std::size_t size, int milliseconds) {

@@ -51,6 +51,22 @@ std::ptrdiff_t SocketRead(std::intptr_t socket, char* bytes, std::size_t size) {
     return recv(static_cast<SOCKET>(socket), bytes, Bounded(size), 0);
 }
 
+void SocketReadTimeSet(std::intptr_t socket, int milliseconds) {
+    const auto time = static_cast<DWORD>(milliseconds);
+    setsockopt(static_cast<SOCKET>(socket), SOL_SOCKET, SO_RCVTIMEO, reinterpret_cast<const char*>(&time),
+               sizeof time);
+}
+
+std::ptrdiff_t SocketReadAwait(std::intptr_t socket, char* bytes, std::size_t size) {
+    // Behind a write the connection does not wait by itself.
+    DWORD time = 0;
+    int timeBytes = sizeof time;
+    const bool known = getsockopt(static_cast<SOCKET>(socket), SOL_SOCKET, SO_RCVTIMEO,
+                                  reinterpret_cast<char*>(&time), &timeBytes) == 0;
+    if (!known || !PollFor(socket, POLLRDNORM, static_cast<int>(time))) return -1;
+    return SocketRead(socket, bytes, size);
+}
+
 std::ptrdiff_t SocketWrite(std::intptr_t socket, const char* bytes, std::size_t size, int milliseconds) {
     // The system keeps a copy of all that one call is given.
     constexpr int PieceBytes = 65536;

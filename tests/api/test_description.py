@@ -70,7 +70,7 @@ def test_the_openapi_document_is_valid() -> None:
 
 def test_version_is_the_same_everywhere() -> None:
     project = re.search(r"VERSION (\d+\.\d+\.\d+)", code("CMakeLists.txt").split("project(", 1)[1])
-    newest = re.search(r"^## \[(.*?)\]", code("CHANGELOG.md"), re.MULTILINE)
+    newest = re.search(r"^## \[(\d.*?)\]", code("CHANGELOG.md"), re.MULTILINE)
     assert project and newest
     assert DESCRIPTION.interface["version"] == project.group(1) == newest.group(1)
 

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "host/exchange_print.h"
+#include "host/event_text.h"
 #include "include/vorn_contract.h"
 #include "include/vorn_server.h"
 #include "service/pipe_message.h"
@@ -30,7 +30,9 @@ void CheckPrinted(const std::string& printed) {
     std::string_view rest = printed;
     while (!rest.empty()) {
         const std::string line = NextLine(rest);
-        Require(line.starts_with("log "), "each line has its mark", line);
+        const bool marked =
+            line.starts_with("read   ") || line.starts_with("write  ") || line.starts_with("state  ");
+        Require(marked, "each line has its mark", line);
         const bool control = std::any_of(
             line.begin(), line.end(), [](char each) { return (each >= 0 && each < 0x20) || each == 0x7F; });
         Require(!control, "no control character is printed", line);
@@ -39,26 +41,45 @@ void CheckPrinted(const std::string& printed) {
     }
 }
 
+/// What the host would print of the records until now.
+std::string Printed() {
+    std::vector<vorn::Event> events;
+    vorn::EventsTake(events, std::chrono::milliseconds(0));
+    std::string lines;
+    for (const vorn::Event& event : events) {
+        if (const auto* exchange = std::get_if<vorn::ExchangeEvent>(&event.what))
+            lines += ExchangeLine(*exchange);
+        if (const auto* state = std::get_if<vorn::RunStateEvent>(&event.what)) lines += RunStateLine(*state);
+    }
+    return lines;
+}
+
 }  // namespace
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
+    static const bool observed = (vorn::EventsObserve(), true);
+    static_cast<void>(observed);
     BeginWithProject();
-    Rtn_Get_Get();
-    Rtn_Set_Get();
-    ExchangeLines reads("log ");
-    ExchangeLines writes("log ");
+    std::size_t requests = 0;
     std::string_view input = Text(bytes, size);
+    std::string printed = Printed();
+    printed.clear();  // what led to the project
     while (!input.empty()) {
         const std::string line = NextLine(input);
+        ++requests;
         if (line.starts_with('s')) {
             AskSerial(line.substr(1));
         } else {
             std::string reply;
             vorn::PipeMessageSplit(line, reply);
         }
-        if (line.ends_with('!')) CheckPrinted(reads.Take(Rtn_Get_Get()));
+        if (line.ends_with('!')) printed += Printed();
     }
-    CheckPrinted(reads.Take(Rtn_Get_Get()));
-    CheckPrinted(writes.Take(Rtn_Set_Get()));
+    printed += Printed();
+    CheckPrinted(printed);
+    std::size_t lines = 0;
+    for (std::string_view rest = printed; !rest.empty();)
+        lines += NextLine(rest).starts_with("state  ") ? 0 : 1;
+    Require(lines == requests, "each request is one line", printed);
     return 0;
 }

@@ -14,13 +14,13 @@
 #include <filesystem>
 #include <thread>
 
-#include "host/listening_ports.h"
 #include "host/serial_port.h"
 #include "include/vorn_contract.h"
+#include "platform/line_queue.h"
+#include "platform/notice.h"
 #include "tests/support/host_process.h"
 #include "tests/support/linux/locale_files.h"
 #include "tests/support/service_test.h"
-#include "platform/line_queue.h"
 
 namespace {
 
@@ -30,8 +30,7 @@ using std::string;
 /// started meanwhile has it among its descriptors too.
 class IdleSocket {
   public:
-    IdleSocket(int family, in_addr_t address, int port, bool listens)
-        : socket_(socket(family, SOCK_STREAM, 0)) {
+    IdleSocket(int family, in_addr_t address, int port) : socket_(socket(family, SOCK_STREAM, 0)) {
         sockaddr_in6 wide{};
         wide.sin6_family = AF_INET6;
         sockaddr_in narrow{};
@@ -42,20 +41,13 @@ class IdleSocket {
             const bool six = family == AF_INET6;
             const auto* const at =
                 six ? reinterpret_cast<const sockaddr*>(&wide) : reinterpret_cast<const sockaddr*>(&narrow);
-            bound = bind(socket_, at, six ? sizeof wide : sizeof narrow) == 0 &&
-                    (!listens || listen(socket_, 1) == 0);
+            bound = bind(socket_, at, six ? sizeof wide : sizeof narrow) == 0 && listen(socket_, 1) == 0;
         }
     }
     ~IdleSocket() { close(socket_); }
     IdleSocket(const IdleSocket&) = delete;
     IdleSocket& operator=(const IdleSocket&) = delete;
 
-    int Port() const {
-        sockaddr_in address{};
-        socklen_t length = sizeof address;
-        getsockname(socket_, reinterpret_cast<sockaddr*>(&address), &length);
-        return ntohs(address.sin_port);
-    }
     bool Asked() const {
         pollfd readable{.fd = socket_, .events = POLLIN, .revents = 0};
         return poll(&readable, 1, 0) > 0 && (readable.revents & POLLIN) != 0;
@@ -66,18 +58,10 @@ class IdleSocket {
 };
 
 TEST(HostThreadsTest, TellsItsOwnPortAndAsksNoNeighbour) {
-    const IdleSocket local(AF_INET, INADDR_LOOPBACK, VORN_FIRST_PORT, true);
-    const IdleSocket wide(AF_INET6, 0, VORN_FIRST_PORT, true);
-    const IdleSocket silent(AF_INET, INADDR_ANY, VORN_FIRST_PORT, false);
-    const IdleSocket alike(AF_INET, INADDR_ANY, VORN_FIRST_PORT, true);
-    const IdleSocket beyond(AF_INET, INADDR_ANY, VORN_LAST_PORT + 1, true);
-    // This process has them too, perhaps beside a service of an earlier test.
-    const std::vector<int> ports = ListeningPorts(VORN_FIRST_PORT, VORN_LAST_PORT);
-    EXPECT_EQ(std::count(ports.begin(), ports.end(), alike.Port()), 1);
-    for (const IdleSocket* each : {&local, &wide, &silent, &beyond}) {
-        EXPECT_EQ(std::count(ports.begin(), ports.end(), each->Port()), 0) << each->Port();
-    }
-
+    const IdleSocket local(AF_INET, INADDR_LOOPBACK, VORN_FIRST_PORT);
+    const IdleSocket wide(AF_INET6, 0, VORN_FIRST_PORT);
+    const IdleSocket alike(AF_INET, INADDR_ANY, VORN_FIRST_PORT);
+    const IdleSocket beyond(AF_INET, INADDR_ANY, VORN_LAST_PORT + 1);
     HostProcess host;
     const auto hi = host.Client().Get("/hi");
     EXPECT_TRUE(hi && hi->body == "Hello Quelmo!\n") << host.Output();
@@ -255,6 +239,30 @@ TEST(LineQueueTest, KeepsWhatNobodyReadsInBoundsAndSaysWhatItDropped) {
     queue.Put(full + "a\n");
     for (const string& lines : {dropped, dropped, string("b\n")}) queue.Put(lines);
     EXPECT_EQ(Drain(error, queue, full), "Fa\n" + notice + "b\n");
+}
+
+TEST(NoticeTest, ReachesASlowReaderWithoutAnotherReport) {
+    const ErrorPipe error;
+    for (const char* line : {"first", "last"}) {
+        vorn::Notice(vorn::NoticeKind::Fault, string(6000, 'f') + line);
+    }
+    string all;
+    for (int look = 0; look < 2000 && !all.ends_with("last\n"); ++look) {
+        all += error.Take();
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    EXPECT_TRUE(all.ends_with("last\n"));
+}
+
+TEST(LineQueueTest, CountsAtTheEndWhatNobodyTakes) {
+    const ErrorPipe error;
+    vorn::LineQueue queue(vorn::StandardStream::Error);
+    queue.Put(string(4095, 'f') + "\na\nb\n");
+    const std::chrono::milliseconds little(20);
+    EXPECT_EQ(queue.Finish({.still = little, .whole = little}), 2U);
+    error.Take();
+    EXPECT_EQ(queue.Finish(), 0U);
+    EXPECT_EQ(error.Take(), "(2 lines were dropped here: nobody read them)\n");
 }
 
 TEST(LineQueueTest, WaitsForNoTerminalThatNobodyReads) {
