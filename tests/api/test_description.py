@@ -80,7 +80,7 @@ def test_words_are_those_of_the_code() -> None:
     rows = re.findall(r'\{"(\w+)", (\w+), \w+, (\w+)\}', code("commands/command_frame.cpp"))
     in_code = {word: (targets[target], log.lower()) for word, target, log in rows}
     verbs = {word: "writes" if writes == "true" else "reads"
-             for word, writes in re.findall(r'\{"(\w+)", \w+, (true|false)\}', code("service/dispatcher.cpp"))}
+             for word, writes in re.findall(r'\{"(\w+)", \w+, (true|false)\}', code("service/verbs.cpp"))}
     assert len(in_code) == 38 and len(verbs) == 5, "the tables of the code are written in another way"
 
     described = {command["word"]: (command["target"], command["log"]) for command in DESCRIPTION.commands}
