@@ -21,6 +21,8 @@ from api.openapi import openapi_document  # noqa: E402
 from api.python_async import async_client  # noqa: E402
 from api.python_client import client_data, client_methods  # noqa: E402
 from api.reference import reference_pages  # noqa: E402
+from api.send_table import send_table  # noqa: E402
+from api.typescript_client import typescript_data  # noqa: E402
 
 
 def made_from(description: Description) -> dict[Path, str]:
@@ -35,6 +37,8 @@ def made_from(description: Description) -> dict[Path, str]:
     methods = client_methods(description)
     files[client / "commands.py"] = methods
     files[client / "aio.py"] = async_client(methods)
+    files[REPOSITORY / "clients/typescript/src/contract_data.ts"] = typescript_data(description)
+    files[REPOSITORY / "host/reply_table.h"] = send_table(description)
     return files
 
 

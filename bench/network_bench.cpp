@@ -3,13 +3,11 @@
 
 #include <benchmark/benchmark.h>
 
-#include <algorithm>
-#include <ctime>
-#include <limits>
 #include <memory>
 #include <numeric>
 #include <vector>
 
+#include "bench/best.h"
 #include "bench/plant_rows.h"
 #include "engine/vorn_core.h"
 #include "include/vorn_server.h"
@@ -18,21 +16,6 @@
 namespace {
 
 using namespace bench;
-
-/// The shortest of several runs, in microseconds of processor time: other programs take no part in it. The
-/// clock counts microseconds, so that short runs are taken many at a time.
-struct Best {
-    int runs = 1;
-    double time = std::numeric_limits<double>::max();
-
-    template <typename Run>
-    void Take(Run run) {
-        const std::clock_t start = std::clock();
-        for (int left = runs; left > 0; --left) run();
-        const auto spent = static_cast<double>(std::clock() - start);
-        time = std::min(time, spent / CLOCKS_PER_SEC * 1e6 / runs);
-    }
-};
 
 int Root(std::vector<int>& parents, int element) {
     while (parents[element] != element) {
@@ -86,6 +69,33 @@ void AgainstUnionFind(benchmark::State& state) {
 BENCHMARK(AgainstUnionFind)
     ->ArgNames({"links", "order"})
     ->ArgsProduct({{50, 500, 5858, 15000, 48600}, {FlowOrder, Reversed, Shuffled}});
+
+/// As above, but each run finds the caches cold, as an analysis between other work does. `ratio` is that of
+/// `Net_Access` of a project that has not changed since the last one, `changed` of one that has.
+void ColdAgainstUnionFind(benchmark::State& state) {
+    PlantBuild("BENCH", PipeChains(static_cast<int>(state.range(0))), static_cast<Order>(state.range(1)));
+    const auto analysis = std::make_unique<vorn::Analysis>();
+    vorn::SnapshotLoad(*analysis, 0);
+    bool complete = Net_Access(0);
+    Cold whole;
+    Cold changed;
+    Cold unionFind;
+    while (state.KeepRunning()) {
+        whole.Take([&complete] { complete = Net_Access(0) && complete; });
+        unionFind.Take([&] { complete = UnionFind(analysis->ProjectCheck) == 1 && complete; });
+        ProjectModuleXYSet("BENCH", 0, 0, 0);
+        changed.Take([&complete] { complete = Net_Access(0) && complete; });
+    }
+    if (!complete) state.SkipWithError("the network is not complete");
+    state.counters["union_find_us"] = unionFind.Median();
+    state.counters["ratio"] = whole.Median() / unionFind.Median();
+    state.counters["changed"] = changed.Median() / unionFind.Median();
+}
+
+BENCHMARK(ColdAgainstUnionFind)
+    ->ArgNames({"links", "order"})
+    ->ArgsProduct({{500, 5858, 48600}, {FlowOrder, Reversed, Shuffled}})
+    ->Iterations(60);
 
 /// `ratio` is what ten times the plant costs.
 template <typename Run>

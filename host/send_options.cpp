@@ -16,11 +16,45 @@ constexpr const char* Footer =
     "  vorn-send PjtPngGet PLANT1 > plant.svg           save a picture\n"
     "  vorn-send --pipe Fdp PLANT1                      ask over the named pipe\n"
     "\n"
-    "What stands behind -- is no option. The exit status is 0 when an answer came, whatever it\n"
-    "says, 1 when none did, and 2 for a command line that cannot be read.";
+    "  vorn-send --address https://plant.example/vorn --credentials login Get PLANT1_GTemp\n"
+    "\n"
+    "What stands behind -- is no option. The exit status is 0 when the command was carried out, 1 when\n"
+    "no reply came, 2 for a command line that cannot be read, and 3 when the service refused.\n"
+    "Over https, the environment gives credentials in VORNSERVER_USER and VORNSERVER_PASSWORD, or in\n"
+    "VORNSERVER_TOKEN, or names their file in VORNSERVER_CREDENTIALS, and that of certificates in\n"
+    "VORNSERVER_CA_FILE.";
 
 /// What the library makes of a flag without a value.
 constexpr const char* NoValue = "true";
+
+/// A taker of any text.
+ValueTaker TextTaker(std::string& text) {
+    return [&text](const std::string& value) {
+        text = value;
+        return std::string();
+    };
+}
+
+/// The options for a service behind a proxy.
+void AddRemoteOptions(CLI::App& app, CLI::Option* port, SendOptions& options) {
+    CLI::Option* address =
+        AddValueOption(app, "--address", "URL", "the service behind this address of http or https",
+                       [&options](const std::string& value) {
+                           std::string fault;
+                           SendPlaceRead(value, options.place, fault);
+                           return fault;
+                       });
+    address->excludes(port);
+    AddValueOption(app, "--credentials", "FILE",
+                   "lines `user NAME` and `password TEXT`, or `token TEXT`; a file of mode 600",
+                   TextTaker(options.credentials))
+        ->needs(address);
+    AddValueOption(app, "--ca-file", "FILE", "the certificates that may sign the service's",
+                   TextTaker(options.caFile))
+        ->needs(address);
+    AddValueOption(app, "--timeout", "N", "seconds without a byte of the reply, 600 unless given",
+                   NumberTaker(1, 86400, options.timeout));
+}
 
 }  // namespace
 
@@ -42,14 +76,16 @@ std::optional<int> SendOptionsRead(int count, const char* const* arguments, Send
             options.pipe = true;
             return row == NoValue ? std::string() : NumberTaker(0, VORN_PIPE_NAMES - 1, options.row)(row);
         });
+    AddRemoteOptions(app, port, options);
     AddValueOption(app, "--file", "FILE", "take MESSAGES from a file, '-' from standard input",
-                   [&options](const std::string& name) {
-                       options.file = name;
-                       return std::string();
-                   })
+                   TextTaker(options.file))
         ->excludes(messages);
-    app.final_callback([command] {
+    app.final_callback([command, &options] {
         if (command->count() == 0) throw CLI::RequiredError("COMMAND");
+        if (!options.credentials.empty() && !options.place.secure) {
+            throw CLI::ValidationError("--credentials", "credentials are sent over https only");
+        }
+        if (options.pipe && !options.place.origin.empty()) throw CLI::ExcludesError("--address", "--pipe");
     });
     return CommandLineRead(app, count, arguments);
 }

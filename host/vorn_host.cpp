@@ -10,6 +10,7 @@
 #include "host/console_files.h"
 #include "host/end_signals.h"
 #include "host/event_pump.h"
+#include "host/memory.h"
 #include "host/metrics.h"
 #include "host/options.h"
 #include "host/pipe_rows.h"
@@ -107,6 +108,7 @@ int PortAwait() {
 }  // namespace
 
 int main(int count, char** arguments) {
+    MemorySetUp();
     char** const words = ProgramStart(count, arguments);
     Options options;
     const std::optional<int> ended = OptionsRead(count, words, options);
@@ -129,6 +131,6 @@ int main(int count, char** arguments) {
     if (options.console) StartConsole(*options.console);
     if (options.metrics) StartMetrics(*options.metrics);
     TellReady(answers);
-    while (!EndAsked(1s)) continue;
+    while (!EndAsked(100ms)) MemoryGiveBack();
     EndAfterRequests();
 }

@@ -1,76 +1,27 @@
 // vorn-send: sends one command to a running service and prints the reply, for people and scripts.
 
-#include <httplib.h>
-#include <rapidjson/stringbuffer.h>
-#include <rapidjson/writer.h>
-
 #include <cstdio>
 #include <iostream>
 #include <iterator>
 #include <string>
-#include <utility>
 
 #include "host/pipe_rows.h"
 #include "host/program_start.h"
+#include "host/reply_kind.h"
+#include "host/send_http.h"
 #include "host/send_options.h"
-#include "include/vorn_contract.h"
 #include "platform/fault_text.h"
 #include "platform/file_text.h"
 
 namespace {
 
-constexpr int AnswerSeconds = 600;
+/// What the program ends with.
+enum Status { Done = 0, NoReply = 1, BadCall = 2, RefusedByService = 3 };
 
 /// The whole of a file, or of standard input for "-".
 bool MessagesRead(const std::string& file, std::string& messages, std::error_code& fault) {
     if (file != "-") return vorn::FileRead(file, messages.max_size(), messages, fault);
     messages.assign(std::istreambuf_iterator<char>(std::cin), {});
-    return true;
-}
-
-std::string EnvelopeOf(const SendOptions& options) {
-    rapidjson::StringBuffer envelope;
-    rapidjson::Writer<rapidjson::StringBuffer> writer(envelope);
-    writer.StartObject();
-    for (const auto& [key, text] : {std::pair("command", &options.command), std::pair("name", &options.name),
-                                    std::pair("messages", &options.messages)}) {
-        writer.Key(key);
-        writer.String(*text);
-    }
-    writer.EndObject();
-    return {envelope.GetString(), envelope.GetSize()};
-}
-
-int PortFind() {
-    for (int port = VORN_FIRST_PORT; port <= VORN_LAST_PORT; ++port) {
-        httplib::Client client("127.0.0.1", port);
-        client.set_connection_timeout(1);
-        client.set_read_timeout(1);
-        const auto reply = client.Get("/hi");
-        if (reply && reply->body == "Hello Quelmo!\n") return port;
-    }
-    return -1;
-}
-
-bool HttpSend(const SendOptions& options, std::string& reply, std::string& fault) {
-    const int port = options.port >= 0 ? options.port : PortFind();
-    if (port < 0) {
-        fault = "no service answers on the ports " + std::to_string(VORN_FIRST_PORT) + " to " +
-                std::to_string(VORN_LAST_PORT) + "; is vorn-host running?";
-        return false;
-    }
-    httplib::Client client("127.0.0.1", port);
-    client.set_read_timeout(AnswerSeconds);
-    client.set_write_timeout(AnswerSeconds);
-    client.set_tcp_nodelay(true);  // head and body are two writes
-    const auto answer = client.Post("/api", EnvelopeOf(options), "application/json");
-    if (!answer || answer->status != 200) {
-        const std::string why =
-            answer ? "status " + std::to_string(answer->status) : httplib::to_string(answer.error());
-        fault = "no answer on port " + std::to_string(port) + " (" + why + ")";
-        return false;
-    }
-    reply = answer->body;
     return true;
 }
 
@@ -109,16 +60,20 @@ int main(int count, char** arguments) {
     if (ended) return *ended;
     std::error_code unread;
     if (!options.file.empty() && !MessagesRead(options.file, options.messages, unread)) {
-        return Fail(2, "cannot read the file '" + options.file + "': " + vorn::FaultText(unread));
+        return Fail(BadCall, "cannot read the file '" + options.file + "': " + vorn::FaultText(unread));
     }
     std::string fault;
-    if (options.pipe && !PipeCarries(options, fault)) return Fail(2, fault);
+    if (options.pipe && !PipeCarries(options, fault)) return Fail(BadCall, fault);
+    if (options.place.secure && !CredentialsFind(options.credentials, options.found, fault)) {
+        return Fail(BadCall, fault);
+    }
     std::string reply;
     const bool answered = (options.pipe ? PipeSend : HttpSend)(options, reply, fault);
-    if (!answered) return Fail(1, fault);
+    if (!answered) return Fail(NoReply, fault);
+    const bool refused = ReplyRefuses(options.command, options.name, reply);
     reply += '\n';
     if (std::fwrite(reply.data(), 1, reply.size(), stdout) != reply.size() || std::fflush(stdout) != 0) {
-        return Fail(1, "the reply cannot be written");
+        return Fail(NoReply, "the reply cannot be written");
     }
-    return 0;
+    return refused ? RefusedByService : Done;
 }

@@ -18,29 +18,13 @@
 #include "text/ansi_to_utf8.h"
 #include "text/fixed_text.h"
 #include "text/json.h"
+#include "text/text_stream.h"
 
 namespace vorn {
 
 namespace {
 
 constexpr int RoomID = 0;
-
-/// What the writer puts its characters into, which flushes it at the end.
-struct TextStream {
-    using Ch = char;
-    std::string& text;
-    std::array<char, 4096> gathered{};
-    std::size_t count = 0;
-
-    void Put(char character) {
-        if (count == gathered.size()) Flush();
-        gathered[count++] = character;
-    }
-    void Flush() {
-        text.append(gathered.data(), count);
-        count = 0;
-    }
-};
 
 /// A report under construction. The text is written straight, as it may be larger than all else together.
 struct Report {

@@ -233,11 +233,27 @@ for drawing in PjtPngGet PjtChartGet; do
     note "$drawing: $folder/$drawing.svg, to be opened in a browser"
 done
 
-heading "A plant that goes on, to be looked at in the console"
-project=COLD
-ask Create "$project" '""'
-expect OK
-plant cold_store.json OK
-values cold_store.values
-ask PjtRun "$project" '""'
-expect OK
+heading "The example plants, each under its script, a minute in a second, to be looked at in the console"
+# script FILE: hands the project the script that runs it.
+script() {
+    local text
+    text=$(sed -e 's/\\/\\\\/g' -e 's/"/\\"/g' -e 's/$/\\n/' "$examples/$1" | tr -d '\n')
+    note "the script $1"
+    ask LuaSent "$project" "\"$text\"" >/dev/null
+    expect OK
+}
+for example in CHILL=chilled_water_plant AIR=air_handling_system COLD=cold_store; do
+    project=${example%%=*}
+    ask Create "$project" '""'
+    expect OK
+    plant "${example#*=}.json" OK
+    values "${example#*=}.values"
+    script "${example#*=}.lua"
+    ask Set "${project}_GRate" 60
+    expect OK
+    ask PjtRun "$project" '""'
+    expect OK
+done
+note "an hour of the cold store has passed in a minute; its script runs, and these are its alarms"
+await 1 Get COLD_GScript '""'
+ask Get COLD_GAlarms '""'

@@ -31,7 +31,7 @@ bool WordWrites(std::string_view midHeader) {
 }
 
 void ServerDispatch(const std::string& midHeader, const std::string& midData, const std::string& midValue,
-                    std::string& reply) {
+                    std::string& reply, const JsonValue* batch) {
     const VerbRow* verb = VerbFind(midHeader);
     const bool if_Set = WordWrites(midHeader);
 
@@ -39,7 +39,7 @@ void ServerDispatch(const std::string& midHeader, const std::string& midData, co
     reply.clear();
     try {
         if (verb != nullptr) {
-            verb->serve(midData, midValue, reply);
+            verb->serve({midData, midValue, batch}, reply);
         } else {
             ProjectCommand(midHeader, midData, midValue, reply);
         }

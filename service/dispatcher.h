@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "text/json.h"
+
 namespace vorn {
 
 /// The reply to a request that there was no memory for.
@@ -17,7 +19,10 @@ bool WordWrites(std::string_view midHeader);
 /// `midValue` a value or JSON text; texts are taken byte for byte, and `reply` is overwritten. A word that
 /// the dispatcher does not serve itself goes to the project commands. Lets no exception out: a request that
 /// there is no memory for gets `MishapReply`, or an empty reply. The caller holds `DispatchLock`.
+///
+/// `batch` is the document that `midValue` is the text of, where the caller has parsed it: a batch is then
+/// not parsed again.
 void ServerDispatch(const std::string& midHeader, const std::string& midData, const std::string& midValue,
-                    std::string& reply);
+                    std::string& reply, const JsonValue* batch = nullptr);
 
 }  // namespace vorn

@@ -97,10 +97,10 @@ void WaitForEnd(std::unique_lock<std::mutex>& dispatch) {
 }  // namespace
 
 void ExchangeRun(const Caller& caller, const std::string& midHeader, const std::string& midData,
-                 const std::string& midValue, std::string& reply) {
+                 const std::string& midValue, std::string& reply, const JsonValue* batch) {
     if (!EventsObserved()) {
         const std::lock_guard guard(DispatchLock);
-        ServerDispatch(midHeader, midData, midValue, reply);
+        ServerDispatch(midHeader, midData, midValue, reply, batch);
         return;
     }
     const Clock::time_point asked = Clock::now();
@@ -109,7 +109,7 @@ void ExchangeRun(const Caller& caller, const std::string& midHeader, const std::
     const Clock::time_point entered = Clock::now();
     const std::chrono::milliseconds slept = SleptByThread();
     StoreEndTake();
-    ServerDispatch(midHeader, midData, midValue, reply);
+    ServerDispatch(midHeader, midData, midValue, reply, batch);
     Record(caller, midHeader, midData, midValue, reply,
            {entered - asked, Clock::now() - entered, SleptByThread() - slept});
     if (ChangesStates(midHeader)) RunStatesLook(true);

@@ -8,7 +8,6 @@
 
 #include "include/vorn_contract.h"
 #include "include/vorn_server.h"
-#include "platform/memory.h"
 #include "service/api_envelope.h"
 #include "service/service_places.h"
 #include "transport/http_server.h"
@@ -64,7 +63,6 @@ void Serve() {
 }  // namespace vorn
 
 void HttpServerThread(const char* const /*unused*/) {
-    vorn::MemoryLargeSeparate();
     try {
         vorn::Serve();
     } catch (const std::exception&) {

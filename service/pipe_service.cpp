@@ -7,7 +7,6 @@
 
 #include "include/vorn_contract.h"
 #include "include/vorn_server.h"
-#include "platform/memory.h"
 #include "platform/sleep.h"
 #include "service/pipe_message.h"
 #include "service/server_root.h"
@@ -75,16 +74,13 @@ bool PipeTake() {
     return true;
 }
 
-/// One exchange with the client that is connected; gives about the memory that it took.
-std::size_t PipeServeRequest() {
+/// One exchange with the client that is connected.
+void PipeServeRequest() {
     std::string midRead;
-    if (!PipeRequestRead(midRead)) return midRead.capacity();
-    const std::size_t requestBytes = midRead.size();
+    if (!PipeRequestRead(midRead)) return;
     std::string midReturn;
     PipeMessageSplit(std::move(midRead), midReturn);
-    const std::size_t replyBytes = midReturn.size();
     PipeReply(std::move(midReturn));
-    return requestBytes + replyBytes;
 }
 
 }  // namespace
@@ -120,20 +116,17 @@ void PipeReply(std::string text) {
 }
 
 void PipeServeClient() {
-    std::size_t usedBytes = LargeBytes;  // when there was not memory enough
     try {
-        usedBytes = ConnectNamedPipe(PipeHandle) ? PipeServeRequest() : 0;
+        if (ConnectNamedPipe(PipeHandle)) PipeServeRequest();
     } catch (const std::exception&) {
         // This client is let go; the next one finds the service as it was.
     }
     DisconnectNamedPipe(PipeHandle);
-    MemoryGiveBack(usedBytes);
 }
 
 }  // namespace vorn
 
 void PipeServerThread(const char* const /*unused*/) {
-    vorn::MemoryLargeSeparate();
     for (bool taken = false; !taken;) {
         try {
             if (!vorn::PipeTake()) return;

@@ -15,38 +15,39 @@ namespace vorn {
 
 namespace {
 
-/// Whether this server has the project open.
-void Fdp(const std::string& midData, const std::string& /*midValue*/, std::string& reply) {
-    reply = IsSlot(ProjectNameToID(midData.c_str())) ? "1" : "0";
+/// Answers whether this server has the project open.
+void Fdp(const Question& question, std::string& reply) {
+    reply = IsSlot(ProjectNameToID(question.midData.c_str())) ? "1" : "0";
 }
 
-/// Whether this server runs from the given directory tree.
-void Fph(const std::string& midData, const std::string& /*midValue*/, std::string& reply) {
-    reply = DirectoryHolds(DirectoryText(AnsiToUtf8(ServerRootGet())), midData) ? "1" : "0";
+/// Answers whether this server runs from the given directory tree.
+void Fph(const Question& question, std::string& reply) {
+    reply = DirectoryHolds(DirectoryText(AnsiToUtf8(ServerRootGet())), question.midData) ? "1" : "0";
 }
 
-/// The name that stands for a batch in the place of a variable's.
-constexpr std::string_view BatchName = "json";
-
-void Set(const std::string& midData, const std::string& midValue, std::string& reply) {
-    if (midData == BatchName) {
-        VarSetByJson(midValue.c_str(), reply);
+void Set(const Question& question, std::string& reply) {
+    if (question.midData != BatchName) {
+        reply = VarSetByName(question.midData.c_str(), question.midValue.c_str());
+    } else if (question.batch != nullptr) {
+        VarSetByDocument(*question.batch, reply);
     } else {
-        reply = VarSetByName(midData.c_str(), midValue.c_str());
+        VarSetByJson(question.midValue.c_str(), reply);
     }
 }
 
-void Get(const std::string& midData, const std::string& midValue, std::string& reply) {
-    if (midData == BatchName) {
-        VarGetByJson(midValue.c_str(), reply);
+void Get(const Question& question, std::string& reply) {
+    if (question.midData != BatchName) {
+        reply = VarGetByName(question.midData.c_str());
+    } else if (question.batch != nullptr) {
+        VarGetByDocument(*question.batch, reply);
     } else {
-        reply = VarGetByName(midData.c_str());
+        VarGetByJson(question.midValue.c_str(), reply);
     }
 }
 
 /// Drives a project by its name.
-void Put(const std::string& midData, const std::string& midValue, std::string& reply) {
-    reply = PutVerb(midData, midValue);
+void Put(const Question& question, std::string& reply) {
+    reply = PutVerb(question.midData, question.midValue);
 }
 
 constexpr VerbRow VerbTable[] = {

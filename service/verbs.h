@@ -6,11 +6,20 @@
 #include <string>
 #include <string_view>
 
+#include "text/json.h"
+
 namespace vorn {
+
+/// What a verb is asked.
+struct Question {
+    const std::string& midData;
+    const std::string& midValue;
+    const JsonValue* batch;  ///< see `ServerDispatch`
+};
 
 struct VerbRow {
     std::string_view word;
-    void (*serve)(const std::string& midData, const std::string& midValue, std::string& reply);
+    void (*serve)(const Question& question, std::string& reply);
     bool writes;  ///< its exchanges go to the log of writes
 };
 

@@ -29,7 +29,7 @@ void ItemSet(int slot, int kind, int number, int row, int column, const char* te
     Element* element = project == nullptr ? nullptr : ElementFind(*project, kind, number);
     if (element == nullptr || column < FirstLayerColumn || column >= FirstLayerColumn + LayerCount) return;
     double* item = ItemAt(*element, static_cast<Layer>(column - FirstLayerColumn), row);
-    if (item != nullptr) *item = vorn::RealFromText(text);
+    if (item != nullptr) *item = Kept(vorn::RealFromText(text));
 }
 
 /// A value that JSON has no number for is null.
@@ -157,6 +157,15 @@ const char* ElementText(int slot, int kind, int number, void (*write)(const Text
     });
 }
 
+void ImportantWrite(JsonWriter& writer, const std::string& identity, const std::string& text) {
+    writer.StartObject();
+    writer.Key("InstanceID");
+    writer.String(identity);
+    writer.Key("Important");
+    writer.String(text);
+    writer.EndObject();
+}
+
 }  // namespace
 
 void ProjectModuleItemValueSet(int slot, int module, int row, int column, const char* text) {
@@ -190,14 +199,11 @@ const char* Pipe_ImportantGet(int slot) {
     const Project* project = ProjectFind(slot);
     return ArrayText([project](JsonWriter& writer) {
         if (project == nullptr) return;
+        // Of no element: why the script of the run was stopped.
+        if (!project->scriptFault.empty()) ImportantWrite(writer, "", project->scriptFault);
         for (const Module& module : project->modules.rows) {
             if (!module.inUse || module.important.empty()) continue;
-            writer.StartObject();
-            writer.Key("InstanceID");
-            writer.String(module.instanceId);
-            writer.Key("Important");
-            writer.String(module.important);
-            writer.EndObject();
+            ImportantWrite(writer, module.instanceId, module.important);
         }
     });
 }

@@ -139,5 +139,7 @@ void Pjt_Modu_ModelToPch(int slot, int type, int module, int set) {
         if (row >= 0) layer.items[static_cast<std::size_t>(row)] = value.value;
     }
     // The module keeps the name also of a model that the store does not have.
-    if (set == 0) found->modelId = model.name;
+    if (set != 0) return;
+    project->shown = NextRevision();
+    found->modelId = model.name;
 }

@@ -55,8 +55,9 @@ void ProjectAddLink(const char* name, int number, LinkSxCache link) {
 
 namespace {
 
-void Move(Element* element, int x, int z) {
+void Move(Project& project, Element* element, int x, int z) {
     if (element == nullptr) return;
+    project.shown = NextRevision();
     element->x = x;
     element->z = z;
 }
@@ -66,13 +67,13 @@ void Move(Element* element, int x, int z) {
 void ProjectModuleXYSet(const char* name, int number, int x, int z) {
     Trace("ProjectModuleXYSet", name, number, x, z);
     const std::lock_guard guard(EngineLock());
-    if (Project* project = ProjectFind(name)) Move(project->modules.Find(number), x, z);
+    if (Project* project = ProjectFind(name)) Move(*project, project->modules.Find(number), x, z);
 }
 
 void ProjectNodeXYSet(const char* name, int number, int x, int z) {
     Trace("ProjectNodeXYSet", name, number, x, z);
     const std::lock_guard guard(EngineLock());
-    if (Project* project = ProjectFind(name)) Move(project->nodes.Find(number), x, z);
+    if (Project* project = ProjectFind(name)) Move(*project, project->nodes.Find(number), x, z);
 }
 
 void Pipe_DeleteModule(int slot, int number) {

@@ -4,7 +4,9 @@
 #include <bit>
 
 #include "platform/notice.h"
+#include "standin/held_values.h"
 #include "standin/project_values.h"
+#include "standin/run_time.h"
 
 namespace standin {
 
@@ -57,8 +59,9 @@ Row& RowAt(Table<Row>& table, int number) {
 }
 
 PlantInputs InputsOf(Project& project, const PlantRows& rows) {
+    const ComputedInPlace computed(project);
     PlantInputs inputs;
-    inputs.outside = project.variables[OutsideVariable].reals[0];
+    inputs.outside = project.variables[OutsideRow].reals[0];
     inputs.vessels.resize(rows.modules.size());
     for (std::size_t index = 0; index < rows.modules.size(); ++index) {
         const Module& module = RowAt(project.modules, rows.modules[index].number);
@@ -103,6 +106,7 @@ void ForgetUnlinked(Module& vessel) {
 
 void WriteModules(Project& project, const PlantRows& rows, const PlantInputs& inputs,
                   const PlantOutputs& outputs) {
+    const ComputedInPlace computed(project);
     std::vector<std::size_t> firstItems;
     std::size_t firstItem = 0;
     for (std::size_t index = 0; index < rows.modules.size(); ++index) {
@@ -129,6 +133,7 @@ void WriteModules(Project& project, const PlantRows& rows, const PlantInputs& in
 }
 
 void WriteNodes(Project& project, const PlantRows& rows, const PlantOutputs& outputs) {
+    const ComputedInPlace computed(project);
     for (std::size_t index = 0; index < rows.nodes.size(); ++index) {
         Node& node = RowAt(project.nodes, rows.nodes[index]);
         const PortState& state = outputs.nodes[index];
@@ -170,6 +175,12 @@ bool PlantStep(int slot, double seconds, StepCause cause) {
         lock.lock();
         if (changed()) return false;
     }
+    const auto vain = [&] { return changed() || (cause == StepCause::Run && !Runs(*project)); };
+    lock.unlock();
+    ScriptStep(slot, seconds, kept->script);
+    lock.lock();
+    if (vain()) return false;
+    if (kept->script != nullptr) kept->script->Apply(*project);
     const PlantRows& rows = kept->rows;
     const PlantInputs inputs = InputsOf(*project, rows);
     lock.unlock();
@@ -180,10 +191,11 @@ bool PlantStep(int slot, double seconds, StepCause cause) {
     kept->plant = std::move(plant);
 
     lock.lock();
-    if (changed() || (cause == StepCause::Run && !Runs(*project))) return false;
+    if (vain()) return false;
     WriteModules(*project, rows, inputs, outputs);
     WriteNodes(*project, rows, outputs);
     ProjectValuesWrite(*project, rows, outputs, seconds);
+    TimeAdvance(*project, seconds);
     const std::string beginning = std::string("plant: ") + project->name + ": ";
     lock.unlock();
     for (const std::string& fault : outputs.faults) vorn::Notice(vorn::NoticeKind::Fault, beginning + fault);

@@ -5,7 +5,9 @@
 #include <cstring>
 
 #include "standin/control.h"
+#include "standin/plant_step.h"
 #include "standin/project_lock.h"
+#include "standin/run_time.h"
 #include "text/fixed_text.h"
 
 namespace standin {
@@ -69,6 +71,10 @@ void Place(Element& element, int page, int x, int z, std::span<const std::string
     }
 }
 
+void StructureChange(Project& project) {
+    project.structure = project.shown = NextRevision();
+}
+
 void Identify(Element* element, IdentityIndex& index, int number, std::string_view text) {
     if (element == nullptr) return;
     std::string id(vorn::TextCut(text, IdentityBytes - 1));
@@ -100,12 +106,13 @@ std::vector<ProjectVariable> StandardVariables() {
             {.name = "GSeries", .kind = VariableKind::RealArray},
             {.name = "GCounts", .kind = VariableKind::IntegerArray},
             {.name = "GOutside", .reals = {UsualOutside}},
-            {.name = "GAlarms", .kind = VariableKind::Integer}};
-}
-
-std::mutex& EngineLock() {
-    static std::mutex lock;
-    return lock;
+            {.name = "GAlarms", .kind = VariableKind::Integer},
+            {.name = "GTime"},
+            {.name = "GStepSeconds", .reals = {StepSeconds}},
+            {.name = "GRate", .reals = {UsualRate}},
+            {.name = "GUntil"},
+            {.name = "GLag"},
+            {.name = "GScript", .kind = VariableKind::Integer}};
 }
 
 Project* ProjectFind(int slot) {
@@ -138,6 +145,7 @@ Project* ProjectMake(std::string_view name) {
         project.nodes.capacity = CapacityOf(NodeTable);
         project.links.capacity = CapacityOf(LinkTable);
         project.variables = StandardVariables();
+        project.shown = NextRevision();
         // Nothing behind the lock asks for memory.
         if (!ProjectLockTake(SlotOf(project), name)) return nullptr;
         std::transform(name.begin(), name.end(), project.name, vorn::AsciiUpper);
@@ -149,6 +157,7 @@ Project* ProjectMake(std::string_view name) {
 void ProjectFree(Project& project) {
     ProjectLockRelease(SlotOf(project));
     project = Project();
+    NextRevision();
     TypesPublish(project);
 }
 
@@ -159,13 +168,8 @@ void ProjectEmpty(Project& project) {
     project.modules.lowestVacant = project.nodes.lowestVacant = project.links.lowestVacant = 0;
     project.moduleIdentities.Clear();
     project.nodeIdentities.Clear();
-    project.structure = NextRevision();
+    StructureChange(project);
     TypesPublish(project);
-}
-
-std::uint64_t NextRevision() {
-    static std::atomic<std::uint64_t> last{0};
-    return ++last;
 }
 
 void TypesPublish(const Project& project) {
@@ -184,7 +188,7 @@ Module* ModuleAdd(Project& project, int number, int type, int page, int x, int z
     made.type = type;
     Module* module = project.modules.Add(number, std::move(made));
     if (module == nullptr) return nullptr;
-    project.structure = NextRevision();
+    StructureChange(project);
     TypePublish(project, number, moduleType);
     return module;
 }
@@ -196,7 +200,7 @@ Node* NodeAdd(Project& project, int number, int kind, int page, int x, int z) {
     made.kind = kind;
     Node* node = project.nodes.Add(number, std::move(made));
     if (node == nullptr) return nullptr;
-    project.structure = NextRevision();
+    StructureChange(project);
     return node;
 }
 
@@ -205,7 +209,7 @@ bool LinkAdd(Project& project, int number, const LinkSxCache& link) {
     made.InUse = true;
     if (project.links.Add(number, made) == nullptr) return false;
     CountLink(project, made, 1);
-    project.structure = NextRevision();
+    StructureChange(project);
     return true;
 }
 
@@ -215,7 +219,7 @@ void ModuleRemove(Project& project, int number) {
     RemoveLinksAt(project, ModuleKind, number);
     project.moduleIdentities.Remove(module->instanceId, number);
     project.modules.Remove(number);
-    project.structure = NextRevision();
+    StructureChange(project);
     TypePublish(project, number, nullptr);
     for (Module& other : project.modules.rows) {
         if (other.room == number) other.room = -1;
@@ -228,7 +232,7 @@ void NodeRemove(Project& project, int number) {
     RemoveLinksAt(project, NodeKind, number);
     project.nodeIdentities.Remove(node->instanceId, number);
     project.nodes.Remove(number);
-    project.structure = NextRevision();
+    StructureChange(project);
 }
 
 void LinkRemove(Project& project, int number) {
@@ -236,14 +240,16 @@ void LinkRemove(Project& project, int number) {
     if (link == nullptr) return;
     CountLink(project, *link, -1);
     project.links.Remove(number);
-    project.structure = NextRevision();
+    StructureChange(project);
 }
 
 void ModuleIdentify(Project& project, int number, std::string_view text) {
+    project.shown = NextRevision();
     Identify(project.modules.Find(number), project.moduleIdentities, number, text);
 }
 
 void NodeIdentify(Project& project, int number, std::string_view text) {
+    project.shown = NextRevision();
     Identify(project.nodes.Find(number), project.nodeIdentities, number, text);
 }
 

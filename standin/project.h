@@ -44,6 +44,13 @@ struct ElementValues {
     std::vector<PortValues> ports;  ///< by port; empty while all are zero
 };
 
+/// A run value that a client has taken in hand: what computes or controls it no longer reaches it.
+struct HeldValue {
+    int port = -1;     ///< -1 for an item
+    int variable = 0;  ///< the item's row, or the number of the port's real
+    double own = 0.0;  ///< what the value would be if nobody held it
+};
+
 /// What modules and nodes have in common.
 struct Element {
     bool inUse = false;
@@ -53,6 +60,7 @@ struct Element {
     std::string instanceId;
     std::array<int, PortsPerElement> linksAtPort{};  ///< how many links end at each port
     std::array<ElementValues, LayerCount> layers;
+    std::vector<HeldValue> held;  ///< of the run values
 };
 
 struct Module : Element {
@@ -127,11 +135,26 @@ struct ProjectVariable {
 };
 
 /// The variables that every project has are the first rows and stay there; clients add the others.
-inline constexpr std::size_t StandardVariableCount = 8;
-inline constexpr std::size_t OutsideVariable = 6;  ///< `GOutside`, degrees Celsius outside
+enum StandardVariable : std::size_t {
+    MeanTemperatureRow,  ///< GTemp
+    EnergyRow,           ///< WAll
+    CopRow,              ///< COP
+    StepsRow,            ///< GStep
+    SeriesRow,           ///< GSeries
+    CountsRow,           ///< GCounts
+    OutsideRow,          ///< GOutside, degrees Celsius outside
+    AlarmsRow,           ///< GAlarms
+    TimeRow,             ///< GTime
+    StepSecondsRow,      ///< GStepSeconds
+    RateRow,             ///< GRate
+    UntilRow,            ///< GUntil
+    LagRow,              ///< GLag
+    ScriptRow,           ///< GScript
+    StandardVariableCount
+};
 
-/// Rows of the table of project variables.
-inline constexpr std::size_t ProjectVariableCapacity = 256;
+/// Rows of the table of project variables: 250 of clients beside those that every project has.
+inline constexpr std::size_t ProjectVariableCapacity = StandardVariableCount + 250;
 
 /// Numbers of project variables by name, as the last look-ups found them: a hint, good only while the row
 /// still bears the name.
@@ -147,6 +170,9 @@ struct StoredFile {
     bool operator==(const StoredFile&) const = default;
 };
 
+/// What becomes of a run's script: the values of `GScript`.
+enum class ScriptState { None = 0, Runs = 1, Failed = 2 };
+
 struct PlantKept;
 
 struct Project {
@@ -159,6 +185,8 @@ struct Project {
     std::vector<ProjectVariable> variables;  ///< a row's index is the variable's number
     VariableRows variableRows;
     std::string script;
+    std::uint64_t scriptRevision = 0;  ///< another number after each script that was sent
+    std::string scriptFault;           ///< why the run's script failed; empty while it did not
     std::optional<StoredFile> stored;  ///< the file that this content was read from or last written to
     bool started = false;
     bool starting = false;  ///< started, and the controller has not looked at it yet
@@ -166,10 +194,14 @@ struct Project {
     int stepRequests = 0;
     std::string access;                ///< why the last start was refused; empty when it was not
     int steps = 0;                     ///< steps since the last start
+    double time = 0.0;                 ///< simulated seconds since the last start
+    double timeLost = 0.0;             ///< what rounding has left out of `time`
+    bool anyHeld = false;              ///< some element may have held values
     int stepsUnsolved = 0;             ///< those of them that found no solution for a net or for the heat
     std::vector<double> temperatures;  ///< GTemp at every `temperatureSteps`-th of them, from the first on
     int temperatureSteps = 1;
     std::uint64_t structure = 0;  ///< another number after each change of modules, nodes, links or rooms
+    std::uint64_t shown = 0;      ///< another number after each change of what a snapshot shows
     std::uint64_t run = 0;        ///< another number after each start
     std::shared_ptr<PlantKept> plant;
 };
@@ -180,7 +212,10 @@ inline bool Runs(const Project& project) {
 }
 
 /// The one lock of the engine.
-std::mutex& EngineLock();
+inline std::mutex engineLock;
+inline std::mutex& EngineLock() {
+    return engineLock;
+}
 
 /// The records of a slot that holds a project, null for any other number. The lock is held.
 Project* ProjectFind(int slot);
@@ -192,14 +227,22 @@ int SlotOf(const Project& project);
 /// project of that name is open, here or in another server of the same store, and when the name is empty or
 /// too long. The lock is held.
 Project* ProjectMake(std::string_view name);
-/// The variables that every project has, as its first rows.
+/// The variables that every project has, as its first rows, in the order of `StandardVariable`.
 std::vector<ProjectVariable> StandardVariables();
 /// Frees the slot. The name's text keeps its address and becomes empty.
 void ProjectFree(Project& project);
 /// Removes all modules, nodes and links.
 void ProjectEmpty(Project& project);
-/// A number that no earlier call gave.
-std::uint64_t NextRevision();
+/// The number that `NextRevision` gave last. Another one tells that projects, elements or project variables
+/// may have come or gone.
+inline std::atomic<std::uint64_t> lastRevision{0};
+inline std::uint64_t LastRevision() {
+    return lastRevision.load(std::memory_order_acquire);
+}
+/// A number that no earlier call gave. The lock is held, before and behind the change.
+inline std::uint64_t NextRevision() {
+    return ++lastRevision;
+}
 
 /// Adds an element and readies its values. Null when the number is taken, or the type or kind is unknown.
 Module* ModuleAdd(Project& project, int number, int type, int page, int x, int z);

@@ -1,10 +1,6 @@
 #include "standin/project_json.h"
 
-#include <rapidjson/stringbuffer.h>
-#include <rapidjson/writer.h>
-
 #include <charconv>
-#include <cmath>
 #include <span>
 
 #include "text/json.h"
@@ -13,124 +9,12 @@ namespace standin {
 
 namespace {
 
-using JsonBuffer = rapidjson::GenericStringBuffer<rapidjson::UTF8<>, vorn::JsonMemory>;
-using JsonWriter = rapidjson::Writer<JsonBuffer, rapidjson::UTF8<>, rapidjson::UTF8<>, vorn::JsonMemory,
-                                     rapidjson::kWriteNanAndInfFlag>;
 using vorn::Field;
 using vorn::FieldText;
 using vorn::JsonDocument;
 using vorn::JsonValue;
 
-// ---- Writing ----
-
-void WriteMember(JsonWriter& writer, const char* name, int value) {
-    writer.Key(name);
-    writer.Int(value);
-}
-
-void WriteMember(JsonWriter& writer, const char* name, const std::string& value) {
-    writer.Key(name);
-    writer.String(value);
-}
-
-template <typename Values, typename Write>
-void WriteArray(JsonWriter& writer, const char* name, const Values& values, Write write) {
-    writer.Key(name);
-    writer.StartArray();
-    for (const auto& value : values) write(value);
-    writer.EndArray();
-}
-
-void WriteReals(JsonWriter& writer, const char* name, std::span<const double> values) {
-    WriteArray(writer, name, values, [&](double value) { writer.Double(value); });
-}
-
-bool IsZero(double value) {
-    return value == 0.0 && !std::signbit(value);
-}
-
-/// Most layers hold nothing yet and are written as an empty object.
-bool IsBlank(const ElementValues& values) {
-    return values.ports.empty() && std::all_of(values.items.begin(), values.items.end(), IsZero);
-}
-
-void WriteLayer(JsonWriter& writer, const ElementValues& values) {
-    writer.StartObject();
-    if (!IsBlank(values)) {
-        WriteReals(writer, "items", values.items);
-        WriteArray(writer, "ports", values.ports, [&](const PortValues& port) {
-            writer.StartArray();
-            for (const double value : {port.pressure, port.temperature, port.flow}) writer.Double(value);
-            for (const double value : port.series) writer.Double(value);
-            writer.EndArray();
-        });
-    }
-    writer.EndObject();
-}
-
-void WriteElement(JsonWriter& writer, int number, const Element& element) {
-    WriteMember(writer, "number", number);
-    WriteMember(writer, "page", element.page);
-    WriteMember(writer, "x", element.x);
-    WriteMember(writer, "z", element.z);
-    WriteMember(writer, "instanceId", element.instanceId);
-    if (std::all_of(element.layers.begin(), element.layers.end(), IsBlank)) return;
-    WriteArray(writer, "layers", element.layers,
-               [&](const ElementValues& values) { WriteLayer(writer, values); });
-}
-
-void WriteRow(JsonWriter& writer, int number, const Module& module) {
-    WriteElement(writer, number, module);
-    writer.Key("type");
-    writer.Int64(ModuleTypeFind(module.type)->oneId);
-    WriteMember(writer, "modelId", module.modelId);
-    WriteMember(writer, "important", module.important);
-    WriteMember(writer, "room", module.room);
-}
-
-void WriteRow(JsonWriter& writer, int number, const Node& node) {
-    WriteElement(writer, number, node);
-    WriteMember(writer, "kind", node.kind);
-}
-
-/// The numbers of a link, in the order in which they are stored.
-constexpr std::size_t LinkNumberCount = 8;
-constexpr std::array<std::int32_t LinkSxCache::*, LinkNumberCount> LinkNumbers{
-    &LinkSxCache::Type,     &LinkSxCache::PageNb, &LinkSxCache::F_Sx, &LinkSxCache::F_Nb,
-    &LinkSxCache::F_PortNb, &LinkSxCache::S_Sx,   &LinkSxCache::S_Nb, &LinkSxCache::S_PortNb};
-
-void WriteRow(JsonWriter& writer, int number, const LinkSxCache& link) {
-    WriteMember(writer, "number", number);
-    WriteArray(writer, "ends", LinkNumbers, [&](const auto member) { writer.Int(link.*member); });
-    writer.Key("upstreamThrough");
-    writer.Bool(link.F_Type2);
-    writer.Key("downstreamThrough");
-    writer.Bool(link.S_Type2);
-}
-
-template <typename Row>
-void WriteTable(JsonWriter& writer, const char* name, const Table<Row>& table) {
-    int number = 0;
-    WriteArray(writer, name, table.rows, [&](const Row& row) {
-        if (Table<Row>::InUse(row)) {
-            writer.StartObject();
-            WriteRow(writer, number, row);
-            writer.EndObject();
-        }
-        ++number;
-    });
-}
-
-void WriteVariable(JsonWriter& writer, const ProjectVariable& variable) {
-    writer.StartObject();
-    WriteMember(writer, "name", variable.name);
-    WriteMember(writer, "kind", static_cast<int>(variable.kind));
-    WriteReals(writer, "reals", variable.reals);
-    WriteArray(writer, "integers", variable.integers, [&](int value) { writer.Int(value); });
-    writer.EndObject();
-}
-
-// ---- Reading. Each is false where the text is not as the writer makes it. ----
+// Each is false where the text is not as the writer makes it.
 
 /// Numbers are read from their own texts, so that all come back exactly: the JSON library's exact reading of
 /// a long fraction of zeros is undefined. No number may be beyond what `Number` can hold.
@@ -182,7 +66,9 @@ bool ReadReals(const JsonValue& array, std::span<double> values) {
     if (!array.IsArray() || array.Size() != values.size()) return false;
     auto* value = values.data();
     for (const JsonValue& element : array.GetArray()) {
-        if (!ReadNumber(element, *value++)) return false;
+        double number = 0.0;
+        if (!ReadNumber(element, number)) return false;
+        *value++ = std::isfinite(number) ? number : 0.0;
     }
     return true;
 }
@@ -311,20 +197,6 @@ bool PlaceStandardVariables(Project& project) {
 }
 
 }  // namespace
-
-void ProjectToJson(const Project& project, std::string& text) {
-    JsonBuffer buffer;
-    JsonWriter writer(buffer);
-    writer.StartObject();
-    WriteTable(writer, "modules", project.modules);
-    WriteTable(writer, "nodes", project.nodes);
-    WriteTable(writer, "links", project.links);
-    WriteArray(writer, "variables", project.variables,
-               [&](const ProjectVariable& variable) { WriteVariable(writer, variable); });
-    WriteMember(writer, "script", project.script);
-    writer.EndObject();
-    text.append(buffer.GetString(), buffer.GetSize());
-}
 
 bool ProjectFromJson(const std::string& text, Project& project) {
     // Iterative, so that no depth of nesting can end the process.

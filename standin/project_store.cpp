@@ -1,5 +1,6 @@
 #include "standin/project_store.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdint>
 #include <exception>
@@ -16,6 +17,7 @@
 #include "standin/project_folder.h"
 #include "standin/project_json.h"
 #include "standin/project_lock.h"
+#include "standin/summed_text.h"
 #include "standin/trace.h"
 
 namespace standin {
@@ -44,22 +46,31 @@ std::string Reason(const std::error_code& fault, const std::string& path) {
     return ": " + vorn::FaultText(fault) + (path.empty() ? "" : ": " + path);
 }
 
-/// FNV-1a of 64 bits: it finds each single changed byte.
-std::string SumOf(string_view content) {
-    std::uint64_t sum = 14695981039346656037U;
-    for (const char byte : content) sum = (sum ^ static_cast<unsigned char>(byte)) * 1099511628211U;
+std::string SumText(std::uint64_t sum) {
     char digits[SumDigits];
     const auto result = std::to_chars(digits, digits + SumDigits, sum, 16);
     const auto count = static_cast<std::size_t>(result.ptr - digits);
     return std::string(SumDigits - count, '0').append(digits, count);
 }
 
+/// About what a project takes as text. It is not made too small: a text that grows is copied.
+std::size_t TextBytes(const Project& project) {
+    constexpr std::size_t ElementBytes = 400;
+    constexpr std::size_t LinkBytes = 120;
+    constexpr std::size_t OtherBytes = 50000;
+    const std::size_t elements = project.modules.rows.size() + project.nodes.rows.size();
+    const std::size_t guess =
+        elements * ElementBytes + project.links.rows.size() * LinkBytes + project.script.size() + OtherBytes;
+    return std::max(guess, project.stored ? static_cast<std::size_t>(project.stored->bytes) : 0);
+}
+
 std::string FileText(const Project& project) {
-    std::string content;
-    ProjectToJson(project, content);
-    std::string text(Head);
-    text.append(SumOf(content)).append(Middle).append(content).append(Tail);
-    return text;
+    std::string text;
+    text.reserve(TextBytes(project));
+    text.append(Head).append(SumDigits, '0').append(Middle);
+    const std::uint64_t sum = ProjectToJson(project, text);
+    text.replace(Head.size(), SumDigits, SumText(sum));
+    return text.append(Tail);
 }
 
 /// Leaves the content of a file in `text`. False when the file is none of ours or was changed.
@@ -71,7 +82,10 @@ bool FileContent(std::string& text) {
     }
     const string_view sum = whole.substr(Head.size(), SumDigits);
     const string_view content = whole.substr(contentStart, whole.size() - contentStart - Tail.size());
-    if (whole.substr(Head.size() + SumDigits, Middle.size()) != Middle || SumOf(content) != sum) return false;
+    if (whole.substr(Head.size() + SumDigits, Middle.size()) != Middle) return false;
+    ByteSum found;
+    found.Add(content);
+    if (SumText(found.Value()) != sum) return false;
     text = std::string(content);
     return true;
 }
@@ -219,6 +233,7 @@ bool StoreRead(Project& project) {
     TypesPublish(project);
     project.nodes = std::move(loaded.nodes);
     project.links = std::move(loaded.links);
+    project.shown = NextRevision();
     project.moduleIdentities = std::move(loaded.moduleIdentities);
     project.nodeIdentities = std::move(loaded.nodeIdentities);
     project.variables = std::move(loaded.variables);

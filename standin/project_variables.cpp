@@ -46,6 +46,7 @@ int ProjectVarAdd(const char* name, int zero, const char* variable) {
     ProjectVariable* row = VacantRow(project->variables);
     if (row == nullptr) return 0;
     *row = {.name = variable};
+    NextRevision();
     return 1;
 }
 
@@ -57,5 +58,6 @@ int ProjectVarDle(const char* name, const char* variable) {
     if (row < static_cast<int>(StandardVariableCount)) return 0;
     project->variables[static_cast<std::size_t>(row)] = {};
     project->variableRows.clear();
+    NextRevision();
     return 1;
 }

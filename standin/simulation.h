@@ -6,12 +6,14 @@
 
 namespace standin {
 
-/// Begins a run: the project counts as started, with no step made and no start refused. The lock is held.
+/// Begins a run: the project counts as started, at time 0, with no step made, no start refused and no value
+/// held. The lock is held.
 void SimulationBegin(Project& project);
 
-/// Tells the simulation's thread that flags or step requests changed. There is one thread for the process,
-/// started by the first call that finds something to step; it steps each started and not paused project every
-/// 100 ms, and any project once for each step request. The lock is held.
+/// Tells the simulation that flags, step requests or the length of a beat changed. It has a few threads for
+/// the process, made by the first call that finds something to step. They step each started and not paused
+/// project on its own beat, and any project once for each step request, one step of a project at a time. The
+/// lock is held.
 void SimulationWake();
 
 }  // namespace standin

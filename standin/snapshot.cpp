@@ -1,6 +1,7 @@
 // The engine's operations that serve the network analysis: the snapshot of a project, the connections that
 // lead over jumps, and the aisles of its modules.
 
+#include <cstring>
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
@@ -16,8 +17,27 @@ using namespace standin;
 
 namespace {
 
-/// The record filled last, until its page links are made. The engine lock guards it.
-ProjectCheckCache* filled = nullptr;
+/// The record filled last. The engine lock guards it.
+struct Filled {
+    ProjectCheckCache* record = nullptr;
+    std::uint64_t shown = 0;     ///< what it shows: `Project::shown`
+    std::vector<int> modules{};  ///< rows in use without an identity, for which the caller may enter one
+    std::vector<int> nodes{};
+    bool pageLinksAwaited = false;
+};
+Filled filled;
+
+/// A record keeps what it shows in the block that is the engine's, so that one that was made anew in its
+/// place is known by the zero there.
+std::uint64_t ShownBy(const ProjectCheckCache& check) {
+    std::uint64_t shown = 0;
+    std::memcpy(&shown, check.EngineOwn, sizeof shown);
+    return shown;
+}
+
+void ShownSet(ProjectCheckCache& check, std::uint64_t shown) {
+    std::memcpy(check.EngineOwn, &shown, sizeof shown);
+}
 
 /// Rows of a table, as many as the record has room for.
 template <typename Row>
@@ -51,6 +71,38 @@ void Fill(LinkSxCache& row, const LinkSxCache& link) {
 template <typename Row, typename SnapshotRow>
 void FillRows(const Table<Row>& table, std::int32_t count, SnapshotRow* rows) {
     for (std::int32_t row = 0; row < count; ++row) Fill(rows[row], table.rows[static_cast<std::size_t>(row)]);
+}
+
+template <typename SnapshotRow>
+std::vector<int> WithoutIdentity(const SnapshotRow* rows, std::int32_t count) {
+    std::vector<int> found;
+    for (std::int32_t row = 0; row < count; ++row) {
+        if (rows[row].InUse && rows[row].InstanceID[0] == '\0') found.push_back(row);
+    }
+    return found;
+}
+
+/// The record as it was filled, when its project has not changed since. False for any other record.
+bool Refill(ProjectCheckCache& check, const Project& project) {
+    if (filled.record != &check || filled.shown != project.shown || ShownBy(check) != project.shown)
+        return false;
+    for (const int row : filled.modules) vorn::TextCopy(check.ModuleSx[row].InstanceID, {});
+    for (const int row : filled.nodes) vorn::TextCopy(check.NodeSx[row].InstanceID, {});
+    return true;
+}
+
+void FillAll(ProjectCheckCache& check, const Project& project) {
+    check.ModuleNb = CountOf(project.modules, ModuleCapacity);
+    check.NodeNb = CountOf(project.nodes, NodeCapacity);
+    check.LinkNb = CountOf(project.links, LinkCapacity);
+    FillRows(project.modules, check.ModuleNb, check.ModuleSx);
+    FillRows(project.nodes, check.NodeNb, check.NodeSx);
+    FillRows(project.links, check.LinkNb, check.LinkSx);
+    filled = {.record = &check,
+              .shown = project.shown,
+              .modules = WithoutIdentity(check.ModuleSx, check.ModuleNb),
+              .nodes = WithoutIdentity(check.NodeSx, check.NodeNb),
+              .pageLinksAwaited = true};
 }
 
 /// The rows that lead out of each jump, in row order.
@@ -133,22 +185,20 @@ void MakePageLinks(ProjectCheckCache& check) {
 void ProjectInfoGet(const char* name, ProjectCheckCache& check) {
     Trace("ProjectInfoGet", name);
     const std::lock_guard guard(EngineLock());
-    check.ModuleNb = check.NodeNb = check.LinkNb = check.PageLinkNb = 0;
-    filled = &check;
     const Project* project = ProjectFind(name);
-    if (project == nullptr) return;
-    check.ModuleNb = CountOf(project->modules, ModuleCapacity);
-    check.NodeNb = CountOf(project->nodes, NodeCapacity);
-    check.LinkNb = CountOf(project->links, LinkCapacity);
-    FillRows(project->modules, check.ModuleNb, check.ModuleSx);
-    FillRows(project->nodes, check.NodeNb, check.NodeSx);
-    FillRows(project->links, check.LinkNb, check.LinkSx);
+    if (project != nullptr && Refill(check, *project)) return;
+    filled = {};
+    ShownSet(check, 0);
+    check.ModuleNb = check.NodeNb = check.LinkNb = check.PageLinkNb = 0;
+    if (project != nullptr) FillAll(check, *project);
 }
 
 void ProjectInfoJumpLinkPressing(int slot) {
     Trace("ProjectInfoJumpLinkPressing", slot);
     const std::lock_guard guard(EngineLock());
-    if (ProjectCheckCache* check = std::exchange(filled, nullptr)) MakePageLinks(*check);
+    if (!std::exchange(filled.pageLinksAwaited, false)) return;
+    MakePageLinks(*filled.record);
+    ShownSet(*filled.record, filled.shown);
 }
 
 ModulePortInfoCache ModulePortInfo(int slot, int module, int port, int selector) {

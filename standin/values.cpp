@@ -35,6 +35,15 @@ double* ItemAt(Element& element, Layer layer, int row) {
     return row >= 0 && row < static_cast<int>(items.size()) ? &items[static_cast<std::size_t>(row)] : nullptr;
 }
 
+double* RunReal(Element& element, int port, int variable) {
+    if (port < 0) return ItemAt(element, RunLayer, variable);
+    if (port >= PortsPerElement || variable < 0 || variable >= static_cast<int>(PortReals.size()))
+        return nullptr;
+    std::vector<PortValues>& ports = element.layers[RunLayer].ports;
+    if (ports.size() < PortsPerElement) ports.resize(PortsPerElement);
+    return &(ports[static_cast<std::size_t>(port)].*PortReals[static_cast<std::size_t>(variable)].value);
+}
+
 const PortValues& PortRead(const Element& element, Layer layer, int port) {
     static constexpr PortValues Zero{};
     const std::vector<PortValues>& ports = element.layers[layer].ports;

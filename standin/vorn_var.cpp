@@ -1,11 +1,14 @@
 // VornVar: the values of the open projects. The value family works on the run layer. An element has reals and
-// its ports have reals and one array; the stand-in's catalogue gives elements no integers and no further
-// arrays, so that such a read is 0, or leaves the caller's entries, and such a write does nothing.
+// its ports have reals and one array. Its integers tell which of its reals are held. It has no further
+// arrays: such a read leaves the caller's entries, and such a write does nothing. A number that is not finite
+// is kept as 0.
 
 #include "engine/vorn_var.h"
 
 #include <algorithm>
 
+#include "standin/held_values.h"
+#include "standin/run_time.h"
 #include "standin/trace.h"
 #include "standin/values.h"
 
@@ -34,13 +37,13 @@ Element* ElementAt(int slot, int kind, int number) {
     return project == nullptr ? nullptr : ElementFind(*project, kind, number);
 }
 
-/// The values of a port to be written; null for a port that names nothing.
-PortValues* PortAt(int slot, int kind, int number, int port) {
+/// The array of a port to be written; null for a port that names nothing.
+std::array<double, ArrayEntries>* PortArrayAt(int slot, int kind, int number, int port) {
     Element* element = ElementAt(slot, kind, number);
     if (element == nullptr || port < 0 || port >= PortsPerElement) return nullptr;
     std::vector<PortValues>& ports = element->layers[RunLayer].ports;
     ports.resize(PortsPerElement);
-    return &ports[static_cast<std::size_t>(port)];
+    return &ports[static_cast<std::size_t>(port)].series;
 }
 
 bool PortRealExists(int variable) {
@@ -60,7 +63,7 @@ void ElementSet(int slot, int kind, int number, int variable, double value) {
     const std::lock_guard guard(EngineLock());
     Element* element = ElementAt(slot, kind, number);
     double* const item = element == nullptr ? nullptr : ItemAt(*element, RunLayer, variable);
-    if (item != nullptr) *item = value;
+    if (item != nullptr) *item = Kept(value);
 }
 
 double PortGet(int slot, int kind, int number, int port, int variable) {
@@ -72,9 +75,9 @@ double PortGet(int slot, int kind, int number, int port, int variable) {
 
 void PortSet(int slot, int kind, int number, int port, int variable, double value) {
     const std::lock_guard guard(EngineLock());
-    if (!PortRealExists(variable)) return;
-    PortValues* const values = PortAt(slot, kind, number, port);
-    if (values != nullptr) values->*PortReals[static_cast<std::size_t>(variable)].value = value;
+    Element* element = ElementAt(slot, kind, number);
+    double* const real = element == nullptr || port < 0 ? nullptr : RunReal(*element, port, variable);
+    if (real != nullptr) *real = Kept(value);
 }
 
 void PortAryGet(int slot, int kind, int number, int port, double* values) {
@@ -87,8 +90,20 @@ void PortAryGet(int slot, int kind, int number, int port, double* values) {
 
 void PortArySet(int slot, int kind, int number, int port, const double* values) {
     const std::lock_guard guard(EngineLock());
-    PortValues* const found = PortAt(slot, kind, number, port);
-    if (found != nullptr) std::copy_n(values, ArrayEntries, found->series.begin());
+    auto* const found = PortArrayAt(slot, kind, number, port);
+    if (found != nullptr) std::transform(values, values + ArrayEntries, found->begin(), Kept);
+}
+
+int HeldGet(int slot, int kind, int number, int variable) {
+    const std::lock_guard guard(EngineLock());
+    Element* element = ElementAt(slot, kind, number);
+    return element != nullptr && HeldFind(*element, variable) != nullptr ? 1 : 0;
+}
+
+void HeldSet(int slot, int kind, int number, int variable, bool held) {
+    const std::lock_guard guard(EngineLock());
+    Element* element = ElementAt(slot, kind, number);
+    if (element != nullptr) ValueHold(*ProjectFind(slot), *element, variable, held);
 }
 
 void LayerCopy(int slot, int kind, int number, int from, int to) {
@@ -134,7 +149,7 @@ void GloIntAryGet(int slot, int variable, int* values) {
 void w_GloSet(int slot, int variable, double value) {
     Trace("w_GloSet", slot, variable, value);
     const std::lock_guard guard(EngineLock());
-    if (ProjectVariable* found = VariableAt(slot, variable)) found->reals.front() = value;
+    if (VariableAt(slot, variable) != nullptr) VariableStore(*ProjectFind(slot), variable, value);
 }
 
 void w_GloIntSet(int slot, int variable, int value) {
@@ -147,7 +162,7 @@ void w_GloArySet(int slot, int variable, const double* values) {
     Trace("w_GloArySet", slot, variable, Entries(values));
     const std::lock_guard guard(EngineLock());
     ProjectVariable* found = VariableAt(slot, variable);
-    if (found != nullptr) std::copy_n(values, ArrayEntries, found->reals.begin());
+    if (found != nullptr) std::transform(values, values + ArrayEntries, found->reals.begin(), Kept);
 }
 
 void w_GloIntArySet(int slot, int variable, const int* values) {
@@ -166,7 +181,7 @@ double ModGet(int slot, int module, int variable) {
 
 int ModIntGet(int slot, int module, int variable) {
     Trace("ModIntGet", slot, module, variable);
-    return 0;
+    return HeldGet(slot, ModuleKind, module, variable);
 }
 
 void ModAryGet(int slot, int module, int variable, double* /*values*/) {
@@ -194,6 +209,7 @@ void w_ModSet(int slot, int module, int variable, double value) {
 
 void w_ModIntSet(int slot, int module, int variable, int value) {
     Trace("w_ModIntSet", slot, module, variable, value);
+    HeldSet(slot, ModuleKind, module, variable, value != 0);
 }
 
 void w_ModArySet(int slot, int module, int variable, const double* values) {
@@ -223,7 +239,7 @@ double NodGet(int slot, int node, int variable) {
 
 int NodIntGet(int slot, int node, int variable) {
     Trace("NodIntGet", slot, node, variable);
-    return 0;
+    return HeldGet(slot, NodeKind, node, variable);
 }
 
 void NodAryGet(int slot, int node, int variable, double* /*values*/) {
@@ -251,6 +267,7 @@ void w_NodSet(int slot, int node, int variable, double value) {
 
 void w_NodIntSet(int slot, int node, int variable, int value) {
     Trace("w_NodIntSet", slot, node, variable, value);
+    HeldSet(slot, NodeKind, node, variable, value != 0);
 }
 
 void w_NodArySet(int slot, int node, int variable, const double* values) {

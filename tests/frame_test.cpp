@@ -142,13 +142,19 @@ TEST_F(FrameTest, TakesTheEnvelopeApart) {
 }
 
 TEST_F(FrameTest, HandsMessagesOnAsTextOrAsCompactJson) {
-    const std::pair<string, string> rows[] = {{R"("{\"a\": 1}")", R"({"a": 1})"},
-                                              {R"({"a": [1, "x\n"]})", R"({"a":[1,"x\n"]})"},
-                                              {"21.50", "21.5"},
-                                              {"true", "true"},
-                                              {"null", "null"},
-                                              {"5", "5"},
-                                              {R"("")", ""}};
+    const std::pair<string, string> rows[] = {
+        {R"("{\"a\": 1}")", R"({"a": 1})"},
+        {R"({"a": [1, "x\n"]})", R"({"a":[1,"x\n"]})"},
+        {R"({"a":["é","\u0001\/", {}, []],"b":null})", R"({"a":["é","\u0001/",{},[]],"b":null})"},
+        {R"({"a b":[true,false,null,""],"c":{"d":{}}})", R"({"a b":[true,false,null,""],"c":{"d":{}}})"},
+        {R"(["x",-0,1e2,1.50])", R"(["x",0,100.0,1.5])"},
+        {R"(["first"],"messages":["second"])", R"(["first"])"},
+        {R"(1,"messages":{"second":[]})", "1"},
+        {"21.50", "21.5"},
+        {"true", "true"},
+        {"null", "null"},
+        {"5", "5"},
+        {R"("")", ""}};
     Rtn_Get_Get();
     for (const auto& [messages, text] : rows) {
         Envelope(R"({"command":"Fdp","name":"N","messages":)" + messages + "}");

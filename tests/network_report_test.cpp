@@ -3,8 +3,10 @@
 #include <rapidjson/document.h>
 
 #include <algorithm>
+#include <functional>
 
 #include "engine/vorn_core.h"
+#include "engine/vorn_var.h"
 #include "include/vorn_server.h"
 #include "network/net_access.h"
 #include "network/topology_report.h"
@@ -100,6 +102,50 @@ TEST_F(NetworkReportTest, TellsThePlantAndUsesTheAnalysisUp) {
     EXPECT_EQ(Net_InfoToAI(-1), nullptr);
     EXPECT_EQ(Net_InfoToAI(8), nullptr);
     EXPECT_NE(Net_InfoToAI(7), nullptr);  // an empty slot
+}
+
+/// A snapshot that is taken again shows each change, and nothing that the report entered.
+TEST_F(NetworkReportTest, ShowsEachChange) {
+    PlantMake();
+    Send("PjtInfoChk", "PLANT");
+    const std::pair<std::function<void()>, std::string> rows[] = {
+        {[] { ProjectModuleXYSet("PLANT", 0, 50, 0); },
+         R"("MOD0","DeviceName": "膨胀水箱","VornModuleID": 26010100000000014,"PositionX": 1.0,)"},
+        {[] { ProjectNodeXYSet("PLANT", 0, 50, 0); },
+         R"("NodeName": "FLUID","VornModuleID": 3000,"PositionX": 1.0,)"},
+        {[] { ModuleInstanceIDSet(0, 0, "tank"); }, R"({"InstanceID": "tank",)"},
+        {[] { ModuleInstanceIDSet(0, 0, ""); }, R"({"InstanceID": "MOD0",)"},
+        {[] { NodeInstanceIDSet(0, 0, "node"); }, R"({"InstanceID": "node",)"},
+        {[] {
+             Model_DB_Read(0, "DN50铸铁管道");
+             Pjt_Modu_ModelToPch(0, 0, 2, 0);
+         },
+         R"("ModelID": "DN50铸铁管道"})"},
+        {[] { ProjectAddModule("PLANT", 1, 0, 0, 0, 0); }, R"("DeviceNb": 4,)"},
+        {[] { Pipe_DeleteModule(0, 1); }, R"("DeviceNb": 3,)"},
+        {[] { ProjectAddNode("PLANT", 1, 0, 0, 0, 0); }, R"("NodeNb": 2,)"},
+        {[] { Pipe_DeleteNode(0, 1); }, R"("NodeNb": 1,)"},
+        {[] { Pipe_DeleteLink(0, 4); }, R"("ConnectionNb": 3,)"},
+        {[] { Link("PLANT", "0 3 2 1 0 1 3 2 1"); }, R"("ConnectionNb": 4,)"},
+        {[] { Pipe_ProjectInfoClear(0); }, R"("DeviceNb": 0,)"},
+    };
+    for (const auto& [change, shown] : rows) {
+        change();
+        const std::string report = Packed(Send("PjtInfoChk", "PLANT"));
+        EXPECT_NE(report.find(shown), std::string::npos) << shown << " is not in " << report;
+        EXPECT_EQ(Packed(Send("PjtInfoChk", "PLANT")), report);
+    }
+    vorn::SnapshotLoad(Own, 0);
+    vorn::TopologyReport(Own);
+    vorn::SnapshotLoad(Own, 0);
+    EXPECT_EQ(Own.ProjectCheck.ModuleNb, 0);
+    ProjectInfoRemove("PLANT");
+    PlantMake();  // the same numbers in the same slot
+    vorn::SnapshotLoad(Own, 0);
+    vorn::TopologyReport(Own);
+    vorn::SnapshotLoad(Own, 0);
+    EXPECT_EQ(Own.ProjectCheck.ModuleNb, 4);
+    EXPECT_STREQ(Own.ProjectCheck.ModuleSx[0].InstanceID, "");
 }
 
 TEST_F(NetworkReportTest, NamesOutsideTheTablesAreEmpty) {

@@ -14,7 +14,7 @@ namespace {
 /// Pieces of a random plant that the tests look at.
 struct Drawn {
     Drawing drawing;
-    std::vector<int> nodes, rooms, tanks, towers, pumps, valves;
+    std::vector<int> nodes, rooms, tanks, towers, pumps, valves, compressors, coils, crossings;
 };
 
 /// Chilled water in rings of its own with pumps, valves and coils in rooms, cooled by circuits and through
@@ -47,7 +47,10 @@ Drawn RandomPlant(unsigned seed) {
         const auto size = static_cast<int>(ring.size());
         const auto node = [&](int index) { return ring[static_cast<std::size_t>(index % size)]; };
         const int suction = add(made.nodes, NodePiece);
-        drawing.Join(vessel, 1, suction, 0, one(1, 5), 80);
+        const int mouths[] = {add(made.nodes, NodePiece), add(made.nodes, NodePiece)};
+        drawing.Link(vessel, 1, mouths[0], 0);
+        drawing.Link(mouths[1], 0, vessel, 0);
+        drawing.Join(mouths[0], 0, suction, 0, one(1, 5), 80);
         for (int count = 1 + any(2); count > 0; --count) {
             std::vector<int> chain{suction};
             for (int pumps = 1 + any(3); pumps > 0; --pumps)
@@ -55,12 +58,13 @@ Drawn RandomPlant(unsigned seed) {
             chain.push_back(node(0));
             drawing.Chain(chain);
         }
-        drawing.Join(node(size / 2), 0, vessel, 0, one(1, 5), 80);
+        drawing.Join(node(size / 2), 0, mouths[1], 0, one(1, 5), 80);
         for (int index = 0; index < size; ++index)
             drawing.Join(node(index), 0, node(index + 1), 0, one(1, 30), one(20, 60));
         for (int count = chilled ? 1 + any(4) : 0; count > 0; --count) {
             const int room = made.rooms[static_cast<std::size_t>(any(static_cast<int>(made.rooms.size())))];
-            const int coil = drawing.Add(any(2) == 0 ? FanCoil : Radiator, {one(0, 10)}, room);
+            const int coil = add(made.coils, any(2) == 0 ? FanCoil : Radiator, {one(0, 10)});
+            drawing.pieces.back().room = room;
             drawing.Chain({node(any(size)), valve(), coil, node(any(size))});
         }
     }
@@ -69,15 +73,15 @@ Drawn RandomPlant(unsigned seed) {
         drawing.Link(piece, inlet + 1, ring[ring.size() / 2], 0);
     };
     if (any(2) == 0) {
-        const int exchanger = drawing.Add(Exchanger, {one(0, 20)});
+        const int exchanger = add(made.crossings, Exchanger, {one(0, 20)});
         across(exchanger, 0, rings[0]);
         across(exchanger, 2, rings[1]);
     }
     for (int count = any(3); count > 0; --count) {
-        const int evaporator = drawing.Add(Evaporator, {one(0, 30)});
-        const int condenser = drawing.Add(Condenser, {one(0, 30)});
-        const int compressor = drawing.Add(Compressor, {one(0, 20)});
-        const int expansion = drawing.Add(ExpansionValve);
+        const int evaporator = add(made.crossings, Evaporator, {one(0, 30)});
+        const int condenser = add(made.crossings, Condenser, {one(0, 30)});
+        const int compressor = add(made.compressors, Compressor, {one(0, 20)});
+        const int expansion = drawing.Add(ExpansionValve, {one(0.1, 1.0)});
         drawing.Chain({compressor, condenser, drawing.Add(CopperPipe), expansion});
         // Either aisle of an evaporator can be the one of refrigerant.
         const int inlet = any(2) * 2;
@@ -96,7 +100,36 @@ struct HeatSums {
     void Come(double joules) { comes += joules, size += std::abs(joules); }
 };
 
-/// Steps a plant and holds its energy against what its values tell.
+/// J that the water in all pipes has, half of it at each end of a pipe, which are nodes.
+double PipeHeat(const Drawn& drawn, MadePlant& plant, const std::vector<double>& nodes) {
+    double joules = 0.0;
+    for (const auto& row : drawn.drawing.rows) {
+        for (const auto& [pipe, node] : {std::pair(row.from, row.to), std::pair(row.to, row.from)}) {
+            if (drawn.drawing.pieces[static_cast<std::size_t>(pipe)].type != Pipe) continue;
+            const double diameter = plant.Item(pipe, 2) / 1000.0;
+            const double volume = std::acos(-1.0) / 4.0 * diameter * diameter * plant.Item(pipe, 0);
+            joules += 0.5 * volume * 998.2 * WaterHeat * nodes[static_cast<std::size_t>(node)];
+        }
+    }
+    return joules;
+}
+
+std::vector<double> NodeTemperatures(const Drawn& drawn, MadePlant& plant) {
+    std::vector<double> temperatures(drawn.drawing.pieces.size());
+    for (const int node : drawn.nodes) {
+        const bool first = plant.Records().steps == 0;
+        temperatures[static_cast<std::size_t>(node)] = first ? 20.0 : plant.Item(node, 1);
+    }
+    return temperatures;
+}
+
+/// W that a stream of water takes up in an aisle that begins at that port.
+double Warms(MadePlant& plant, int piece, int inlet) {
+    const auto& from = plant.Port(piece, inlet);
+    return WaterHeat * from.flow * (plant.Port(piece, inlet + 1).temperature - from.temperature);
+}
+
+/// Steps a plant and compares its energy with what its values say.
 void ExpectEnergyKept(const Drawn& drawn, MadePlant& plant, double seconds) {
     HeatSums sums;
     std::vector<double> before;
@@ -105,6 +138,7 @@ void ExpectEnergyKept(const Drawn& drawn, MadePlant& plant, double seconds) {
     const double tankBefore = first ? 20.0 : plant.Port(drawn.tanks[0], 1).temperature;
     const int unsolved = plant.Records().stepsUnsolved;
     const double drawnBefore = ProjectReal(plant, 1);
+    const double pipesBefore = PipeHeat(drawn, plant, NodeTemperatures(drawn, plant));
     ASSERT_TRUE(PlantStep(plant.Slot(), seconds));
     double rooms = 0;
     for (std::size_t room = 0; room < drawn.rooms.size(); ++room) {
@@ -117,16 +151,43 @@ void ExpectEnergyKept(const Drawn& drawn, MadePlant& plant, double seconds) {
     }
     const double tankNow = plant.Port(drawn.tanks[0], 1).temperature;
     sums.Store(998.2 * WaterHeat * plant.Item(drawn.tanks[0], 0) * (tankNow - tankBefore));
+    sums.Store(PipeHeat(drawn, plant, NodeTemperatures(drawn, plant)) - pipesBefore);
     for (const int port : {0, 1}) {
         const auto& end = plant.Port(drawn.towers[0], port);
         sums.Come((port == 0 ? -1 : 1) * WaterHeat * end.flow * end.temperature * seconds);
     }
-    double pumps = 0.0;
-    for (const int pump : drawn.pumps)
-        pumps += plant.Item(pump, 0) > 0.0 ? plant.Item(pump, 1) * 1000.0 : 0.0;
-    sums.Come((ProjectReal(plant, 1) - drawnBefore) * 3.6e6 - pumps * seconds);
+    sums.Come((ProjectReal(plant, 1) - drawnBefore) * 3.6e6);  // by pumps and compressors
+    for (const int pump : drawn.pumps) {
+        // A pump that moves nothing warms its surroundings.
+        const double power = plant.Item(pump, 0) > 0.0 ? plant.Item(pump, 1) * 1000.0 : 0.0;
+        const double warms = Warms(plant, pump, 0);
+        const bool whole =
+            plant.Port(pump, 1).temperature < 100.0 && power < 80.0 * WaterHeat * plant.Port(pump, 0).flow;
+        EXPECT_NEAR(whole ? warms : std::clamp(warms, 0.0, power), whole ? power : warms,
+                    1e-6 * power + 1e-3);
+        sums.Come((warms - power) * seconds);
+    }
     if (plant.Records().stepsUnsolved > unsolved) return;
     EXPECT_NEAR(sums.stored, sums.comes, 1e-6 * sums.size);
+}
+
+/// No stream leaves colder or warmer than what it meets: the other stream's inlet, the circuit, or the room.
+void ExpectNothingCrossed(const Drawn& drawn, MadePlant& plant) {
+    constexpr double Slack = 1e-6;
+    const auto within = [&](int piece, int inlet, double other) {
+        if (plant.Port(piece, inlet).flow < 1e-6) return;
+        const double comes = plant.Port(piece, inlet).temperature;
+        const double leaves = plant.Port(piece, inlet + 1).temperature;
+        EXPECT_GE(leaves, std::min(comes, other) - Slack) << piece << '.' << inlet;
+        EXPECT_LE(leaves, std::max(comes, other) + Slack) << piece << '.' << inlet;
+    };
+    for (const int piece : drawn.crossings) {
+        for (const int inlet : {0, 2}) within(piece, inlet, plant.Port(piece, 2 - inlet).temperature);
+    }
+    for (const int coil : drawn.coils) {
+        const int room = drawn.drawing.pieces[static_cast<std::size_t>(coil)].room;
+        within(coil, 0, plant.Item(room, 0));
+    }
 }
 
 void ExpectMassKept(const Drawn& drawn, MadePlant& plant) {
@@ -164,7 +225,10 @@ TEST_F(PlantTest, MassAndEnergyAreKeptInAnyPlantAndAnyOrderOfRows) {
                 plant.Item(pump, 0) = other.Item(pump, 0) = any(3) * any(3) * 5.0;
             for (const int valve : drawn.valves)
                 plant.Item(valve, 0) = other.Item(valve, 0) = std::pow(0.01, any(4)) - 1e-6;
+            for (const int compressor : drawn.compressors)
+                plant.Item(compressor, 1) = other.Item(compressor, 1) = 0.0;
             ExpectEnergyKept(drawn, plant, seconds);
+            ExpectNothingCrossed(drawn, plant);
             ExpectMassKept(drawn, plant);
             EXPECT_EQ(ProjectCount(plant, 3), 0) << "nets without a solution";
             ASSERT_TRUE(PlantStep(other.Slot(), seconds));

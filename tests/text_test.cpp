@@ -3,8 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdio>
 #include <cstdlib>
 #include <limits>
+#include <random>
 
 #include "elements/grid.h"
 #include "tests/support/service_test.h"
@@ -50,6 +52,29 @@ TEST(TextTest, ReadsRealsAsTheCLibraryDoes) {
     EXPECT_EQ(vorn::RealFromText("1" + zeros + "e-1000"), 0.0);
     EXPECT_EQ(vorn::RealFromText("0." + zeros + "1e1000"), HUGE_VAL);
     EXPECT_EQ(vorn::RealFromText("0x0." + zeros + "1p500"), 0.0);
+}
+
+TEST(TextTest, WritesRealsAsTheCLibraryDoes) {
+    std::mt19937_64 random(1);
+    const auto check = [](double value) {
+        char expected[400];
+        std::snprintf(expected, sizeof expected, "%.6f", value);
+        std::string text;
+        vorn::AppendReal(text, value);
+        ASSERT_EQ(text, expected);
+    };
+    for (const double value :
+         {0.0, -0.0, 0x1p-11, 0x1.fffffffffffffp-12, 0x1p53, 0x1.fffffffffffffp52, 0.9999995,
+          0.99999949999999995, 4503599627370495.5, 5e-7, HUGE_VAL, 1e300, 5e-324}) {
+        check(value);
+        check(-value);
+    }
+    for (int part = 0; part < 2000; ++part) check(part / 128.0);  // each second one lies between two texts
+    for (int count = 0; count < 100000; ++count) {
+        const int exponent = static_cast<int>(random() % 80) - 20;
+        check(std::ldexp(static_cast<double>(random() >> 11U), exponent - 53));
+        check(static_cast<double>(random() % 2000000001) / 1e6 + 5e-7);
+    }
 }
 
 TEST(TextTest, CutsRealsToThirtyTwoBits) {

@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "engine/vorn_core.h"
+#include "service/api_envelope.h"
 #include "tests/support/service_test.h"
 #include "tests/support/test_locale.h"
 #include "variables/var_read.h"
@@ -22,6 +23,13 @@ class VariablesTest : public ServiceTest {
         Send("AddNode", "P", Fluid());
     }
 };
+
+/// The reply to a batch that stands as an object in the body of an HTTP request.
+string SendInEnvelope(const string& verb, const string& batch) {
+    string reply;
+    vorn::ApiEnvelope(R"({"command":")" + verb + R"(","name":"json","messages":)" + batch + "}", reply);
+    return reply;
+}
 
 /// An array's text that begins so and has zeros for the rest.
 string Padded(string text, const string& zero) {
@@ -97,9 +105,9 @@ TEST_F(VariablesTest, ReadsValueTexts) {
         {" \t1, 2 ,\n3", "1.000000", "1", "1.00000000,2.00000000,3.00000000", "1,2,3"},
         {"1,2,3,4,5,6,7,8,9", "1.000000", "1", oneToEight, "1,2,3,4,5,6,7,8"},
         {string(190, '0') + "12,7", "12.000000", "12", "1.00000000,7.00000000", "1,7"},
-        {"1e400,2", "inf", "2147483647", "0.00000000,2.00000000", "2147483640,2"},
-        {"-1e400,2", "-inf", "-2147483648", "0.00000000,2.00000000", "-2147483640,2"},
-        {"nan,2", "nan", "0", "0.00000000,2.00000000", "0,2"},
+        {"1e400,2", "0.000000", "2147483647", "0.00000000,2.00000000", "2147483640,2"},
+        {"-1e400,2", "0.000000", "-2147483648", "0.00000000,2.00000000", "-2147483640,2"},
+        {"nan,2", "0.000000", "0", "0.00000000,2.00000000", "0,2"},
         {"1e14", "100000000000000.000000", "2147483647", "9999999999999.00000000", "2147483640"},
         {"2147483647", "2147483647.000000", "2147483647", "2147483647.00000000", "2147483640"},
         {"-2147483648", "-2147483648.000000", "-2147483647", "-2147483648.00000000", "-2147483640"},
@@ -150,6 +158,33 @@ TEST_F(VariablesTest, KnowsItsNames) {
     EXPECT_EQ(Send("Get", "P_MOD0_D"), NoVariable);
 }
 
+/// Names that were decoded before are decoded anew once something came or went.
+TEST_F(VariablesTest, ForgetsWhatNamesWere) {
+    const struct {
+        string change, name, project{}, messages{};  ///< the name is unknown behind the change
+    } rows[] = {
+        {"PjtDleVar", "P_Reading1", "P", "Reading1"},
+        {"DeleteMNL", "P_MOD0_D", "P_MOD0"},
+        {"DeleteMNL", "P_NOD0_IM9_TEMP", "P_NOD0"},
+        {"PjtClear", "P_MOD0_IM1_ARY", "P"},
+        {"PjtClose", "P_GSeries", "P"},
+    };
+    for (const auto& row : rows) {
+        Send("Create", "P");
+        Send("AddModule", "P", R"({"VornModuleID":24032022192805856,"DeviceName":"铸铁管道"})");
+        Send("AddNode", "P", Fluid());
+        Send("PjtAddVar", "P", "Reading1");
+        EXPECT_NE(Send("Get", row.name), NoVariable) << row.name;
+        Send(row.change, row.project, row.messages);
+        EXPECT_EQ(Send("Get", row.name), NoVariable) << row.change << ' ' << row.name;
+    }
+    Send("Create", "Q");  // in the slot that P had
+    EXPECT_EQ(Send("Set", "Q_GCounts", "7"), "OK");
+    Send("Create", "P");
+    EXPECT_EQ(Send("Get", "P_GCounts"), Integers("0"));
+    EXPECT_EQ(Send("Get", "Q_GCounts"), Integers("7"));
+}
+
 TEST_F(VariablesTest, AnswersBatches) {
     const struct {
         string verb, names, values, reply;  ///< `?` in a reply is the text of an unknown name
@@ -170,15 +205,18 @@ TEST_F(VariablesTest, AnswersBatches) {
         {"Set", R"(1,"P_WAll")", R"(["1","2"])", R"(["?","OK"])", 5, 2},
     };
     for (const auto& row : rows) {
-        Send("Set", "P_GTemp", "5");
-        Send("Set", "P_WAll", "6");
         const string values = row.values.empty() ? "" : ",\"VarValue\":" + row.values;
+        const string batch = R"({"VarName":[)" + row.names + "]" + values + "}";
         string reply = row.reply;
         for (size_t at = 0; (at = reply.find('?')) != string::npos;) reply.replace(at, 1, NoVariable);
-        EXPECT_EQ(Send(row.verb, "json", R"({"VarName":[)" + row.names + "]" + values + "}"), reply)
-            << row.names;
-        EXPECT_EQ(std::stod(Send("Get", "P_GTemp")), row.first) << row.names << values;
-        EXPECT_EQ(std::stod(Send("Get", "P_WAll")), row.second) << row.names << values;
+        for (const bool parsed : {false, true}) {
+            Send("Set", "P_GTemp", "5");
+            Send("Set", "P_WAll", "6");
+            EXPECT_EQ(parsed ? SendInEnvelope(row.verb, batch) : Send(row.verb, "json", batch), reply)
+                << batch;
+            EXPECT_EQ(std::stod(Send("Get", "P_GTemp")), row.first) << batch;
+            EXPECT_EQ(std::stod(Send("Get", "P_WAll")), row.second) << batch;
+        }
     }
     for (const string request : {R"({"VarName":[]})", R"({"VarName":"X"})", "{}", "[]", "", "{", "7",
                                  R"({"VarName":["P_GTemp"]}x)", R"({"VarValue":["1"]})"}) {

@@ -3,55 +3,17 @@
 #include <rapidjson/reader.h>
 #include <rapidjson/writer.h>
 
+#include "text/json_guard.h"
+#include "text/text_stream.h"
+
 namespace vorn {
 
 namespace {
 
-/// Hands the parser's events on to a document and ends the parse before it recurses too deep.
-struct DepthGuard {
-    using Ch = char;
-    JsonDocument& document;
-    int depth = 0;
-
-    bool Null() { return document.Null(); }
-    bool Bool(bool value) { return document.Bool(value); }
-    bool Int(int value) { return document.Int(value); }
-    bool Uint(unsigned value) { return document.Uint(value); }
-    bool Int64(std::int64_t value) { return document.Int64(value); }
-    bool Uint64(std::uint64_t value) { return document.Uint64(value); }
-    bool Double(double value) { return document.Double(value); }
-    bool RawNumber(const Ch* text, rapidjson::SizeType length, bool copy) {
-        return document.RawNumber(text, length, copy);
-    }
-    bool String(const Ch* text, rapidjson::SizeType length, bool copy) {
-        return document.String(text, length, copy);
-    }
-    bool Key(const Ch* text, rapidjson::SizeType length, bool copy) {
-        return document.Key(text, length, copy);
-    }
-    bool StartObject() { return ++depth <= JsonDepthLimit && document.StartObject(); }
-    bool EndObject(rapidjson::SizeType members) { return --depth >= 0 && document.EndObject(members); }
-    bool StartArray() { return ++depth <= JsonDepthLimit && document.StartArray(); }
-    bool EndArray(rapidjson::SizeType elements) { return --depth >= 0 && document.EndArray(elements); }
-};
-
-/// What the writer puts its characters into.
-struct TextStream {
-    using Ch = char;
-    std::string& text;
-    void Put(char character) { text.push_back(character); }
-    void Flush() {}
-};
-
 template <unsigned Flags, typename Stream>
 void Parse(Stream stream, JsonDocument& document) {
-    document.SetNull();
-    auto parse = [&stream](JsonDocument& target) {
-        rapidjson::GenericReader<rapidjson::UTF8<>, rapidjson::UTF8<>, JsonMemory> reader;
-        DepthGuard guard{target};
-        return !reader.Parse<Flags>(stream, guard).IsError();
-    };
-    document.Populate(parse);
+    JsonGuard guard(document);
+    JsonPopulate<Flags>(stream, guard, document);
 }
 
 template <typename Value, typename Test, typename Get>

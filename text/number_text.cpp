@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <iterator>
 #include <limits>
 
@@ -43,6 +44,39 @@ bool TooLarge(std::string_view number, const Notation& notation) {
     return places * notation.exponentsPerDigit + exponent > 0;
 }
 
+/// A real with six decimals.
+struct SixDecimals {
+    std::uint64_t whole = 0;
+    std::uint32_t millionths = 0;
+};
+
+/// Rounds to the nearest, and to the even one of two that are as near. False for a number whose bits behind
+/// the point do not all fit 63, and for one that is large or no number.
+bool SixDecimalsOf(double magnitude, SixDecimals& number) {
+    constexpr double Least = 0x1p-11;  // a double has 53 bits
+    constexpr double Most = 0x1p53;
+    constexpr std::uint64_t Million = 1000000;
+    constexpr std::uint64_t Half = std::uint64_t{1} << 62U;
+    if (magnitude != 0.0 && !(magnitude >= Least && magnitude < Most)) return false;
+    number.whole = static_cast<std::uint64_t>(magnitude);
+    const double rest = (magnitude - static_cast<double>(number.whole)) * 0x1p63;
+    const auto fraction = static_cast<std::uint64_t>(static_cast<std::int64_t>(rest));
+    // The product of 83 bits, in two parts.
+    const std::uint64_t low = (fraction & 0xFFFFFFFFU) * Million;
+    const std::uint64_t high = (fraction >> 32U) * Million + (low >> 32U);
+    const std::uint64_t left = (high & 0x7FFFFFFFU) << 32U | (low & 0xFFFFFFFFU);
+    number.millionths = static_cast<std::uint32_t>(high >> 31U);
+    if (left > Half || (left == Half && number.millionths % 2 == 1)) ++number.millionths;
+    if (number.millionths == Million) number = {number.whole + 1, 0};
+    return true;
+}
+
+/// Writes the two last digits of `number`.
+void PairWrite(char* text, std::uint32_t number) {
+    text[0] = static_cast<char>('0' + number / 10 % 10);
+    text[1] = static_cast<char>('0' + number % 10);
+}
+
 }  // namespace
 
 char* RealToText(char* first, char* last, double value, int decimals) {
@@ -53,7 +87,19 @@ char* RealToText(char* first, char* last, double value, int decimals) {
 void AppendReal(std::string& text, double value) {
     // The largest double has 309 digits before the point.
     char buffer[352];
-    text.append(buffer, RealToText(buffer, std::end(buffer), value, 6));
+    SixDecimals number;
+    if (!SixDecimalsOf(std::fabs(value), number)) {
+        text.append(buffer, RealToText(buffer, std::end(buffer), value, 6));
+        return;
+    }
+    buffer[0] = '-';
+    char* end = buffer + (std::signbit(value) ? 1 : 0);
+    end = std::to_chars(end, std::end(buffer), number.whole).ptr;
+    end[0] = '.';
+    PairWrite(end + 1, number.millionths / 10000);
+    PairWrite(end + 3, number.millionths / 100);
+    PairWrite(end + 5, number.millionths);
+    text.append(buffer, end + 7);
 }
 
 double RealFromText(std::string_view text) {

@@ -85,7 +85,6 @@ bool HttpConnection::TakeHead() {
               buffer_.begin() + static_cast<std::ptrdiff_t>(end_), buffer_.begin());
     end_ -= begin_;
     begin_ = 0;
-    movedBytes_ = 0;
     LimitTime(rules_.headMilliseconds);
     int refused = GatherHead();
     if (refused == 0) {
@@ -126,7 +125,6 @@ std::size_t HttpConnection::OfBody(const char* bytes, std::size_t size) {
 ssize_t HttpConnection::read(char* bytes, std::size_t size) {
     if (size == 1 && begin_ + 1 < headEnd_) {  // as the library reads a head
         *bytes = buffer_[begin_++];
-        ++movedBytes_;
         return 1;
     }
     if (headEnd_ == 0) {
@@ -144,7 +142,6 @@ ssize_t HttpConnection::read(char* bytes, std::size_t size) {
     if (count == 0) return -1;
     std::memcpy(bytes, buffer_.data() + begin_, count);
     begin_ += count;
-    movedBytes_ += count;
     if (begin_ == headEnd_) {
         headEnd_ = 0;
         begin_ = behindHead_;
@@ -167,13 +164,10 @@ bool HttpConnection::Flush() {
 ssize_t HttpConnection::write(const char* bytes, std::size_t size) {
     if (size > reply_.size() - replyBytes_ && !Flush()) return -1;
     if (size > reply_.size()) {
-        const std::ptrdiff_t written = SocketWrite(Number(socket_), bytes, size, QuietMilliseconds);
-        if (written > 0) movedBytes_ += static_cast<std::size_t>(written);
-        return written;
+        return SocketWrite(Number(socket_), bytes, size, QuietMilliseconds);
     }
     std::memcpy(reply_.data() + replyBytes_, bytes, size);
     replyBytes_ += size;
-    movedBytes_ += size;
     return static_cast<ssize_t>(size);
 }
 

@@ -28,8 +28,6 @@ class HttpConnection : public httplib::Stream {
     bool Flush();
     /// The request was read whole, so that what follows is another one.
     bool RequestTaken() const { return headEnd_ == 0 && BodyTaken(); }
-    /// Bytes that went either way since the request began.
-    std::size_t MovedBytes() const { return movedBytes_; }
     const HttpAddresses& Ends() const { return ends_; }
 
     bool is_readable() const override { return true; }
@@ -62,7 +60,6 @@ class HttpConnection : public httplib::Stream {
     std::size_t behindHead_ = 0;  ///< where what follows it begins
     std::array<char, 16384> reply_{};
     std::size_t replyBytes_ = 0;  ///< of the reply, not yet sent
-    std::size_t movedBytes_ = 0;
     bool timed_ = false;  ///< what comes now must have come by `until_`
     Clock::time_point until_{};
     bool chunked_ = false;

@@ -16,7 +16,7 @@ class HttpConnection;
 /// Refuses a request whose end is in doubt, or whose body is packed, before anything of it is run, and ends
 /// the connection (`transport/http_head.h`). Sends replies whole and as they are, whatever `Range` and
 /// `Accept-Encoding` say. Ends a connection behind a request whose body was left in it. Lets a client go
-/// where the library, out of memory, would end the process, and gives back what large requests took.
+/// where the library, out of memory, would end the process.
 class HttpServer : public LibraryServer {
   public:
     explicit HttpServer(HttpRules rules = {});

@@ -5,7 +5,6 @@
 #include <chrono>
 #include <exception>
 
-#include "platform/memory.h"
 #include "platform/stream_socket.h"
 #include "transport/http_connection.h"
 #include "transport/http_server.h"
@@ -55,13 +54,11 @@ void HttpServer::ServeConnection(socket_t socket) {
     try {
         HttpConnection connection(socket, rules_);
         for (std::size_t left = RequestsPerConnection; left > 0; --left) {
-            const bool goesOn = connection.TakeHead() && Serve(connection, left == 1);
-            MemoryGiveBack(connection.MovedBytes());
-            if (!goesOn) break;
+            if (!connection.TakeHead() || !Serve(connection, left == 1)) break;
         }
         if (!connection.RequestTaken()) linger = LingerMilliseconds;
     } catch (const std::exception&) {
-        MemoryGiveBack(LargeBytes);  // there was not memory enough
+        // Out of memory: this connection ends.
     }
     LetGo(static_cast<std::intptr_t>(socket), linger);
 }

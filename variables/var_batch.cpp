@@ -35,27 +35,30 @@ template <typename Append>
 void ListWrite(std::string& reply, SizeType count, Append append) {
     reply = "[";
     for (SizeType position = 0; position < count; ++position) {
-        reply += position == 0 ? "\"" : "\",\"";
+        reply.append("\",\"", position == 0 ? 1 : 3);
         append(position);
     }
     reply += count == 0 ? "]" : "\"]";
 }
 
-}  // namespace
-
-void VarGetByJson(const char* json, std::string& reply) {
+/// Runs `run` on the document that `json` parses to.
+template <typename Run>
+void WithDocument(const char* json, Run run) {
     std::string text(json);
     JsonDocument document;
     JsonParseInPlace(text.data(), document);
+    run(document);
+}
+
+}  // namespace
+
+void VarGetByDocument(const JsonValue& document, std::string& reply) {
     const Value* names = ArrayMember(document, "VarName");
     ListWrite(reply, names == nullptr ? 0 : names->Size(),
               [&](SizeType position) { VarAppendByName(reply, NameOf((*names)[position])); });
 }
 
-void VarSetByJson(const char* json, std::string& reply) {
-    std::string text(json);
-    JsonDocument document;
-    JsonParseInPlace(text.data(), document);
+void VarSetByDocument(const JsonValue& document, std::string& reply) {
     const Value* names = ArrayMember(document, "VarName");
     const Value* values = ArrayMember(document, "VarValue");
     SizeType count = names == nullptr ? 0 : names->Size();
@@ -64,6 +67,14 @@ void VarSetByJson(const char* json, std::string& reply) {
         const char* name = NameOf((*names)[position]);
         reply += values == nullptr ? VarSetByName(name, "") : Write(name, (*values)[position]);
     });
+}
+
+void VarGetByJson(const char* json, std::string& reply) {
+    WithDocument(json, [&reply](const JsonValue& document) { VarGetByDocument(document, reply); });
+}
+
+void VarSetByJson(const char* json, std::string& reply) {
+    WithDocument(json, [&reply](const JsonValue& document) { VarSetByDocument(document, reply); });
 }
 
 }  // namespace vorn

@@ -3,8 +3,14 @@
 #pragma once
 
 #include <string>
+#include <string_view>
+
+#include "text/json.h"
 
 namespace vorn {
+
+/// The name that asks for a batch in the place of a variable's.
+inline constexpr std::string_view BatchName = "json";
 
 /// Reads the variables that the array `VarName` of the JSON object `json`, a NUL-terminated text, names. Sets
 /// `reply` to a list of their texts in that order, each in quotes and as `VarGetByName` gives it, with
@@ -17,5 +23,10 @@ void VarGetByJson(const char* json, std::string& reply);
 /// that is neither string nor number writes nothing and answers "shibai". `reply` is made as above, of what
 /// `VarSetByName` gives.
 void VarSetByJson(const char* json, std::string& reply);
+
+// The same of documents that are parsed already.
+
+void VarGetByDocument(const JsonValue& document, std::string& reply);
+void VarSetByDocument(const JsonValue& document, std::string& reply);
 
 }  // namespace vorn

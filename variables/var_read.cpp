@@ -102,8 +102,6 @@ void VarAppendByName(std::string& reply, const char* name) {
         return;
     }
     const VarPlace place = VarPlaceOf(address);
-    double reals[ArrayEntries] = {};
-    int integers[ArrayEntries] = {};
     switch (address.VarType) {
         case RealVar:
             AppendReal(reply, RealReads[place](address));
@@ -111,14 +109,18 @@ void VarAppendByName(std::string& reply, const char* name) {
         case IntVar:
             reply += std::to_string(IntReads[place](address));
             return;
-        case RealAryVar:
-            RealAryReads[place](address, reals);
-            reply += DoubleAryText(reals);
+        case RealAryVar: {
+            double values[ArrayEntries] = {};
+            RealAryReads[place](address, values);
+            reply += DoubleAryText(values);
             return;
-        case IntAryVar:
-            IntAryReads[place](address, integers);
-            reply += IntAryText(integers);
+        }
+        case IntAryVar: {
+            int values[ArrayEntries] = {};
+            IntAryReads[place](address, values);
+            reply += IntAryText(values);
             return;
+        }
         default:
             reply += "变量类型错误,请联系技术支持";
     }

@@ -2,7 +2,8 @@
 
 import { useComputed, useSignal } from "@preact/signals";
 import { useEffect, useRef } from "preact/hooks";
-import { concerns, entries, type ExchangeRow, isOwnRead, type Row, rowText, withLeft } from "./log";
+import { entries } from "./log";
+import { concerns, type ExchangeRow, isOwnRead, type Row, rowText, withLeft } from "./rows";
 import { current } from "./state";
 import { t } from "./text";
 

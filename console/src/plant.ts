@@ -1,7 +1,7 @@
 // A plant as it is drawn: shapes (devices and nodes), the runs between them, branches and nets.
 
+import { netsOf as groupBranches, passagesOf, type Report, type ReportBranch, type ReportElement } from "../../clients/typescript/src/index";
 import { linkMedia, type Medium, type TypeInfo, typeInfo } from "./catalogue";
-import type { Report, ReportBranch, ReportElement } from "./topology";
 
 export interface Element {
     /** `MOD` or `NOD` and the element's number: how connections, branches and verdicts tell it. */
@@ -106,35 +106,15 @@ function runsOf(steps: readonly Step[], elements: ReadonlyMap<string, Element>):
     return runs;
 }
 
-/** Groups branches that meet at a node, each group under the number of one of its branches. */
-function netNumbers(branches: readonly ReportBranch[]): number[] {
-    const parent = branches.map((_, place) => place);
-    const root = (place: number): number => {
-        let at = place;
-        while (parent[at] !== at) at = parent[at] = parent[parent[at] ?? at] ?? at;
-        return at;
-    };
-    const branchAt = new Map<string, number>();
-    branches.forEach((branch, place) => {
-        for (const end of [branch.Front_InstanceID, branch.Post_InstanceID]) {
-            if (!end.startsWith("NOD")) continue;
-            const other = branchAt.get(end);
-            if (other === undefined) branchAt.set(end, place);
-            else parent[root(place)] = root(other);
-        }
-    });
-    const numbers = new Map<number, number>();
-    return branches.map((_, place) => {
-        const at = root(place);
-        const known = numbers.get(at) ?? numbers.size;
-        numbers.set(at, known);
-        return known;
-    });
+/** The net of each branch. A branch of no net is one of its own, behind the others. */
+function netNumbers(branches: readonly ReportBranch[]): ReadonlyMap<ReportBranch, number> {
+    const { nets, alone } = groupBranches(branches);
+    const groups = [...nets.map((net) => net.branches), ...alone.map((branch) => [branch])];
+    return new Map(groups.flatMap((group, number) => group.map((branch): [ReportBranch, number] => [branch, number])));
 }
 
 function elementKeys(branch: ReportBranch): string[] {
-    const inside = branch.InstanceID_AisleNb.map((entry) => Object.keys(entry)[0] ?? "");
-    return [branch.Front_InstanceID, ...inside, branch.Post_InstanceID];
+    return [branch.Front_InstanceID, ...passagesOf(branch).map(([module]) => module), branch.Post_InstanceID];
 }
 
 function branchesOf(report: Report, runs: readonly Run[]): Branch[] {
@@ -144,7 +124,7 @@ function branchesOf(report: Report, runs: readonly Run[]): Branch[] {
         runBetween.set(ends, [...(runBetween.get(ends) ?? []), run]);
     }
     const nets = netNumbers(report.BranchInfo);
-    return report.BranchInfo.map((branch, place) => {
+    return report.BranchInfo.map((branch) => {
         const row = elementKeys(branch);
         const keys = new Set(row.filter((key) => key !== "None"));
         row.forEach((key, at) => {
@@ -154,7 +134,7 @@ function branchesOf(report: Report, runs: readonly Run[]): Branch[] {
         });
         return {
             number: branch.Branch, front: branch.Front_InstanceID, post: branch.Post_InstanceID,
-            net: nets[place] ?? 0, keys,
+            net: nets.get(branch) ?? 0, keys,
         };
     });
 }

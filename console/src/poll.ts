@@ -2,8 +2,9 @@
 // while the page is hidden.
 
 import { askQuietly, Gone, serviceUp } from "./api";
-import { eventsFetch, type Row } from "./log";
+import { eventsFetch } from "./log";
 import { load, projectsFollow, projectsFound } from "./project";
+import type { Row } from "./rows";
 import { beat, current, inPanels, inView, known, plant, tell, unknownNames, values } from "./state";
 import { t } from "./text";
 

@@ -1,5 +1,6 @@
 // Opening, loading and driving projects.
 
+import { numberIn, reportNumbers, reportRead, verdictRead } from "../../clients/typescript/src/index";
 import { ask, askQuietly, Gone, RawJson, waiting } from "./api";
 import { givenLayout, tidyLayout } from "./layout";
 import { eventsFetch } from "./log";
@@ -9,8 +10,6 @@ import {
     current, known, layingOut, layout, layoutKind, marked, plant, room, selected, tell, unknownNames, values, verdict,
 } from "./state";
 import { t } from "./text";
-import { elementNumbers, type Report, reportRead } from "./topology";
-import { verdictRead } from "./verdict";
 
 const storeKey = "projects";
 
@@ -138,9 +137,7 @@ export async function show(name: string): Promise<void> {
 
 /** An element's number, out of the names of its variables; null where the engine tells none. */
 async function askNumber(project: string, id: string, prefix: string): Promise<number | null> {
-    const text = await askQuietly("VarInfoGet", `${project}_${id}`, "");
-    const found = new RegExp(`"${project}_${prefix}(\\d+)_`).exec(text);
-    return found ? Number(found[1]) : null;
+    return numberIn(await askQuietly("VarInfoGet", `${project}_${id}`, ""), project, prefix);
 }
 
 let loads = 0;
@@ -160,8 +157,7 @@ export async function load(): Promise<void> {
             knownSet(name, openNames.value.includes(name));
             return;
         }
-        const modules = await numbersOf(report.DeviceInfo, "MOD", name);
-        const nodes = await numbersOf(report.NodeInfo, "NOD", name);
+        const { modules, nodes } = await reportNumbers(report, (id, prefix) => askNumber(name, id, prefix));
         if (turn !== loads) return;
         const next = plantOf(name, text, report, modules, nodes);
         if (selected.value !== null && !next.elements.has(selected.value)) select(null);
@@ -170,10 +166,6 @@ export async function load(): Promise<void> {
     } catch (fault) {
         if (!(fault instanceof Gone)) throw fault;
     }
-}
-
-function numbersOf(list: Report["DeviceInfo"], prefix: string, project: string): Promise<number[]> {
-    return elementNumbers(list.map(({ InstanceID }) => InstanceID), prefix, (id) => askNumber(project, id, prefix));
 }
 
 /** Milliseconds before the document's positions stand in for a tidy layout. */

@@ -1,9 +1,8 @@
 // Which projects are open and whether they run, as the host reports it.
 
 import { computed, signal } from "@preact/signals";
+import type { RunState } from "./rows";
 import { current } from "./state";
-
-export type RunState = "running" | "paused" | "stopped";
 
 const states = signal<Readonly<Record<string, RunState>>>({});
 

@@ -1,10 +1,10 @@
 // What the page shows, as signals: components and the drawing follow them.
 
+import type { Verdict } from "../../clients/typescript/src/index";
 import { computed, signal } from "@preact/signals";
 import type { Medium } from "./catalogue";
 import type { Layout } from "./layout";
 import type { Plant } from "./plant";
-import type { Verdict } from "./verdict";
 
 /** A project that the page knows of. */
 export interface Known {

@@ -2,33 +2,10 @@
 
 import assert from "node:assert/strict";
 import { test } from "node:test";
+import { reportRead } from "../../clients/typescript/src/index";
 import { infoRead } from "../src/elementinfo";
-import { concerns, type ExchangeRow, isOwnRead, type Row, rowText } from "../src/log";
+import { concerns, type ExchangeRow, isOwnRead, type Row, rowText } from "../src/rows";
 import { plantOf } from "../src/plant";
-import { elementNumbers, ownNumber, reportRead } from "../src/topology";
-import { verdictRead } from "../src/verdict";
-
-test("element numbers follow gaps and ask little", async () => {
-    const rows: readonly (readonly [ids: string[], numbers: Record<string, number>, expected: number[], questions: number])[] = [
-        [[], {}, [], 0],
-        [["a"], { a: 0 }, [0], 2],
-        [["a", "b", "c", "d"], { a: 0, b: 1, c: 2, d: 3 }, [0, 1, 2, 3], 2],
-        [["a", "b", "c", "d"], { a: 0, b: 2, c: 3, d: 7 }, [0, 2, 3, 7], 4],
-        [["MOD1", "b", "MOD4"], { b: 3 }, [1, 3, 4], 1],
-        [["MOD2", "MOD5"], {}, [2, 5], 0],
-        [["x", "y", "z"], {}, [0, 1, 2], 2],
-    ];
-    for (const [ids, numbers, expected, questions] of rows) {
-        let asked = 0;
-        const found = await elementNumbers(ids, "MOD", (id) => {
-            ++asked;
-            return Promise.resolve(numbers[id] ?? null);
-        });
-        assert.deepEqual(found, expected, ids.join());
-        assert.equal(asked, questions, ids.join());
-    }
-    assert.deepEqual(["MOD0", "MOD12", "MOD012", "NOD1", "MOD", "MOD1x"].map((id) => ownNumber(id, "MOD")), [0, 12, null, null, null, null]);
-});
 
 const device = (id: string, type: string, name: string): string =>
     `{"InstanceID":"${id}","DeviceName":"${name}","VornModuleID":${type},"PositionX":1.0,"PositionZ":2.0,"RoomID":0,"ModelID":""}`;
@@ -55,20 +32,6 @@ test("pipes become runs, branches nets, long type numbers stay whole", () => {
     assert.deepEqual(plant.nets.map(({ medium, keys }) => `${medium} ${[...keys].sort().join()}`),
         ["water LNK2,MOD0,MOD1,NOD0", "refrigerant MOD3"]);
     for (const bad of ["", "none", "[]", "{}", '{"DeviceInfo":[],"NodeInfo":[],"ConnectionInfo":[]}']) assert.equal(reportRead(bad), null, bad);
-});
-
-test("verdicts name their element", () => {
-    const rows: readonly (readonly [string, boolean, string | null, string | null, number | null])[] = [
-        ["OK", true, null, null, null],
-        ["出错啦,此支路号:2不完整,缺少下游链接。尾部的设备和通路,分别是设备(InstanceID) :MOD10,通路号:0,设备VornmoduleID:25092119192771617\n", false, "MOD10", "open", 2],
-        ["出错啦,此节点(InstanceID)所在管网缺少定压装置:NOD3,节点VornmoduleID:3000\n", false, "NOD3", "pressure", null],
-        ["出错啦,此设备(InstanceID):MOD7中,通路号:1所在支路不完整,设备VornmoduleID:1\n", false, "MOD7", "unreached", null],
-        ["项目名称找不到(project Char error)", false, null, "other", null],
-    ];
-    for (const [text, good, key, fault, branch] of rows) {
-        const read = verdictRead(text);
-        assert.deepEqual([read.good, read.key, read.fault, read.branch], [good, key, fault, branch], text);
-    }
 });
 
 test("an element's texts make one table, and unknown ones are shown as they are", () => {

@@ -1,61 +1,18 @@
 // A real host and a real browser for the tests.
 
-import { type ChildProcess, execFileSync, spawn } from "node:child_process";
-import { once } from "node:events";
-import { mkdirSync, mkdtempSync, readFileSync, rmSync } from "node:fs";
-import { tmpdir } from "node:os";
+import { execFileSync } from "node:child_process";
+import { readFileSync } from "node:fs";
 import { join } from "node:path";
 import { type Browser, chromium, type Page } from "playwright-core";
-
-function needed(name: string): string {
-    const value = process.env[name];
-    if (!value) throw new Error(`${name} is not set; tests are run by test.mjs`);
-    return value;
-}
+import { Host as PlainHost, needed } from "../../clients/typescript/test/host";
 
 export const example = (name: string): string => join(needed("VORN_EXAMPLES"), name);
 export const shot = (name: string): string => join(needed("VORN_SHOTS"), `${name}.png`);
 
-/** A host in a folder of its own, which a second one can take over. */
-export class Host {
-    private readonly folder = mkdtempSync(join(tmpdir(), "vorn-console-"));
-    private process: ChildProcess | null = null;
-    api = "";
-    link = "";
-
-    async start(): Promise<void> {
-        mkdirSync(join(this.folder, "work"), { recursive: true });
-        // Started again, the console stands where it stood before.
-        const port = this.link === "" ? [] : ["--console", new URL(this.link).host];
-        const process = spawn(needed("VORN_HOST"), port, { cwd: join(this.folder, "work"), stdio: ["ignore", "pipe", "inherit"] });
-        this.process = process;
-        let output = "";
-        process.stdout.setEncoding("utf8");
-        await new Promise<void>((resolve, reject) => {
-            process.once("exit", () => reject(new Error(`the host has ended: ${output}`)));
-            process.stdout.on("data", (text: string) => {
-                if (output.length < 10000) output += text;
-                const api = /answers on (\S+)/.exec(output)?.[1];
-                const link = /shows its plants at (\S+)/.exec(output)?.[1];
-                if (!api || !link) return;
-                this.api = api;
-                this.link = link;
-                resolve();
-            });
-        });
-    }
-
-    async end(): Promise<void> {
-        const process = this.process;
-        this.process = null;
-        if (!process || process.exitCode !== null) return;
-        process.kill();
-        await once(process, "exit");
-    }
-
-    async remove(): Promise<void> {
-        await this.end();
-        rmSync(this.folder, { recursive: true, force: true });
+/** A host with its console, which a second one can take over. */
+export class Host extends PlainHost {
+    constructor() {
+        super(true);
     }
 
     /** One command, straight to the library. `messages` is JSON. */

@@ -80,6 +80,7 @@ bool SimulationKeptOff() {
 void NameDefine(const std::string& name, const DecodedName& decoded) {
     const std::lock_guard guard(EngineLock());
     TheControl().names[name] = decoded;
+    NextRevision();
 }
 
 bool NameDefined(std::string_view name, DecodedName& decoded) {
@@ -94,6 +95,7 @@ bool NameDefined(std::string_view name, DecodedName& decoded) {
 void EngineReset() {
     const std::lock_guard guard(EngineLock());
     TheControl() = Control();
+    NextRevision();
     for (int slot = 0; slot < SlotCount; ++slot) {
         if (Project* project = ProjectFind(slot)) ProjectFree(*project);
     }

@@ -1,6 +1,7 @@
 #include "standin/plant/friction.h"
 
 #include <cmath>
+#include <numbers>
 
 namespace standin {
 
@@ -11,18 +12,19 @@ constexpr double TurbulentStart = 4000.0;
 constexpr double Exponent = 0.9;
 
 Friction Turbulent(double reynolds, double roughness) {
-    const double smooth = 5.74 / std::pow(reynolds, Exponent);
+    // Two logarithms and an exponential: this is where a large net spends its time.
+    const double smooth = 5.74 * std::exp(-Exponent * std::log(reynolds));
     const double y = roughness / 3.7 + smooth;
-    const double decades = std::log10(y);
-    const double f = 0.25 / (decades * decades);
+    const double logarithm = std::log(y);
+    const double f = 0.25 * std::numbers::ln10 * std::numbers::ln10 / (logarithm * logarithm);
     // df/dRe = -2 f dy / (y ln y), with dy = -0.9 smooth / Re
-    const double slope = 2.0 * f * Exponent * smooth / (reynolds * y * std::log(y));
+    const double slope = 2.0 * f * Exponent * smooth / (reynolds * y * logarithm);
     return {f * reynolds, f + reynolds * slope};
 }
 
 Friction Between(double reynolds, double roughness) {
-    const double smooth = 5.74 / std::pow(TurbulentStart, Exponent);
-    const double ln10 = std::log(10.0);
+    static const double smooth = 5.74 / std::pow(TurbulentStart, Exponent);
+    constexpr double ln10 = std::numbers::ln10;
     const double y2 = roughness / 3.7 + smooth;
     const double y3 = -2.0 / ln10 * std::log(y2);
     const double fa = 1.0 / (y3 * y3);

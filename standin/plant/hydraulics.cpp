@@ -148,6 +148,28 @@ void Hydraulics::FindFluids(const PlantInputs& inputs) {
     }
 }
 
+/// Makes the laws anew of those devices whose items are others than before. True when a law changed.
+bool Hydraulics::UpdateLaws(const PlantInputs& inputs, int net) {
+    NetState& state = At(nets_, net);
+    const bool first = lastItems_.size() != inputs.items.size() || state.fluid != At(fluids_, net);
+    state.fluid = At(fluids_, net);
+    bool changed = first;
+    std::size_t row = 0;
+    for (const int number : At(layout_.nets, net).aisles) {
+        Law& law = state.laws[row++];
+        const Aisle& aisle = At(layout_.aisles, number);
+        const Device& device = At(layout_.devices, aisle.device);
+        const auto items = inputs.items.begin() + device.firstValue;
+        const auto count = static_cast<std::ptrdiff_t>(device.type->items.size());
+        if (!first && std::equal(items, items + count, lastItems_.begin() + device.firstValue)) continue;
+        const Law found = LawOf(inputs, aisle, state.fluid);
+        changed = changed || !(found == law);
+        law = found;
+        At(volumes_, number) = law.volume;
+    }
+    return changed;
+}
+
 void Hydraulics::Solve(const PlantInputs& inputs) {
     unsolved_ = 0;
     FindFluids(inputs);
@@ -156,23 +178,21 @@ void Hydraulics::Solve(const PlantInputs& inputs) {
         NetState& state = At(nets_, number);
         if (net.circuit) Probe(inputs, number);
         if (net.fluid == Fluid::Refrigerant) continue;
-        std::size_t row = 0;
-        for (const int aisle : net.aisles) {
-            const Law& law = state.laws[row++] =
-                LawOf(inputs, At(layout_.aisles, aisle), At(fluids_, number));
-            At(volumes_, aisle) = law.volume;
-        }
-        if (state.solver->Solve(state.laws)) {
+        const bool changed = UpdateLaws(inputs, number);
+        if (state.solved && !changed) continue;
+        state.solved = state.solver->Solve(state.laws);
+        if (state.solved) {
             TakeFlows(number);
             continue;
         }
         ++unsolved_;
-        if (state.told) continue;
-        state.told = true;
+        if (state.reported) continue;
+        state.reported = true;
         const int module = At(layout_.devices, At(layout_.aisles, net.aisles.front()).device).number;
         faults_.push_back("the net of MOD" + std::to_string(module) +
                           " has no solution that 50 steps lead to; it keeps its last values");
     }
+    lastItems_ = inputs.items;
 }
 
 /// Sends a flow of about 1 through a circuit, to see where it goes.

@@ -45,10 +45,13 @@ class Hydraulics {
         std::unique_ptr<NetSolver> solver;
         std::unique_ptr<NetSolver> probe;  ///< of a circuit
         std::vector<Law> laws;
-        bool told = false;
+        Fluid fluid = Fluid::Water;  ///< that `laws` are of
+        bool solved = false;         ///< the flows are those of `laws`
+        bool reported = false;       ///< that it has no solution
     };
 
     Law LawOf(const PlantInputs& inputs, const Aisle& aisle, Fluid fluid) const;
+    bool UpdateLaws(const PlantInputs& inputs, int net);
     void TakeFlows(int net);
     void FindFluids(const PlantInputs& inputs);
     void Probe(const PlantInputs& inputs, int net);
@@ -60,6 +63,7 @@ class Hydraulics {
     std::vector<double> mouthFlows_;
     std::vector<double> pressures_;
     std::vector<Fluid> fluids_;  ///< by net
+    std::vector<double> lastItems_;
     std::vector<double> volumes_;
     std::vector<char> driven_;
     std::vector<double> wetted_;

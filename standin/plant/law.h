@@ -21,6 +21,8 @@ struct Law {
     double roughness = 0.0;  ///< over the diameter
     double usualFlow = 0.5;  ///< kg/s, where a solution begins
     double volume = 0.0;     ///< m3 that it keeps heat in
+
+    bool operator==(const Law&) const = default;
 };
 
 struct Drop {

@@ -29,7 +29,7 @@ struct Script::State {
 
 namespace {
 
-constexpr const char* NoMemory = "script: not enough memory";
+constexpr const char* NoMemory = "not enough memory";
 
 /// Calls what a script reaches, and lets no exception out into Lua's own frames.
 template <typename Function>
@@ -37,7 +37,7 @@ ScriptAccess Guarded(Function function) {
     try {
         return function();
     } catch (const std::exception&) {
-        return ScriptAccess::Ended;
+        return ScriptAccess::NoMemory;
     }
 }
 
@@ -52,7 +52,7 @@ int Refuse(lua_State* lua, ScriptAccess access) {
     const char* name = lua_tostring(lua, 1);
     if (access == ScriptAccess::Unknown) return luaL_error(lua, "there is no variable '%s'", name);
     if (access == ScriptAccess::Array) return luaL_error(lua, "the variable '%s' is no single number", name);
-    return luaL_error(lua, "the run is over");
+    return luaL_error(lua, access == ScriptAccess::NoMemory ? "not enough memory" : "the run is over");
 }
 
 /// The message on top of the stack, which is left empty.
@@ -60,7 +60,7 @@ std::string MessageTake(lua_State* lua) {
     const char* message = lua_type(lua, -1) == LUA_TSTRING ? lua_tostring(lua, -1) : nullptr;
     std::string text = message == nullptr ? "script: a fault without a text" : message;
     lua_settop(lua, 0);
-    return text == "not enough memory" ? NoMemory : text;
+    return text;
 }
 
 int Compile(lua_State* lua, std::string_view text) {
@@ -163,6 +163,8 @@ bool Script::Step(double time, double stepSeconds) {
     lua_pushvalue(lua, 1);
     if (SandboxCall(lua, state_->use, 2) == LUA_OK || state_->ended) return true;
     fault_ = MessageTake(lua);
+    // Lua has no line for this one.
+    if (fault_ == NoMemory) fault_.insert(0, "script: ");
     return false;
 }
 

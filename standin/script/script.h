@@ -27,12 +27,13 @@ inline constexpr std::size_t ScriptStepAllocation = std::size_t{256} << 20;
 
 enum class ScriptAccess {
     Done,
-    Unknown,  ///< no such variable: a fault of the script
-    Array,    ///< the variable is no single number: a fault of the script
-    Ended     ///< the run is over: the script ends here without a fault
+    Unknown,   ///< no such variable: a fault of the script
+    Array,     ///< the variable is no single number: a fault of the script
+    NoMemory,  ///< a fault of the script, too
+    Ended      ///< the run is over: the script ends here without a fault
 };
 
-/// What a script reaches. An exception of one of these is a fault of the script.
+/// What a script reaches. An exception of one of these counts as `NoMemory`.
 struct ScriptHost {
     std::function<ScriptAccess(std::string_view name, double& value)> get;
     /// `value` is any number, also one that is not finite.

@@ -8,13 +8,10 @@ HostProcess::HostProcess(const std::vector<std::string>& arguments, const std::s
     : program_(program) {
     fs::create_directory(folder_.Path() / "work");
     if (program_.empty()) {
-        // On Windows the library lies beside the program; where it is found elsewhere, there is none to copy.
         const fs::path from = ProgramBeside("vorn-host");
         fs::create_directory(folder_.Path() / "bin");
         program_ = (folder_.Path() / "bin" / from.filename()).string();
         fs::copy(from, program_);
-        const fs::path library = from.parent_path() / "VornServer.dll";
-        if (fs::exists(library)) fs::copy(library, folder_.Path() / "bin" / library.filename());
     }
     process_ = std::make_unique<ChildProcess>(program_, arguments, folder_.Path() / "work");
     port_ = std::atoi(WaitFor("http://127.0.0.1:").c_str());

@@ -1,6 +1,6 @@
 // Long lists go to the assistant in pages of a limited size.
 
-import type { Json, JsonObject } from "./wire.js";
+import type { Json, JsonObject } from "../../typescript/src/index.js";
 
 /** The parameters of a tool that gives pages. */
 export const pageProperties: JsonObject = {
@@ -11,6 +11,9 @@ export const pageProperties: JsonObject = {
         description: "The most bytes of the page's entries; one entry comes in any case.",
     },
 };
+
+/** What a page always has. */
+export const pageGives: JsonObject = { total: { type: "integer" }, offset: { type: "integer" }, entries: { type: "array" } };
 
 /** One page: the entries, how many there are in all, and where the next page begins, if there is one. */
 export function page(entries: readonly Json[], args: JsonObject): JsonObject {

@@ -1,43 +1,55 @@
 // Tools for whole plants: make one from a document, judge it, read it.
 
-import { readdirSync, readFileSync } from "node:fs";
+import { readdirSync } from "node:fs";
 import { join } from "node:path";
-import type { Description, Failure } from "./description.js";
-import { piecesOf } from "./description.js";
-import { page, pageProperties } from "./page.js";
-import { branchLine, type Branch, type Device, named, type Names, netsOf, readNames, readReport, type Report } from "./report.js";
-import { checker, inputSchema } from "./schema.js";
-import { type Ask, Refused, ToolError } from "./service.js";
-import type { Kit, Row, Work } from "./tool.js";
-import { isObject, type Json, type JsonObject, readJson, textOf, writeJson } from "./wire.js";
+import {
+    type Json, type JsonObject, named, type Names, netsOf, passagesOf, Refused, type Report, type ReportBranch, type ReportElement, reportNames,
+    reportRead, textOf, type Verdict, verdictRead, writeJson,
+} from "../../typescript/src/index.js";
+import type { Description } from "./description.js";
+import { documentChecker, documentOf, entriesOf } from "./document.js";
+import { page, pageGives, pageProperties } from "./page.js";
+import { type Ask, ToolError } from "./service.js";
+import { writeStartValues } from "./startvalues.js";
+import type { Call, Kit, Row, Work } from "./tool.js";
 
-interface Verdict {
-    readonly failure: Failure;
-    readonly reply: string;
+/** Reads the report of the analysis that was made last. Throws ToolError for one that cannot be read. */
+export async function readReport(ask: Ask, project: string): Promise<Report> {
+    const report = reportRead(await ask("PjtInfoChk", project));
+    if (!report) throw new ToolError("The service's report is none that this tool can read.");
+    return report;
 }
 
-/** Asks for the verdict: null for a complete plant. The report that follows at once is of the same analysis. */
-async function judge(ask: Ask, project: string): Promise<Verdict | null> {
+/** A branch in one line, in the order of its flow. */
+function branchLine(names: Names, branch: ReportBranch): string {
+    const end = (element: string, port: number): string => (element === "None" ? "nothing" : `${named(names, element)} port ${port}`);
+    const through = passagesOf(branch).map(([element, aisle]) => named(names, element) + (aisle === 0 ? "" : ` aisle ${aisle}`));
+    return [end(branch.Front_InstanceID, branch.FrontPort), ...through, end(branch.Post_InstanceID, branch.PostPort)].join(" > ");
+}
+
+interface Meant {
+    readonly meaning: string;
+    readonly todo: string;
+}
+
+/** Asks for the verdict. The report that follows at once is of the same analysis. */
+async function judge(ask: Ask, project: string): Promise<{ verdict: Verdict; meant: Meant | null }> {
     try {
-        await ask("NetAccess", project);
-        return null;
+        return { verdict: verdictRead(await ask("NetAccess", project)), meant: null };
     } catch (error) {
-        if (error instanceof Refused && error.failure.kind === "verdict") return { failure: error.failure, reply: error.reply };
+        if (error instanceof Refused && error.failure.kind === "verdict") return { verdict: verdictRead(error.reply), meant: error.failure };
         throw error;
     }
 }
 
-function explain(verdict: Verdict | null, report: Report, names: Names, description: Description): JsonObject {
-    if (!verdict) return { complete: true };
-    const pieces = piecesOf(verdict.failure.text, verdict.reply) ?? {};
-    const element = pieces["module"] ?? pieces["node"] ?? "";
-    const type = description.catalogue.types.find(({ VornModuleID }) => VornModuleID === pieces["type"]);
-    const branch = report.BranchInfo.find((each) => String(each.Branch) === pieces["branch"]);
+function explain(verdict: Verdict, meant: Meant | null, report: Report, names: Names, description: Description): JsonObject {
+    if (!meant) return { complete: true };
+    const type = description.catalogue.types.find(({ VornModuleID }) => textOf(VornModuleID) === verdict.type);
+    const branch = report.BranchInfo.find((each) => each.Branch === verdict.branch);
     return {
-        complete: false, verdict: verdict.reply.trim(), meaning: verdict.failure.meaning, todo: verdict.failure.todo,
-        element: named(names, element), ...(type ? { type: `${type.DeviceName} (${type.english})`, ports: [...type.ports] } : {}),
-        ...(pieces["aisle"] === undefined ? {} : { aisle: pieces["aisle"] }),
-        ...(pieces["port"] === undefined ? {} : { port: pieces["port"] }),
+        complete: false, verdict: verdict.text, meaning: meant.meaning, todo: meant.todo, element: named(names, verdict.key ?? ""),
+        ...(type ? { type: `${type.DeviceName} (${type.english})`, ports: [...type.ports] } : {}),
+        ...(verdict.aisle === null ? {} : { aisle: verdict.aisle }), ...(verdict.port === null ? {} : { port: verdict.port }),
         ...(branch ? { branch: branchLine(names, branch) } : {}),
     };
 }
@@ -49,10 +61,10 @@ interface Judged {
 }
 
 async function judged({ description }: Kit, ask: Ask, project: string): Promise<Judged> {
-    const verdict = await judge(ask, project);
+    const { verdict, meant } = await judge(ask, project);
     const report = await readReport(ask, project);
-    const names = await readNames(ask, project, report);
-    return { verdict: explain(verdict, report, names, description), report, names };
+    const { names } = await reportNames(ask, project, report);
+    return { verdict: explain(verdict, meant, report, names, description), report, names };
 }
 
 function counts(report: Report): JsonObject {
@@ -67,23 +79,6 @@ const check: Work = (kit, args) => kit.service.together(async (ask) => {
     return { ...verdict, ...counts(report) };
 });
 
-/** The document that the arguments give: as an object, as a text, or as the name of an example. */
-function documentOf({ description }: Kit, args: JsonObject): JsonObject {
-    const given = ["document", "example"].filter((name) => name in args);
-    if (given.length !== 1) throw new ToolError("Give either document or example.");
-    let document = args["document"];
-    if (typeof args["example"] === "string") {
-        document = readFileSync(join(description.root, "examples", `${args["example"]}.json`), "utf8");
-    }
-    try {
-        if (typeof document === "string") document = readJson(document);
-    } catch (error) {
-        throw new ToolError(`The document is no JSON: ${String(error)}`);
-    }
-    if (!isObject(document)) throw new ToolError("The document is no JSON object.");
-    return document;
-}
-
 /** The first of a list, with how many more there are. */
 function first(list: readonly string[], most: number): Json[] {
     return list.length > most ? [...list.slice(0, most), `and ${list.length - most} more`] : [...list];
@@ -95,14 +90,14 @@ const mostNames = 12;
 /** What of a document is not in the plant that was made from it, told by identities. */
 function leftOut(document: JsonObject, report: Report, names: Names): JsonObject {
     const there = new Set([...report.DeviceInfo, ...report.NodeInfo].map(({ InstanceID }) => InstanceID));
-    const identities = (list: Json | undefined, member: string): string[] => (Array.isArray(list) ? list : [])
-        .map((each) => (isObject(each) ? textOf(each[member]) : "")).filter((name) => name !== "");
+    const identities = (list: "DeviceInfo" | "ConnectionInfo", member: string): string[] =>
+        entriesOf(document, list).map((each) => textOf(each[member])).filter((name) => name !== "");
     const missing = (name: string): boolean => !there.has(name);
-    const devices = identities(document["DeviceInfo"], "InstanceID").filter(missing);
-    const pipes = identities(document["ConnectionInfo"], "ConnectionID");
+    const devices = identities("DeviceInfo", "InstanceID").filter(missing);
+    const pipes = identities("ConnectionInfo", "ConnectionID");
     const connections = pipes.filter(missing);
     const numbers = new Map([...names].map(([number, name]) => [name, number]));
-    const linked = (member: string): Set<Json | undefined> => new Set(report.ConnectionInfo.map((link) => link[member]));
+    const linked = (member: "F_InstanceID" | "S_InstanceID"): Set<string> => new Set(report.ConnectionInfo.map((link) => link[member]));
     const [starts, ends] = [linked("S_InstanceID"), linked("F_InstanceID")];
     const looseEnds = pipes.filter((name) => !missing(name)).flatMap((name) => {
         const number = numbers.get(name) ?? name;
@@ -119,34 +114,60 @@ function leftOut(document: JsonObject, report: Report, names: Names): JsonObject
 }
 
 function makePlant(description: Description): Row {
-    const command = description.commands.get("PjtSent");
-    if (!command) throw new Error("the description has no PjtSent");
-    const schema = inputSchema(description, command);
-    const documentFaults = checker({ ...schema["properties"] as JsonObject, ...schema, required: ["document"] });
+    const checkDocument = documentChecker(description);
     const examples = readdirSync(join(description.root, "examples")).filter((name) => name.endsWith(".json"));
-    const { document } = schema["properties"] as JsonObject;
-    const work: Work = async (kit, args) => {
-        const project = textOf(args["project"]);
-        const content = documentOf(kit, args);
-        const faults = documentFaults({ project, document: content });
-        if (faults !== "") throw new ToolError(`The document does not fit its schema:\n${faults}`);
-        return kit.service.together(async (ask) => {
-            if ((await ask("Fdp", project)) !== "1") await ask("Create", project);
-            await ask("PjtSent", project, writeJson(content, kit.description.spelling));
-            const { verdict, report, names } = await judged(kit, ask, project);
-            return { made: true, ...verdict, ...counts(report), ...leftOut(content, report, names) };
-        });
+    const work: Work = async (kit, args, call) => {
+        const content = documentOf(description, args);
+        checkDocument(content);
+        return kit.service.together((ask) => makeFrom(kit, ask, content, args, call));
     };
     return {
-        name: "make_plant", uses: ["PjtSent", "Create", "Fdp", "NetAccess", "PjtInfoChk"], title: "Make a plant from a document", idempotent: true,
-        text: "Makes the project, if it is not open, sends the document, judges the plant and tells what was left out. "
-            + "This is the way to make or change a plant; a stored plant of the same name is replaced.",
+        name: "make_plant", uses: ["PjtSent", "Create", "Fdp", "NetAccess", "PjtInfoChk", "VarCacheSet", "LuaSent"],
+        idempotent: true, whole: true, hides: ["document"], required: [],
+        text: "Makes the project, if it is not open, replaces it by the document and stores it, writes start values and the script, judges the "
+            + "plant and tells what was left out. This is the way to make or change a plant. A document that the service would refuse or change is "
+            + "refused with its faults before anything is sent. Start values are not part of what is stored: give them each time.",
         also: {
-            document: { ...document as JsonObject, type: ["object", "string"], description: "The project document, or its JSON text." },
+            document: {
+                type: ["object", "string"],
+                description: `The project document, or its JSON text: vorn://schemas/project_document.schema.json. VornModuleID as a text of digits.`,
+            },
             example: { enum: examples.map((name) => name.replace(".json", "")), description: "In its place: an example plant." },
+            startValues: {
+                type: "object", additionalProperties: { type: "object", additionalProperties: { type: "number" } },
+                description: 'What a run begins with, by InstanceID or type (pump): {"pump": {"Power": 3}, "evaporator 1": {"Area": 20}}. The InstanceID wins.',
+            },
+            script: { type: "string", description: "A Lua script that runs before each step." },
         },
+        gives: { made: { type: "boolean" }, complete: { type: "boolean" } },
         work,
     };
+}
+
+/** Sends a document that was checked. A project that was made for it is closed again where the service refuses. */
+async function makeFrom(kit: Kit, ask: Ask, content: JsonObject, args: JsonObject, call: Call): Promise<JsonObject> {
+    const project = textOf(args["project"]);
+    const steps = 4;
+    const opened = (await ask("Fdp", project)) !== "1";
+    if (opened) await ask("Create", project);
+    try {
+        call.progress(1, steps, "The document is sent.");
+        await ask("PjtSent", project, writeJson(content, kit.description.spelling));
+        call.progress(2, steps, "Start values are written.");
+        const written = await writeStartValues(kit, ask, project, content, args["startValues"]);
+        const script = args["script"];
+        if (typeof script === "string") await ask("LuaSent", project, JSON.stringify(script));
+        call.progress(3, steps, "The plant is judged.");
+        const { verdict, report, names } = await judged(kit, ask, project);
+        call.progress(steps, steps, "It is made.");
+        return { made: true, ...verdict, ...counts(report), ...written, ...leftOut(content, report, names) };
+    } catch (error) {
+        if (opened) await ask("PjtClose", project);
+        if (error instanceof Refused || error instanceof ToolError) {
+            throw new ToolError(`${error.message}\n${opened ? "The project was closed again." : "The project stays open."}`);
+        }
+        throw error;
+    }
 }
 
 const parts = { devices: "DeviceInfo", nodes: "NodeInfo", connections: "ConnectionInfo", branches: "BranchInfo" } as const;
@@ -156,11 +177,11 @@ const readTopology: Work = async ({ service }, args) => {
     const part = args["part"] as keyof typeof parts;
     const { list, names } = await service.together(async (ask) => {
         const report = await readReport(ask, project);
-        return { list: report[parts[part]] as readonly JsonObject[], names: await readNames(ask, project, report) };
+        return { list: report[parts[part]] as unknown as readonly JsonObject[], names: (await reportNames(ask, project, report)).names };
     });
     const contains = typeof args["contains"] === "string" ? args["contains"] : "";
     const lines = part === "branches"
-        ? (list as readonly Branch[]).map((branch): Json => ({ branch: branch.Branch, type: branch.Type, flow: branchLine(names, branch) }))
+        ? (list as unknown as readonly ReportBranch[]).map((branch): Json => ({ branch: branch.Branch, type: branch.Type, flow: branchLine(names, branch) }))
         : list.map((entry): Json => namedEntry(entry, names));
     return page(lines.filter((line) => JSON.stringify(line).includes(contains)), args);
 };
@@ -171,11 +192,11 @@ function namedEntry(entry: JsonObject, names: Names): JsonObject {
     return { ...entry, ...Object.fromEntries(ends.map((member) => [member, named(names, textOf(entry[member]))])) };
 }
 
-function countTypes(devices: readonly Device[], description: Description): JsonObject {
-    const english = new Map(description.catalogue.types.map((type) => [type.VornModuleID, type.english]));
+function countTypes(devices: readonly ReportElement[], description: Description): JsonObject {
+    const english = new Map(description.catalogue.types.map((type) => [textOf(type.VornModuleID), type.english]));
     const found = new Map<string, number>();
     for (const { VornModuleID } of devices) {
-        const type = english.get(String(VornModuleID)) ?? String(VornModuleID);
+        const type = english.get(VornModuleID) ?? VornModuleID;
         found.set(type, (found.get(type) ?? 0) + 1);
     }
     return Object.fromEntries(found);
@@ -201,19 +222,19 @@ export function plantRows(description: Description): Row[] {
     return [
         makePlant(description),
         {
-            name: "check_plant", uses: ["NetAccess", "PjtInfoChk", "VarInfoGet"], idempotent: true, work: check,
+            name: "check_plant", uses: ["NetAccess", "PjtInfoChk", "VarInfoGet"], idempotent: true, work: check, whole: true, gives: { complete: { type: "boolean" } },
             text: "Tells whether the plant is complete, and explains the first fault: its element, its branch, and what to do.",
         },
         {
-            name: "plant_summary", uses: ["NetAccess", "PjtInfoChk", "VarInfoGet"], idempotent: true, work: summarize, whole: true,
-            title: "Summarize a plant by net and branch",
+            name: "plant_summary", uses: ["NetAccess", "PjtInfoChk", "VarInfoGet"], idempotent: true, work: summarize, whole: true, gives: { complete: { type: "boolean" }, nets: { type: "array" }, branchesByNet: { type: "object" } },
+           
             also: { net: { type: "integer", minimum: 0, description: "Only the branches of this net." }, ...pageProperties },
             text: "The verdict, the numbers of elements, the modules by type, of each net its nodes and the modules at which it ends, and the "
                 + "branches net by net, each as one line in the order of the flow. Loops between modules and information belong to no net. "
                 + "Branches come in pages: go on with offset = next.",
         },
         {
-            name: "read_topology", uses: ["PjtInfoChk", "VarInfoGet"], idempotent: true, work: readTopology,
+            name: "read_topology", uses: ["PjtInfoChk", "VarInfoGet"], idempotent: true, work: readTopology, whole: true, gives: pageGives,
             text: "Reads one part of the topology, page by page: go on with offset = next.",
             required: ["part"],
             also: {

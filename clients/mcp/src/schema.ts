@@ -2,7 +2,7 @@
 
 import { Ajv2020, type ErrorObject, type ValidateFunction } from "ajv/dist/2020.js";
 import { type Command, type Description, isLongInteger } from "./description.js";
-import { isObject, type Json, type JsonObject, textOf, without } from "./wire.js";
+import { isObject, type Json, type JsonObject, textOf, without } from "../../typescript/src/index.js";
 
 const longInteger: JsonObject = {
     anyOf: [
@@ -12,18 +12,36 @@ const longInteger: JsonObject = {
 };
 const asText = "Write it as a text of digits: a JSON number of more than 15 digits loses its last ones.";
 
+/** Members of a schema that say nothing to an assistant, or that `writeJson` takes care of. */
+const unsaid = ["x-written", "x-wrongType", "x-unit", "x-maxBytes"];
+const widest = [
+    ["minimum", -2147483648], ["maximum", 2147483647], ["minimum", Number.MIN_SAFE_INTEGER], ["maximum", Number.MAX_SAFE_INTEGER],
+] as const;
+const checkedOnly = ["pattern", "minLength"];
+
 /** A schema for assistants: long integers as texts, and nothing said of how numbers are spelled, which `writeJson` does. */
-function forAssistants(value: Json): Json {
+export function forAssistants(value: Json): Json {
     if (Array.isArray(value)) return value.map(forAssistants);
     if (!isObject(value)) return value;
-    const entries = Object.entries(without(value, ["x-written", "x-wrongType"]));
+    const entries = Object.entries(without(value, unsaid));
     const mapped: JsonObject = Object.fromEntries(entries.map(([name, each]) => [name, forAssistants(each)]));
     if ("x-written" in value && typeof value["description"] === "string") {
         mapped["description"] = value["description"].replace(/\. .*/s, ".");
     }
+    const unit = value["x-unit"];
+    if (typeof unit === "string" && typeof mapped["description"] === "string") mapped["description"] += ` In ${unit}.`;
     if (!isLongInteger(value)) return mapped;
     const rest = without(mapped, ["type", "minimum", "maximum", "default"]);
-    return { ...rest, ...longInteger, description: `${textOf(rest["description"])} ${asText}` };
+    return { ...rest, ...longInteger, description: `${textOf(rest["description"]).replace(/ An identity above.*/s, "")} ${asText}` };
+}
+
+/** A tool's schema as it is listed: without limits that any number keeps, and without what the check alone needs. */
+export function listedSchema(value: Json): Json {
+    if (Array.isArray(value)) return value.map(listedSchema);
+    if (!isObject(value)) return value;
+    const kept = Object.entries(value).filter(([name, each]) => !(checkedOnly.includes(name) && !isObject(each)) && !widest.some(([limit, most]) => limit === name && each === most)
+        && !(name === "additionalProperties" && each === false) && !(name === "required" && Array.isArray(each) && each.length === 0));
+    return Object.fromEntries(kept.map(([name, each]) => [name, listedSchema(each)]));
 }
 
 const projectName: JsonObject = { type: "string", pattern: "^[A-Za-z0-9]{1,64}$" };
@@ -32,8 +50,8 @@ const projectName: JsonObject = { type: "string", pattern: "^[A-Za-z0-9]{1,64}$"
 function targetProperties(description: Description, command: Command): JsonObject {
     const target = description.interface.targets[command.target];
     const texts: Record<string, string> = {
-        project: "The project: 1 to 64 letters and digits of ASCII.",
-        element: "The element: MOD, NOD, JMP or LNK with its number, or the InstanceID that the project document gave it.",
+        project: "Its name.",
+        element: "As MOD7, NOD0 or LNK3, or its InstanceID.",
     };
     const properties = (target?.parameters ?? []).map((name): [string, Json] => [name, {
         ...(name === "project" ? projectName : { type: "string", minLength: 1 }), description: texts[name] ?? target?.text ?? "",

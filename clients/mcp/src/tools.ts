@@ -1,11 +1,13 @@
 // The table of all tools.
 
-import { commandOf, type Description } from "./description.js";
-import { plantRows } from "./plant.js";
+import type { Description } from "./description.js";
+import { plantRows, readReport } from "./plant.js";
 import { ToolError } from "./service.js";
-import { type Content, type Row, type Tool, toolOf, type Work } from "./tool.js";
+import { explainRow } from "./explain.js";
+import { rowsOf } from "./startvalues.js";
+import { type Row, sends, type Shown, type Tool, toolOf, type Work } from "./tool.js";
 import { valueRows } from "./values.js";
-import { type Json, type JsonObject, readJson, textOf } from "./wire.js";
+import { commandOf, type Json, type JsonObject, readJson, textOf } from "../../typescript/src/index.js";
 
 const status: Work = async ({ service }, args) => {
     const address = await service.address();
@@ -15,41 +17,60 @@ const status: Work = async ({ service }, args) => {
 
 const moduleTypes: Work = ({ description: { catalogue } }, args) => {
     const wanted = textOf(args["contains"]).toLowerCase();
-    const types = catalogue.types.filter((type) => [type.VornModuleID, type.DeviceName, type.english].some((text) => text.toLowerCase().includes(wanted)));
+    const types = catalogue.types.filter((type) => [type.VornModuleID, type.DeviceName, type.english].some((text) => textOf(text).toLowerCase().includes(wanted)));
     const used = new Set(types.flatMap(({ items }) => items));
     return Promise.resolve({
-        types: types as unknown as Json, items: Object.fromEntries(Object.entries(catalogue.items).filter(([item]) => used.has(item))),
+        types: types.map((type) => ({ ...type, VornModuleID: textOf(type.VornModuleID) })) as unknown as Json, items: Object.fromEntries(Object.entries(catalogue.items).filter(([item]) => used.has(item))),
         nodes: [...catalogue.nodes], portValues: catalogue.portValues, projectVariables: catalogue.projectVariables,
     });
 };
 
-const step: Work = ({ service }, args) => service.together(async (ask) => {
+const step: Work = ({ service }, args, { progress, signal }) => service.together(async (ask) => {
     const count = Number(args["count"] ?? 1);
-    for (let each = 0; each < count; ++each) await ask("PjtStep", textOf(args["project"]));
-    return `OK: ${count} steps are asked for.`;
+    let asked = 0;
+    for (; asked < count && !signal.aborted; ++asked) {
+        await ask("PjtStep", textOf(args["project"]));
+        progress(asked + 1, count, "A step is asked for.");
+    }
+    return { asked };
 });
 
-const picture: Work = async ({ service }, args): Promise<Content> => {
+/** Whether there is such an element: the service says OK to the deletion of one that is not there, too. */
+const deleteElement: Work = async (kit, args, call) => {
+    const [project, element] = [textOf(args["project"]), textOf(args["element"])];
+    const there = await kit.service.together(async (ask) => {
+        if (/^LNK\d+$/.test(element)) return (await readReport(ask, project)).ConnectionInfo.some(({ InstanceID }) => InstanceID === element);
+        return !/^(MOD|NOD)\d+$/.test(element) || rowsOf(await ask("VarInfoGet", `${project}_${element}`)).length > 0;
+    });
+    return there ? { deleted: true, ...await sends("DeleteMNL")(kit, args, call) as object } : { deleted: false, reply: "", meaning: `There was no ${element}.` };
+};
+
+const picture: Work = async ({ service }, args): Promise<Shown> => {
     const project = textOf(args["project"]);
     const chart = args["of"] === "run";
     const most = Number(args["maxBytes"] ?? 200000);
     const text = await service.ask(chart ? "PjtChartGet" : "PjtPngGet", project);
     const bytes = Buffer.byteLength(text);
     if (bytes > most) throw new ToolError(`The picture has ${bytes} bytes, more than maxBytes ${most}. plant_summary tells the plant in words.`);
-    const uri = `vorn://pictures/${project}/${chart ? "run" : "drawing"}.svg`;
-    return [{ type: "resource", resource: { uri, mimeType: "image/svg+xml", text } }];
+    const mimeType = "image/svg+xml";
+    const result = { mimeType, bytes };
+    if (args["as"] === "text") {
+        return { result, content: [{ type: "resource", resource: { uri: `vorn://pictures/${project}/${chart ? "run" : "drawing"}.svg`, mimeType, text } }] };
+    }
+    return { result, content: [{ type: "image", data: Buffer.from(text).toString("base64"), mimeType }] };
 };
 
 const maxBytes: JsonObject = { type: "integer", minimum: 1000, maximum: 2000000, default: 200000, description: "The most bytes to give." };
 
 const rows: readonly Row[] = [
     {
-        name: "status", uses: ["Fdp"], title: "Look for the service", whole: true, required: [], work: status,
+        name: "status", uses: ["Fdp"], whole: true, required: [], work: status, gives: { address: { type: "string" } },
         text: "Tells the address of the running service and, with project, whether that project is open. Ask it first.",
-        also: { project: { type: "string", pattern: "^[A-Za-z0-9]{1,64}$", description: "A project's name." } },
+        also: { project: { type: "string", pattern: "^[A-Za-z0-9]{1,64}$", description: "Its name." } },
     },
     {
-        name: "module_types", uses: [], title: "Look into the catalogue of module types", whole: true, work: moduleTypes, idempotent: true,
+        name: "module_types", uses: [], whole: true, work: moduleTypes, idempotent: true,
+        gives: { types: { type: "array" }, items: { type: "object" }, nodes: { type: "array" } },
         text: "The types of modules with their VornModuleID, ports (direction, aisle) and items with units; node kinds; what the values of "
             + "ports and the project's variables mean. Needed to write a project document. Of the stand-in engine.",
         also: { contains: { type: "string", default: "", description: "Only types whose number or name contains this, such as pump." } },
@@ -61,11 +82,11 @@ const rows: readonly Row[] = [
     { name: "add_node", uses: ["AddNode"] },
     { name: "add_link", uses: ["AddLink"] },
     { name: "move_element", uses: ["MoveMN"], text: "Numbers may be whole here: they are sent as the command wants them." },
-    { name: "delete_element", uses: ["DeleteMNL"] },
+    { name: "delete_element", uses: ["DeleteMNL", "VarInfoGet", "PjtInfoChk"], work: deleteElement, gives: { deleted: { type: "boolean" } } },
     { name: "run", uses: ["PjtRun"] },
     { name: "pause", uses: ["PjtPause"] },
     {
-        name: "step", uses: ["PjtStep"], work: step,
+        name: "step", uses: ["PjtStep"], work: step, gives: { asked: { type: "integer" } },
         also: { count: { type: "integer", minimum: 1, maximum: 1000, default: 1, description: "How many steps, one after the other." } },
     },
     { name: "stop", uses: ["PjtStop"] },
@@ -73,15 +94,20 @@ const rows: readonly Row[] = [
     { name: "load_run_values", uses: ["PjtCacheToRun"] },
     {
         name: "performance", uses: ["PjtCerGet"],
-        work: async ({ service }, args) => textOf((readJson(await service.ask("PjtCerGet", textOf(args["project"]))) as JsonObject)["data"]),
+        gives: { text: { type: "string" } },
+        work: async ({ service }, args) => ({ text: textOf((readJson(await service.ask("PjtCerGet", textOf(args["project"]))) as JsonObject)["data"]) }),
     },
     {
-        name: "picture", uses: ["PjtPngGet", "PjtChartGet"], work: picture, title: "Draw a plant or the course of its run", required: ["of"],
-        also: { of: { enum: ["drawing", "run"], description: "The plant's drawing, or the chart of its run." }, maxBytes },
+        name: "picture", uses: ["PjtPngGet", "PjtChartGet"], work: picture, required: ["of"], whole: true,
+        text: "Gives the picture as an image of SVG, or as its text.", gives: { mimeType: { type: "string" }, bytes: { type: "integer" } },
+        also: {
+            of: { enum: ["drawing", "run"], description: "The plant's drawing, or the chart of its run." }, maxBytes,
+            as: { enum: ["image", "text"], default: "image", description: "An image, or the SVG's text." },
+        },
     },
 ];
 
-const allRows = (description: Description): Row[] => [...rows.slice(0, 2), ...plantRows(description), ...rows.slice(2), ...valueRows];
+const allRows = (description: Description): Row[] => [...rows.slice(0, 2), ...plantRows(description), explainRow, ...rows.slice(2), ...valueRows];
 
 /** The description with the names of tools where it tells commands to send, which an assistant cannot. */
 export function inTools(description: Description): Description {

@@ -1,23 +1,15 @@
 // Tools for variables and the values of elements.
 
 import { setTimeout as sleep } from "node:timers/promises";
-import { type Command, commandOf, type Description, entryFailure } from "./description.js";
+import { commandOf, entryFailure, type Json, type JsonObject, readJson, textOf, type Value, valueRead, valueText } from "../../typescript/src/index.js";
+import type { Command, Description } from "./description.js";
 import { ToolError } from "./service.js";
+import { rowsOf, writeStored } from "./startvalues.js";
 import type { Kit, Row, Work } from "./tool.js";
-import { type Json, type JsonObject, readJson, textOf } from "./wire.js";
-
-const numberText = /^[+-]?(\d+\.?\d*|\.\d+)([eE][+-]?\d+)?$/;
-
-/** A value as the service writes it: a number as a number, a list as its numbers. */
-function valueOf(text: string): Json {
-    if (numberText.test(text)) return Number(text);
-    const entries = text.split(",");
-    return entries.length > 1 && entries.every((each) => numberText.test(each)) ? entries.map(Number) : text;
-}
 
 function entryOf(description: Description, command: Command, text: string): Json {
     const failure = entryFailure(description, command, text);
-    return failure ? { failure: text, meaning: failure.meaning } : valueOf(text);
+    return failure ? { failure: text, meaning: failure.meaning } : valueRead(text);
 }
 
 async function readAll({ description, service }: Kit, names: readonly string[]): Promise<JsonObject> {
@@ -28,13 +20,19 @@ async function readAll({ description, service }: Kit, names: readonly string[]):
 
 const namesOf = (args: JsonObject): string[] => args["VarName"] as string[];
 
+function textToWrite(value: Value): string {
+    try {
+        return valueText(value);
+    } catch (error) {
+        throw new ToolError((error as Error).message);
+    }
+}
+
 const write: Work = async (kit, args) => {
     const names = namesOf(args);
     const values = args["VarValue"] as (string | number)[];
     if (names.length !== values.length) throw new ToolError(`VarName has ${names.length} entries and VarValue ${values.length}.`);
-    const wrong = values.find((value) => typeof value === "string" && !value.split(",").every((each) => numberText.test(each.trim())));
-    if (wrong !== undefined) throw new ToolError(`${JSON.stringify(wrong)} is neither a number nor numbers with commas: it would write 0.`);
-    const messages = JSON.stringify({ VarName: names, VarValue: values.map(String) });
+    const messages = JSON.stringify({ VarName: names, VarValue: values.map(textToWrite) });
     const replies = readJson(await kit.service.ask("SetBatch", "json", messages)) as string[];
     const command = commandOf(kit.description, "SetBatch");
     const failed = names.flatMap((name, index): [string, Json][] => {
@@ -44,7 +42,7 @@ const write: Work = async (kit, args) => {
     return { written: names.length - failed.length, ...(failed.length > 0 ? { failed: Object.fromEntries(failed) } : {}), now: await readAll(kit, names) };
 };
 
-const watch: Work = async (kit, args, signal) => {
+const watch: Work = async (kit, args, { signal, progress }) => {
     const names = namesOf(args);
     const samples = Number(args["samples"] ?? 5);
     const every = Number(args["everyMs"] ?? 1000);
@@ -56,16 +54,10 @@ const watch: Work = async (kit, args, signal) => {
         seconds.push((Date.now() - start) / 1000);
         const values = await readAll(kit, names);
         for (const name of Object.keys(series)) series[name]?.push(values[name] ?? null);
+        progress(sample + 1, samples, "Variables are read.");
     }
     return { seconds, values: series };
 };
-
-interface Row_ extends JsonObject {
-    Row: number;
-    Item: string;
-}
-
-const rowsOf = (reply: string): JsonObject[] => readJson(reply) as JsonObject[];
 
 const elementValues: Work = ({ description, service }, args) => service.together(async (ask) => {
     const name = `${textOf(args["project"])}_${textOf(args["element"])}`;
@@ -79,18 +71,8 @@ const elementValues: Work = ({ description, service }, args) => service.together
     return { items, ports: Object.fromEntries(ports), portUnits: description.catalogue.portValues };
 });
 
-const setStored: Work = ({ service }, args) => service.together(async (ask) => {
-    const name = `${textOf(args["project"])}_${textOf(args["element"])}`;
-    const row = async (): Promise<Row_> => {
-        const rows = rowsOf(await ask("VarCacheGet", name)) as Row_[];
-        const found = rows.find(({ Item }) => Item === args["item"]);
-        if (found) return found;
-        throw new ToolError(`${name} has no item ${textOf(args["item"])}. It has: ${rows.map(({ Item }) => Item).join(", ") || "none"}.`);
-    };
-    const messages = { Row: (await row()).Row, Column: Number(args["set"]) + 1, Value: textOf(args["value"]) };
-    await ask("VarCacheSet", name, JSON.stringify(messages));
-    return await row();
-});
+const setUnsaved: Work = ({ service }, args) => service.together((ask) =>
+    writeStored(ask, `${textOf(args["project"])}_${textOf(args["element"])}`, textOf(args["item"]), Number(args["set"] ?? 0), Number(args["value"])));
 
 /** The batch's schema holds no number of entries; a reply that an assistant reads has one. */
 const names: JsonObject = {
@@ -102,17 +84,17 @@ const required = ["VarName"];
 
 export const valueRows: readonly Row[] = [
     {
-        name: "read_variables", uses: ["GetBatch"], also: { VarName: names }, required, whole: true,
+        name: "read_variables", uses: ["GetBatch"], also: { VarName: names }, required, whole: true, gives: {},
         text: "Reads the run values of many variables with one request. A name that is not known is told in its place.",
         work: async (kit, args) => readAll(kit, namesOf(args)),
     },
     {
-        name: "write_variables", uses: ["SetBatch"], also: { VarName: names }, required: ["VarName"], work: write,
-        text: "Writes run values and reads them back. A run's start copies cache set 0 over them: use set_stored_value for what a run begins with.",
+        name: "write_variables", uses: ["SetBatch"], also: { VarName: names }, required: ["VarName"], work: write, whole: true, gives: { written: { type: "integer" }, now: { type: "object" } },
+        text: "Writes run values and reads them back. A run's start copies cache set 0 over them: use set_unsaved_value for what a run begins with.",
     },
     {
-        name: "watch_variables", uses: ["GetBatch"], required, whole: true, work: watch,
-        title: "Watch variables for a while", text: "Reads variables several times, at most for a minute, and gives their course.",
+        name: "watch_variables", uses: ["GetBatch"], required, whole: true, work: watch, gives: { seconds: { type: "array" }, values: { type: "object" } },
+        text: "Reads variables several times, at most for a minute, and gives their course.",
         also: {
             VarName: { ...names, maxItems: 50 },
             samples: { type: "integer", minimum: 2, maximum: 60, default: 5, description: "How many readings." },
@@ -120,16 +102,17 @@ export const valueRows: readonly Row[] = [
         },
     },
     {
-        name: "element_values", uses: ["VarInfoGet", "VarCacheGet"], whole: true, work: elementValues, title: "Read all values of an element",
+        name: "element_values", uses: ["VarInfoGet", "VarCacheGet"], whole: true, work: elementValues, gives: { items: { type: "array" }, ports: { type: "object" } },
         text: "The items of a module or node with their variables' names, units, run values and the three cache sets, and the values of its ports.",
     },
     {
-        name: "set_stored_value", uses: ["VarCacheSet", "VarCacheGet"], hides: ["Row", "Column", "Value"], whole: true, work: setStored,
-        title: "Write a stored value of an element", required: ["item", "set", "value"],
-        text: "Writes one item in one cache set, and gives the item's row as it is then. A run begins with set 0.",
+        name: "set_unsaved_value", uses: ["VarCacheSet", "VarCacheGet"], hides: ["Row", "Column", "Value"], whole: true, work: setUnsaved,
+        required: ["item", "value"], gives: { Sets: { type: "array" } },
+        text: "Writes one item in one cache set, and gives the item's row as it is then. A run begins with set 0. The value lasts until "
+            + "close_project: nothing stores it. To have it again, give it to make_plant as a start value.",
         also: {
             item: { type: "string", description: "The item, such as Opening or Power; element_values tells those of an element." },
-            set: { type: "integer", enum: [0, 1, 2], description: "The cache set." },
+            set: { type: "integer", enum: [0, 1, 2], default: 0, description: "The cache set." },
             value: { type: "number", description: "The value, in the item's unit." },
         },
     },
