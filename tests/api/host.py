@@ -17,6 +17,9 @@ from typing import Any
 REPOSITORY = Path(__file__).resolve().parents[2]
 PROGRAM = Path(os.environ.get("VORN_HOST_PROGRAM", REPOSITORY / "build/release/bin/vorn-host"))
 
+# How long a host may take until it serves: on a busy machine, beside a dozen others that look for their pipes.
+SECONDS_AT_MOST = 180
+
 # Whatever the environment says of proxies, the host stands on this machine.
 _OPENER = urllib.request.build_opener(urllib.request.ProxyHandler({}))
 
@@ -37,7 +40,7 @@ class Host:
     def _hear(self) -> None:
         """Waits until the host has told its address and its pipe."""
         assert self._process.stdout is not None
-        watchdog = threading.Timer(30, self._process.kill)
+        watchdog = threading.Timer(SECONDS_AT_MOST, self._process.kill)
         watchdog.start()
         try:
             for line in self._process.stdout:

@@ -70,7 +70,7 @@ LIMITS = [
     ("text/json.h", r"JsonDepthLimit = (\d+)", "| JSON | nested {} deep"),
     ("commands/values.cpp", r"ValueBytes = (\d+)", "| `Value` of the commands that set values | {} bytes |"),
     ("variables/var_write.cpp", r"EntryBytes = (\d+)", "| list variable | 8 entries, {} bytes each |"),
-    ("service/http_service.cpp", r"RequestsPerConnection = (\d+)", "| kept connection | {} requests"),
+    ("transport/http_server_inner.cpp", r"RequestsPerConnection = (\d+)", "| kept connection | {} requests"),
 ]
 
 

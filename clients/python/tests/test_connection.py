@@ -5,12 +5,13 @@ from __future__ import annotations
 import socket
 import threading
 import time
+from pathlib import Path
 from types import TracebackType
 from typing import Any, Callable
 
 import pytest
 
-from vornserver import ConnectionLost, Project, Server, ServiceNotFound, TimeLimit, UnexpectedReply, VornError
+from vornserver import ConnectionLost, Credentials, Project, Server, ServiceNotFound, TimeLimit, UnexpectedReply, VornError
 
 Act = Callable[[Project], Any]
 Answer = Callable[[socket.socket], None]
@@ -38,8 +39,9 @@ def hang_up(client: socket.socket) -> None:
 class FakeService:
     """Gives one answer for each request; `keep` is whether a connection serves more than one."""
 
-    def __init__(self, answers: list[Answer], keep: bool = False) -> None:
+    def __init__(self, answers: list[Answer], keep: bool = False, heard: list[bytes] | None = None) -> None:
         self.requests = 0
+        self._heard = [] if heard is None else heard
         self._answers = answers
         self._keep = keep
         self._listener = socket.create_server(("127.0.0.1", 0))
@@ -59,8 +61,9 @@ class FakeService:
         for answer in self._answers:
             try:
                 client = client or self._listener.accept()[0]
-                while b"}" not in client.recv(65536):  # requests here are small and end with their object
-                    pass
+                self._heard.append(b"")
+                while b"}" not in self._heard[-1]:  # requests here are small and end with their object
+                    self._heard[-1] += client.recv(65536) or b"}"
                 self.requests += 1
                 answer(client)
             except OSError:
@@ -160,6 +163,33 @@ def test_nobody_there() -> None:
 def test_what_is_no_address(address: str) -> None:
     with pytest.raises(ValueError):
         Server(address)
+
+
+@pytest.mark.parametrize(("written", "meant"), [
+    ("https://plant.example:8443/vorn/", "https://plant.example:8443/vorn"), ("https://plant.example", "https://plant.example"),
+    ("http://plant.example/vorn", "http://plant.example:80/vorn"), ("[::1]:33361", "http://[::1]:33361"),
+    ("127.0.0.1", "http://127.0.0.1:33360")])
+def test_addresses(written: str, meant: str) -> None:
+    assert Server(written).address == meant
+
+
+def test_secrets_stay_secret(tmp_path: Path, monkeypatch: pytest.MonkeyPatch) -> None:
+    secret = Credentials("anna", "secret word")
+    assert "secret" not in repr(secret)
+    with pytest.raises(ValueError, match="https"):
+        Server("http://plant.example", credentials=secret)
+    file = tmp_path / "credentials"
+    for mode, text in ((0o644, "user anna\n"), (0o600, "anna secret\n")):
+        file.write_text(text)
+        file.chmod(mode)
+        with pytest.raises(ValueError):
+            Credentials.of_file(file)
+    # Those of the environment are not sent where others could read them.
+    monkeypatch.setenv("VORNSERVER_TOKEN", "abc")
+    heard: list[bytes] = []
+    with FakeService([http(b"7")], heard=heard) as fake, Server(f"http://{fake.address}/vorn") as server:
+        assert read(server.project("PLANT1")) == 7
+    assert heard[0].startswith(b"POST /vorn/api ") and b"abc" not in heard[0]
 
 
 def test_another_program_at_the_port_is_no_service() -> None:

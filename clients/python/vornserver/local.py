@@ -1,15 +1,20 @@
-"""What can be known of a service of this machine without asking it: its version, by the library that it has loaded."""
+"""What can be known of a service of this machine without asking it: its version, by the program that it is."""
 
 from __future__ import annotations
 
+import os
 import re
+import stat
+import subprocess
 from pathlib import Path
 from typing import Iterator
 
 LOCAL_HOSTS = ("127.0.0.1", "localhost", "::1")
 
-_LIBRARY = re.compile(r"/libVornServer\.so\.(\d+\.\d+\.\d+)$", re.MULTILINE)
 LISTENING = "0A"
+SECONDS = 5
+_VERSION = re.compile(r"\d+\.\d+\.\d+")
+_LIBRARY = re.compile(r"/libVornServer\.so\.(\d+\.\d+\.\d+)$", re.MULTILINE)
 
 
 def _sockets(port: int) -> Iterator[str]:
@@ -28,15 +33,31 @@ def local_version(port: int) -> str:
         wanted = set(_sockets(port))
         for process in Path("/proc").iterdir():
             if process.name.isdigit() and _has_open(process, wanted):
-                found = _LIBRARY.search((process / "maps").read_text())
-                return found[1] if found else ""
-    except (OSError, ValueError, IndexError):
+                return _version_of(process)
+    except (OSError, ValueError, IndexError, subprocess.SubprocessError):
         pass
     return ""
 
 
 def _has_open(process: Path, links: set[str]) -> bool:
     try:
-        return any(str(each.readlink()) in links for each in (process / "fd").iterdir())
+        return any(os.readlink(each) in links for each in (process / "fd").iterdir())
     except OSError:  # it has ended, or is another user's
         return False
+
+
+def _version_of(process: Path) -> str:
+    """The version of a host: of `vorn-host` what the program says itself, of another that of its library."""
+    program = Path(os.readlink(process / "exe"))
+    if program.name == "vorn-host" and _is_ours(program):
+        said = subprocess.run([program, "--version"], capture_output=True, text=True, timeout=SECONDS).stdout
+        found = _VERSION.search(said)
+        return found[0] if found else ""
+    loaded = _LIBRARY.search((process / "maps").read_text())
+    return loaded[1] if loaded else ""
+
+
+def _is_ours(program: Path) -> bool:
+    """Whether only this user or the system's administrator can have made the program."""
+    status = program.stat()
+    return status.st_uid in (0, os.getuid()) and not status.st_mode & (stat.S_IWGRP | stat.S_IWOTH)
