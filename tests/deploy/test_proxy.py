@@ -5,6 +5,7 @@ from __future__ import annotations
 import contextlib
 import http.client
 import json
+import os
 import socket
 import ssl
 import subprocess
@@ -14,7 +15,7 @@ from collections.abc import Iterator
 from pathlib import Path
 
 import pytest
-from web import REPOSITORY, await_that, free_port, program, service
+from web import HOST, REPOSITORY, await_that, free_port, program, service
 
 from vornserver import AccessRefused, Credentials, Server, ServiceNotFound
 from vornserver.__main__ import main
@@ -172,3 +173,56 @@ def test_answers_beside_clients_that_drip_and_that_are_idle(proxy: Proxy) -> Non
         # Without the proxy there is no answer in a minute. How fast one comes here is told, and not asserted.
         print(f"answers beside them: median {sorted(waits)[len(waits) // 2] * 1000:.0f} ms, "
               f"longest {max(waits) * 1000:.0f} ms")
+
+
+def environment(proxy: Proxy, password: str = "secret word") -> dict[str, str]:
+    """What tells a client who asks, and whose certificate is good."""
+    given = {"USER": "anna", "PASSWORD": password, "CA_FILE": str(proxy.certificate)}
+    return {**os.environ, **{f"VORNSERVER_{key}": text for key, text in given.items()}}
+
+
+def sent(proxy: Proxy, given: dict[str, str], *options: str) -> tuple[int, str]:
+    """One command of vorn-send through the proxy: its status and what it said."""
+    send = [str(HOST.with_name("vorn-send")), "--address", f"https://localhost:{proxy.port}", *options]
+    done = subprocess.run([*send, "Fdp", "X"], capture_output=True, text=True, env=given, check=False, timeout=60)
+    return done.returncode, done.stdout + done.stderr
+
+
+def test_vorn_send_passes_with_https_and_a_password(proxy: Proxy, tmp_path: Path) -> None:
+    assert sent(proxy, environment(proxy)) == (0, "0\n")
+    assert sent(proxy, environment(proxy, "wrong"))[0] == 1
+    without = {key: text for key, text in os.environ.items() if not key.startswith("VORNSERVER_")}
+    status, said = sent(proxy, without)
+    assert status == 1 and "no answer" in said, "a certificate that nobody vouches for"
+    login = tmp_path / "login"
+    login.write_text("user anna\npassword secret word\n")
+    login.chmod(0o644)
+    options = ("--credentials", str(login), "--ca-file", str(proxy.certificate))
+    assert sent(proxy, without, *options)[0] == 2, "a file that others can read"
+    login.chmod(0o600)
+    assert sent(proxy, without, *options) == (0, "0\n")
+
+
+TOOL_SERVER = HOST.parents[1] / "share/vornserver/mcp/vorn-mcp.mjs"
+
+
+@pytest.mark.skipif(not TOOL_SERVER.exists(), reason="the tool server is not built")
+@pytest.mark.parametrize("password", ["secret word", "wrong"])
+def test_the_tool_server_passes_with_https_and_a_password(proxy: Proxy, password: str) -> None:
+    """The tool server speaks for the TypeScript client too, whose connection it uses."""
+    first = {"protocolVersion": "2025-06-18", "capabilities": {}, "clientInfo": {"name": "test", "version": "1"}}
+    calls = [{"id": 1, "method": "initialize", "params": first}, {"method": "notifications/initialized"},
+             {"id": 2, "method": "tools/call", "params": {"name": "status", "arguments": {"project": "X"}}}]
+    command = ["node", str(TOOL_SERVER), "--address", f"https://localhost:{proxy.port}"]
+    with subprocess.Popen(command, stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True,
+                          env=environment(proxy, password)) as server:
+        assert server.stdin and server.stdout
+        for call in calls:
+            server.stdin.write(json.dumps({"jsonrpc": "2.0", **call}) + "\n")
+            server.stdin.flush()
+        result = next(reply for line in server.stdout if (reply := json.loads(line)).get("id") == 2)["result"]
+        server.terminate()
+    if password == "wrong":
+        assert result["isError"] and "status 401" in result["content"][0]["text"]
+    else:
+        assert result["structuredContent"]["open"] is False

@@ -122,7 +122,7 @@ const explainValues: Work = ({ description, service }, args, { progress }) => se
 export const explainRow: Row = {
     name: "explain_values", uses: ["VarInfoGet", "PjtInfoChk", "GetBatch"], whole: true, work: explainValues,
     idempotent: true, required: [], gives: { findings: { type: "array" }, temperatures: { type: "array" }, project: { type: "object" } },
-    text: "Reads the values of the devices and tells what keeps the plant from working: pumps without power, Area 0, closed valves, circuits "
-        + "without copper, no heat sink, no step made; then the temperatures of rooms and stores. The rules are those of vorn://docs/plant-model.md.",
+    text: "Reads the devices' values and names what keeps the plant from working, such as Area 0, a pump without power or a circuit without "
+        + "copper; then the temperatures of rooms and stores.",
     also: { element: { type: "string", minLength: 1, description: "Only this module: its InstanceID or number." } },
 };

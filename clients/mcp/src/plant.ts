@@ -124,9 +124,8 @@ function makePlant(description: Description): Row {
     return {
         name: "make_plant", uses: ["PjtSent", "Create", "Fdp", "NetAccess", "PjtInfoChk", "VarCacheSet", "LuaSent"],
         idempotent: true, whole: true, hides: ["document"], required: [],
-        text: "Makes the project, if it is not open, replaces it by the document and stores it, writes start values and the script, judges the "
-            + "plant and tells what was left out. This is the way to make or change a plant. A document that the service would refuse or change is "
-            + "refused with its faults before anything is sent. Start values are not part of what is stored: give them each time.",
+        text: "The way to make or change a plant: replaces the project by the document and stores it, writes start values and script, and judges it. "
+            + "A faulty document is refused before anything is sent. Start values are not stored: give them each time.",
         also: {
             document: {
                 type: ["object", "string"],
@@ -229,8 +228,7 @@ export function plantRows(description: Description): Row[] {
             name: "plant_summary", uses: ["NetAccess", "PjtInfoChk", "VarInfoGet"], idempotent: true, work: summarize, whole: true, gives: { complete: { type: "boolean" }, nets: { type: "array" }, branchesByNet: { type: "object" } },
            
             also: { net: { type: "integer", minimum: 0, description: "Only the branches of this net." }, ...pageProperties },
-            text: "The verdict, the numbers of elements, the modules by type, of each net its nodes and the modules at which it ends, and the "
-                + "branches net by net, each as one line in the order of the flow. Loops between modules and information belong to no net. "
+            text: "The verdict, the modules by type, each net's nodes and ends, and the branches net by net, each a line in the order of the flow. "
                 + "Branches come in pages: go on with offset = next.",
         },
         {

@@ -17,7 +17,7 @@ const unsaid = ["x-written", "x-wrongType", "x-unit", "x-maxBytes"];
 const widest = [
     ["minimum", -2147483648], ["maximum", 2147483647], ["minimum", Number.MIN_SAFE_INTEGER], ["maximum", Number.MAX_SAFE_INTEGER],
 ] as const;
-const checkedOnly = ["pattern", "minLength"];
+const checkedOnly = ["pattern", "minLength", "maxLength", "minItems", "maxItems"];
 
 /** A schema for assistants: long integers as texts, and nothing said of how numbers are spelled, which `writeJson` does. */
 export function forAssistants(value: Json): Json {

@@ -113,7 +113,7 @@ export function toolOf(description: Description, row: Row): Tool {
         listed: {
             name: row.name, description: descriptionOf(row, first),
             inputSchema: listedSchema(schema) as unknown as Listed["inputSchema"],
-            outputSchema: { type: "object", properties: gives as Record<string, object>, ...(Object.keys(gives).length > 0 ? { required: Object.keys(gives) } : {}) },
+            outputSchema: { type: "object", properties: gives as Record<string, object>, ...(row.gives && Object.keys(gives).length > 0 ? { required: Object.keys(gives) } : {}) },
             annotations: annotationsOf(used, row),
         },
         faults: checker(schema),
