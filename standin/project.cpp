@@ -174,9 +174,11 @@ void ProjectEmpty(Project& project) {
 
 void TypesPublish(const Project& project) {
     const std::vector<Module>& modules = project.modules.rows;
-    for (int number = 0; number < ModuleCapacity; ++number) {
+    const int slot = SlotOf(project);
+    for (int number = 0; slot >= 0 && number < ModuleCapacity; ++number) {
         const bool inUse = number < static_cast<int>(modules.size()) && modules[number].inUse;
-        TypePublish(project, number, inUse ? ModuleTypeFind(modules[number].type) : nullptr);
+        publishedTypes[slot][number].store(inUse ? ModuleTypeFind(modules[number].type) : nullptr,
+                                           std::memory_order_relaxed);
     }
 }
 
