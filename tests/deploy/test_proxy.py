@@ -211,7 +211,7 @@ TOOL_SERVER = HOST.parents[1] / "share/vornserver/mcp/vorn-mcp.mjs"
 def test_the_tool_server_passes_with_https_and_a_password(proxy: Proxy, password: str) -> None:
     """The tool server speaks for the TypeScript client too, whose connection it uses."""
     first = {"protocolVersion": "2025-06-18", "capabilities": {}, "clientInfo": {"name": "test", "version": "1"}}
-    calls = [{"id": 1, "method": "initialize", "params": first}, {"method": "notifications/initialized"},
+    calls: list[dict[str, object]] = [{"id": 1, "method": "initialize", "params": first}, {"method": "notifications/initialized"},
              {"id": 2, "method": "tools/call", "params": {"name": "status", "arguments": {"project": "X"}}}]
     command = ["node", str(TOOL_SERVER), "--address", f"https://localhost:{proxy.port}"]
     with subprocess.Popen(command, stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True,
