@@ -38,11 +38,13 @@ if [ "$full" = yes ]; then
     git ls-files '*.cpp' ':!tests' ':!bench' ':!examples' ':!*/windows/*' | xargs -P "$(nproc)" -n 4 clang-tidy -p build/release --quiet 2>/dev/null \
         || fail "the lint check"
     mypy || fail "the types of the Python code"
-    if npm --prefix clients/mcp ci --no-progress >/dev/null 2>&1; then
-        npm --prefix clients/mcp run --silent check || fail "the types and style of the tool server"
-    else
-        say "tool server: types and style not checked: npm could not fetch the tools"
-    fi
+    for part in typescript mcp; do
+        if npm --prefix "clients/$part" ci --no-progress >/dev/null 2>&1; then
+            npm --prefix "clients/$part" run --silent check || fail "the types and style of clients/$part"
+        else
+            say "clients/$part: types and style not checked: npm could not fetch the tools"
+        fi
+    done
     scripts/windows.sh --lint || exit 1
     run_preset asan
     # Under ThreadSanitizer only the tests with threads are worth their time.

@@ -60,7 +60,7 @@ const picture: Work = async ({ service }, args): Promise<Shown> => {
     return { result, content: [{ type: "image", data: Buffer.from(text).toString("base64"), mimeType }] };
 };
 
-const maxBytes: JsonObject = { type: "integer", minimum: 1000, maximum: 2000000, default: 200000, description: "The most bytes to give." };
+const maxBytes: JsonObject = { type: "integer", minimum: 1000, maximum: 2000000, default: 200000, description: "The most bytes." };
 
 const rows: readonly Row[] = [
     {
@@ -71,8 +71,7 @@ const rows: readonly Row[] = [
     {
         name: "module_types", uses: [], whole: true, work: moduleTypes, idempotent: true,
         gives: { types: { type: "array" }, items: { type: "object" }, nodes: { type: "array" } },
-        text: "The types of modules with their VornModuleID, ports (direction, aisle) and items with units; node kinds; what the values of "
-            + "ports and the project's variables mean. Needed to write a project document. Of the stand-in engine.",
+        text: "Types with VornModuleID, ports, items and units; node kinds; the project's variables. Of the stand-in engine.",
         also: { contains: { type: "string", default: "", description: "Only types whose number or name contains this, such as pump." } },
     },
     { name: "create_project", uses: ["Create"] },
