@@ -65,7 +65,7 @@ const maxBytes: JsonObject = { type: "integer", minimum: 1000, maximum: 2000000,
 const rows: readonly Row[] = [
     {
         name: "status", uses: ["Fdp"], whole: true, required: [], work: status, gives: { address: { type: "string" } },
-        text: "Tells the address of the running service and, with project, whether that project is open. Ask it first.",
+        text: "The service's address and, with project, whether it is open. Ask first.",
         also: { project: { type: "string", pattern: "^[A-Za-z0-9]{1,64}$", description: "Its name." } },
     },
     {
