@@ -71,8 +71,8 @@ const rows: readonly Row[] = [
     {
         name: "module_types", uses: [], whole: true, work: moduleTypes, idempotent: true,
         gives: { types: { type: "array" }, items: { type: "object" }, nodes: { type: "array" } },
-        text: "Types with VornModuleID, ports, items and units; node kinds; the project's variables. Of the stand-in engine.",
-        also: { contains: { type: "string", default: "", description: "Only types whose number or name contains this, such as pump." } },
+        text: "Types with VornModuleID, ports, items and units; node kinds; the project's variables.",
+        also: { contains: { type: "string", default: "", description: "Only types whose number or name contains this." } },
     },
     { name: "create_project", uses: ["Create"] },
     { name: "open_project", uses: ["Open"] },
