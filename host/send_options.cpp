@@ -16,7 +16,7 @@ constexpr const char* Footer =
     "  vorn-send PjtPngGet PLANT1 > plant.svg           save a picture\n"
     "  vorn-send --pipe Fdp PLANT1                      ask over the named pipe\n"
     "\n"
-    "  vorn-send --address https://plant.example/vorn --credentials login Get PLANT1_GTemp\n"
+    "  vorn-send --address http://plant.example/vorn Get PLANT1_GTemp            another machine\n"
     "\n"
     "What stands behind -- is no option. The exit status is 0 when the command was carried out, 1 when\n"
     "no reply came, 2 for a command line that cannot be read, and 3 when the service refused.\n"

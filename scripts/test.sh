@@ -51,16 +51,14 @@ if [ "$full" = yes ]; then
         || fail "the lint check"
     stage "types and the tool server's style"
     mypy || fail "the types of the Python code"
-    if npm --prefix tests/api/schemas ci --no-progress >/dev/null 2>&1; then
-        npm --prefix tests/api/schemas run --silent test || fail "the schemas under a strict validator"
-    else
-        say "schemas: not checked by the strict validator: npm could not fetch it"
-    fi
-    if npm --prefix clients/mcp ci --no-progress >/dev/null 2>&1; then
-        npm --prefix clients/mcp run --silent check || fail "the types and style of the tool server"
-    else
-        say "tool server: types and style not checked: npm could not fetch the tools"
-    fi
+    for part in "tests/api/schemas test" "clients/typescript check" "clients/mcp check"; do
+        read -r folder script <<<"$part"
+        if npm --prefix "$folder" ci --no-progress >/dev/null 2>&1; then
+            npm --prefix "$folder" run --silent "$script" || fail "npm run $script in $folder"
+        else
+            say "$folder: not checked: npm could not fetch the tools"
+        fi
+    done
     stage Windows
     scripts/windows.sh --lint || exit 1
     run_preset asan

@@ -202,7 +202,8 @@ TEST(CommandLineTest, TellsWhatIsWrong) {
         {send, "--address http://a:b@c A", "vorn-send: --address: a name and a password do not belong ", 2},
         {send, "--address http://a --credentials F A",
          "vorn-send: --credentials: credentials are sent over https only\n", 2},
-        {send, "--address https://a --credentials /none A", "vorn-send: cannot read the file '/none': ", 2},
+        {send, "--address https://a --credentials /none A",
+         "vorn-send: --address: this vorn-send has no https yet\n", 2},
         {send, "--file /none A", "vorn-send: cannot read the file '/none': ", 2},
     };
     for (const auto& each : cases) {

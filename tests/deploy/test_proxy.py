@@ -181,28 +181,6 @@ def environment(proxy: Proxy, password: str = "secret word") -> dict[str, str]:
     return {**os.environ, **{f"VORNSERVER_{key}": text for key, text in given.items()}}
 
 
-def sent(proxy: Proxy, given: dict[str, str], *options: str) -> tuple[int, str]:
-    """One command of vorn-send through the proxy: its status and what it said."""
-    send = [str(HOST.with_name("vorn-send")), "--address", f"https://localhost:{proxy.port}", *options]
-    done = subprocess.run([*send, "Fdp", "X"], capture_output=True, text=True, env=given, check=False, timeout=60)
-    return done.returncode, done.stdout + done.stderr
-
-
-def test_vorn_send_passes_with_https_and_a_password(proxy: Proxy, tmp_path: Path) -> None:
-    assert sent(proxy, environment(proxy)) == (0, "0\n")
-    assert sent(proxy, environment(proxy, "wrong"))[0] == 1
-    without = {key: text for key, text in os.environ.items() if not key.startswith("VORNSERVER_")}
-    status, said = sent(proxy, without)
-    assert status == 1 and "no answer" in said, "a certificate that nobody vouches for"
-    login = tmp_path / "login"
-    login.write_text("user anna\npassword secret word\n")
-    login.chmod(0o644)
-    options = ("--credentials", str(login), "--ca-file", str(proxy.certificate))
-    assert sent(proxy, without, *options)[0] == 2, "a file that others can read"
-    login.chmod(0o600)
-    assert sent(proxy, without, *options) == (0, "0\n")
-
-
 TOOL_SERVER = HOST.parents[1] / "share/vornserver/mcp/vorn-mcp.mjs"
 
 

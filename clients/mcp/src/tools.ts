@@ -60,20 +60,19 @@ const picture: Work = async ({ service }, args): Promise<Shown> => {
     return { result, content: [{ type: "image", data: Buffer.from(text).toString("base64"), mimeType }] };
 };
 
-const maxBytes: JsonObject = { type: "integer", minimum: 1000, maximum: 2000000, default: 200000, description: "The most bytes to give." };
+const maxBytes: JsonObject = { type: "integer", minimum: 1000, maximum: 2000000, default: 200000, description: "The most bytes." };
 
 const rows: readonly Row[] = [
     {
         name: "status", uses: ["Fdp"], whole: true, required: [], work: status, gives: { address: { type: "string" } },
-        text: "Tells the address of the running service and, with project, whether that project is open. Ask it first.",
+        text: "The service's address and, with project, whether it is open. Ask first.",
         also: { project: { type: "string", pattern: "^[A-Za-z0-9]{1,64}$", description: "Its name." } },
     },
     {
         name: "module_types", uses: [], whole: true, work: moduleTypes, idempotent: true,
         gives: { types: { type: "array" }, items: { type: "object" }, nodes: { type: "array" } },
-        text: "The types of modules with their VornModuleID, ports (direction, aisle) and items with units; node kinds; what the values of "
-            + "ports and the project's variables mean. Needed to write a project document. Of the stand-in engine.",
-        also: { contains: { type: "string", default: "", description: "Only types whose number or name contains this, such as pump." } },
+        text: "Types with VornModuleID, ports, items and units; node kinds; the project's variables.",
+        also: { contains: { type: "string", default: "", description: "Only types whose number or name contains this." } },
     },
     { name: "create_project", uses: ["Create"] },
     { name: "open_project", uses: ["Open"] },

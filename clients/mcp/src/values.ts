@@ -109,7 +109,7 @@ export const valueRows: readonly Row[] = [
         name: "set_unsaved_value", uses: ["VarCacheSet", "VarCacheGet"], hides: ["Row", "Column", "Value"], whole: true, work: setUnsaved,
         required: ["item", "value"], gives: { Sets: { type: "array" } },
         text: "Writes one item in one cache set, and gives the item's row as it is then. A run begins with set 0. The value lasts until "
-            + "close_project: nothing stores it. To have it again, give it to make_plant as a start value.",
+            + "close_project: nothing stores it; make_plant has start values.",
         also: {
             item: { type: "string", description: "The item, such as Opening or Power; element_values tells those of an element." },
             set: { type: "integer", enum: [0, 1, 2], default: 0, description: "The cache set." },
