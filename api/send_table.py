@@ -6,8 +6,8 @@ import re
 
 from api.description import Description, Json
 
-HEAD = """// The replies of each command, by which a refusal is told. Made from the description in api/ by api/generate.py; do
-// not edit.
+HEAD = """// The replies of each command, by which a refusal is reported. Made from the description in api/ by
+// api/generate.py; do not edit.
 
 #pragma once
 

@@ -1,4 +1,4 @@
-// The replies of each command, by which a refusal is told. Made from the description in api/ by
+// The replies of each command, by which a refusal is reported. Made from the description in api/ by
 // api/generate.py; do not edit.
 
 #pragma once
