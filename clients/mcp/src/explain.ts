@@ -25,6 +25,16 @@ const needs: readonly Need[] = [
     { types: ["valve", "expansion valve"], item: "Opening", least: 0, finding: "The valve is closed." },
 ];
 
+/** Why a compressor stopped itself, by its Trip, and what an element reports, by its Alarm. */
+const trips = [
+    "", "it condensed above 65 °C", "it evaporated below -45 °C", "the second side of a condenser does not flow",
+    "the second side of an evaporator does not flow", "nothing circulates in its circuit",
+];
+const alarms = [
+    "", "a compressor stopped itself", "water is near freezing", "the pressure is too low", "the pump is on and moves nothing",
+    "it is below TempLow", "it is above TempHigh",
+];
+
 const vessels = ["expansion tank", "receiver"];
 const stillFlow = 1e-6;
 const mostElements = 400;
@@ -49,9 +59,18 @@ function finding(each: Pick<Read, "element">, text: string, more: JsonObject = {
     return { element: each.element, finding: text, ...more };
 }
 
+/** The finding of an item that is a code, with the code's meaning. */
+function codeFindings(each: Read, item: string, meanings: readonly string[], text: (meaning: string) => string): JsonObject[] {
+    const value = each.items[item] ?? 0;
+    return value === 0 ? [] : [finding(each, text(meanings[value] ?? "see vorn://docs/plant.md"), { item, value })];
+}
+
 function ownFindings(each: Read): JsonObject[] {
-    const found = needs.filter(({ types, item, least }) => types.includes(each.type) && (each.items[item] ?? Infinity) <= least)
+    const trip = codeFindings(each, "Trip", trips, (cause) => `The compressor stopped itself: ${cause}. Mend that, then write 0 to Trip.`);
+    const reported = trip.length > 0 ? trip : codeFindings(each, "Alarm", alarms, (state) => `It reports an alarm: ${state}.`);
+    const lacking = needs.filter(({ types, item, least }) => types.includes(each.type) && (each.items[item] ?? Infinity) <= least)
         .map(({ item, finding: text }) => finding(each, text, { item, value: each.items[item] ?? 0 }));
+    const found = [...lacking, ...reported];
     // What holds a net's pressure may well be still.
     const still = !vessels.includes(each.type) && each.flows.length > 1 && each.flows.every((flow) => Math.abs(flow) < stillFlow);
     return found.length === 0 && still ? [finding(each, "Nothing flows through it: look for an idle pump or a closed valve in its net.")] : found;
@@ -122,7 +141,7 @@ const explainValues: Work = ({ description, service }, args, { progress }) => se
 export const explainRow: Row = {
     name: "explain_values", uses: ["VarInfoGet", "PjtInfoChk", "GetBatch"], whole: true, work: explainValues,
     idempotent: true, required: [], gives: { findings: { type: "array" }, temperatures: { type: "array" }, project: { type: "object" } },
-    text: "Reads the devices' values and names what keeps the plant from working, such as Area 0, a pump without power or a circuit without "
-        + "copper; then the temperatures of rooms and stores.",
+    text: "Reads the devices' values and names what keeps the plant from working, such as Area 0, a pump without power, an alarm or a circuit "
+        + "without copper; then the temperatures of rooms and stores.",
     also: { element: { type: "string", minLength: 1, description: "Only this module: its InstanceID or number." } },
 };

@@ -17,15 +17,16 @@ const jobs: readonly Job[] = [
         },
         text: ({ project: name = "PLANT1", wish = "cool three offices with chilled water" }) => `Build the project ${name}: ${wish}.
 
-1. Read vorn://docs/plant-model.md (what each type needs to work) and vorn://examples/chilled_water_plant.json or vorn://examples/cold_store.json, whichever is
+1. Read vorn://docs/plant.md (what each type needs to work) and vorn://examples/chilled_water_plant.json or vorn://examples/cold_store.json, whichever is
    closer. For pipes of another size or for refrigerant read vorn://docs/fittings.md, for other types call module_types.
 2. Call make_plant once with the example's name or with a document of your own, and with startValues. Items begin at 0, except Opening 1, Head 20 and
-   Power 1, so each heat exchanger needs an Area in m2, each cooling tower and fan coil its Power in kW, and each room its InsideTemperature and
-   OutsideTemperature. For the chilled-water example these make it cool:
-   {"pump": {"Head": 25, "Power": 4}, "compressor": {"Power": 4}, "evaporator": {"Area": 60}, "condenser": {"Area": 60}, "cooling tower": {"Power": 100},
-    "fan coil": {"Power": 6}, "room": {"InsideTemperature": 30, "OutsideTemperature": 32}}
+   Power 1, so each heat exchanger needs an Area in m2, each compressor, cooling tower and fan coil its Power in kW, and each room its
+   InsideTemperature and OutsideTemperature. For the chilled-water example these make it cool:
+   {"pump": {"Head": 18, "Power": 1.5}, "compressor": {"Power": 5}, "evaporator": {"Area": 15}, "condenser": {"Area": 20}, "cooling tower": {"Power": 60},
+    "fan coil": {"Power": 8}, "room": {"InsideTemperature": 30, "OutsideTemperature": 34}}
 3. Where make_plant says complete: false, mend what todo says in the document and call it again.
-4. Call run, then watch_variables with ${name}_GTemp and the rooms' InsideTemperature (their names: element_values), then explain_values.
+4. Call run, then write_variables with 1 to ${name}_GStepSeconds and 60 to ${name}_GRate, so that a minute passes in a second: rooms change slowly.
+   Then call watch_variables with ${name}_GTemp and the rooms' InsideTemperature (their names: element_values), then explain_values.
    Mend what findings name with write_variables (now) and startValues (the next time).
 5. Call stop. Tell the user what was built, what it reached, and what was assumed.`,
     },
@@ -47,7 +48,7 @@ const jobs: readonly Job[] = [
         },
         text: ({ project: name = "PLANT1", question = "Why is it warm?" }) => `Answer for the project ${name}: ${question}
 
-1. Call explain_values. Its findings come from the values of this moment; vorn://docs/plant-model.md has the rules.
+1. Call explain_values. Its findings come from the values of this moment; vorn://docs/plant.md has the rules.
 2. Where they do not answer it, call plant_summary for the net of the element, and watch_variables for its course.
 3. Answer with the cause first, the values that show it, and the change that would help. Change nothing unless the user asks.`,
     },

@@ -80,8 +80,14 @@ const rows: readonly Row[] = [
     { name: "add_module", uses: ["AddModule"], text: "For a plant of more than a few elements use make_plant." },
     { name: "add_node", uses: ["AddNode"] },
     { name: "add_link", uses: ["AddLink"] },
-    { name: "move_element", uses: ["MoveMN"], text: "Numbers may be whole here: they are sent as the command wants them." },
-    { name: "delete_element", uses: ["DeleteMNL", "VarInfoGet", "PjtInfoChk"], work: deleteElement, gives: { deleted: { type: "boolean" } } },
+    {
+        name: "move_element", uses: ["MoveMN"], whole: true,
+        text: "Moves an element on its page. A coordinate that is left out becomes 0. A number at which no element is gets OK too.",
+    },
+    {
+        name: "delete_element", uses: ["DeleteMNL", "VarInfoGet", "PjtInfoChk"], whole: true, work: deleteElement, gives: { deleted: { type: "boolean" } },
+        text: "Deletes an element and says whether there was one. The engine decides on its links; the stand-in deletes them.",
+    },
     { name: "run", uses: ["PjtRun"] },
     { name: "pause", uses: ["PjtPause"] },
     {
@@ -89,8 +95,8 @@ const rows: readonly Row[] = [
         also: { count: { type: "integer", minimum: 1, maximum: 1000, default: 1, description: "How many steps, one after the other." } },
     },
     { name: "stop", uses: ["PjtStop"] },
-    { name: "save_run_values", uses: ["PjtRunToCache"] },
-    { name: "load_run_values", uses: ["PjtCacheToRun"] },
+    { name: "save_run_values", uses: ["PjtRunToCache"], whole: true, text: "Copies the run values of all elements into the cache set. A run begins with set 0." },
+    { name: "load_run_values", uses: ["PjtCacheToRun"], whole: true, text: "Copies the cache set of all elements into the run values." },
     {
         name: "performance", uses: ["PjtCerGet"],
         gives: { text: { type: "string" } },

@@ -55,7 +55,7 @@ test("tools tell what they do to a plant", async () => {
 test("resources are the schemas, the reference and the examples, as they stand", async () => {
     const { resources } = await client.listResources();
     const uris = new Set(resources.map(({ uri }) => uri));
-    for (const uri of ["vorn://schemas/project_document.schema.json", "vorn://reference/run.md", "vorn://docs/concepts.md", "vorn://examples/cold_store.json", "vorn://docs/fittings.md", "vorn://docs/plant-model.md"]) {
+    for (const uri of ["vorn://schemas/project_document.schema.json", "vorn://reference/run.md", "vorn://docs/concepts.md", "vorn://examples/cold_store.json", "vorn://docs/fittings.md", "vorn://docs/plant.md"]) {
         assert.ok(uris.has(uri), uri);
         const { contents } = await client.readResource({ uri });
         assert.ok(contents[0] && "text" in contents[0] && contents[0].text.length > 100, uri);
@@ -179,11 +179,12 @@ test("an assistant that has read nothing but prompts and resources makes the chi
     const made = await counted("make_plant", { project: "COOL", example: "chilled_water_plant", startValues });
     assert.equal(made.complete, true);
     await counted("run", { project: "COOL" });
+    await counted("write_variables", { VarName: ["COOL_GStepSeconds", "COOL_GRate"], VarValue: [1, 60] });
     const { items } = await counted("element_values", { project: "COOL", element: "office 1" });
     const office = items.find(({ item }: { item: string }) => item === "InsideTemperature").name as string;
-    const { values } = await counted("watch_variables", { VarName: [office, "COOL_GTemp", "COOL_COP"], samples: 6, everyMs: 300 });
+    const { values } = await counted("watch_variables", { VarName: [office, "COOL_GTemp", "COOL_COP"], samples: 6, everyMs: 500 });
     const course = values[office] as number[];
-    assert.ok((course.at(-1) ?? 99) < (course[0] ?? 0) && (course[0] ?? 99) <= 30, `the office grows cooler: ${course.join()}`);
+    assert.ok((course.at(-1) ?? 99) < (course[0] ?? 0) - 0.5 && (course[0] ?? 99) <= 30, `the office grows cooler: ${course.join()}`);
     assert.ok(values.COOL_GTemp.at(-1) < 15 && values.COOL_COP.at(-1) > 1, JSON.stringify(values));
     const { findings } = await counted("explain_values", { project: "COOL" });
     assert.deepEqual(findings, []);
@@ -199,6 +200,7 @@ test("what keeps a plant from working is named", async () => {
     assert.match(of("coil valve 1"), /closed/);
     assert.match(of("chilled pump 1"), /no power/);
     assert.match(of("evaporator 2"), /Area is 0/);
+    assert.match(of("compressor 1"), /stopped itself: the second side of an evaporator/);
     await call("stop", { project: "COOL" });
 });
 
