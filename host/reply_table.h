@@ -1,5 +1,5 @@
-// The replies of each command, by which a refusal is told. Made from the description in api/ by api/generate.py; do
-// not edit.
+// The replies of each command, by which a refusal is told. Made from the description in api/ by
+// api/generate.py; do not edit.
 
 #pragma once
 

@@ -22,8 +22,8 @@ std::span<const ModuleType> Catalogue();
 /// The type of that number, null when there is none.
 const ModuleType* ModuleTypeFind(int type);
 
-/// The number of the type with that identity, or with that former identity of one of the stand-in's own types;
-/// -1 when there is none.
+/// The number of the type with that identity, or with that former identity of one of the stand-in's own
+/// types; -1 when there is none.
 int ModuleTypeNumber(std::int64_t oneId);
 
 /// The items of every node, all reals: what flows through a junction.

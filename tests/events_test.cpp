@@ -101,16 +101,16 @@ TEST(EventsThreadsTest, HideNoWriteAndLetNobodyForgeOne) {
         return line.find("Forged") != string::npos || line.starts_with("Vorn");
     });
     const char* const beginnings[] = {
-        "write  http Create A '' 'OK'",
+        "write  http/127.0.0.1 Create A '' 'OK'",
         "state  A stopped",
-        R"(write  http Set A_GTemp '7 {"By":"console"}' 'OK')",
-        R"(read   http Get 'A\x0Awrite  http PjtStop A \x27\x27 \x27OK\x27\x0Awrite )",
-        "read   http other 'e' A ''",
-        R"(read   http other '\x0Awrite  http PjtStop A )",
-        "write  http PjtClose A '' 'OK'",
+        R"(write  http/127.0.0.1 Set A_GTemp '7 {"By":"console"}' 'OK')",
+        R"(read   http/127.0.0.1 Get 'A\x0Awrite  http PjtStop A \x27\x27 \x27OK\x27\x0Awrite )",
+        "read   http/127.0.0.1 other 'e' A ''",
+        R"(read   http/127.0.0.1 other '\x0Awrite  http PjtStop A )",
+        "write  http/127.0.0.1 PjtClose A '' 'OK'",
         "state  A closed",
-        R"(write  http Set json '{"VarName":["A_V0",)",
-        "write  http PjtStep A ''",
+        R"(write  http/127.0.0.1 Set json '{"VarName":["A_V0",)",
+        "write  http/127.0.0.1 PjtStep A ''",
     };
     ASSERT_EQ(lines.size(), std::size(beginnings)) << host.Output();
     for (std::size_t line = 0; line < lines.size(); ++line) {
@@ -187,7 +187,7 @@ TEST(EventsThreadsTest, EndBehindTheStoreThatRuns) {
     EXPECT_EQ(host.End(), 0);
     request.join();
     EXPECT_EQ(reply, "OK");
-    EXPECT_EQ(host.WaitFor("write  http PjtSent A "), "'{}' 'OK'");
+    EXPECT_EQ(host.WaitFor("write  http/127.0.0.1 PjtSent A "), "'{}' 'OK'");
     const auto folder = std::filesystem::path(host.Program()).parent_path() / "../AlgProject/A";
     std::vector<string> files;
     for (const auto& entry : std::filesystem::directory_iterator(folder))

@@ -92,7 +92,7 @@ TEST(FrontEndsThreadsTest, AnswerAllWaysAtOnceAndLogEachExchangeWhole) {
     for (int client = 0; client < 11; ++client) {
         const string project = "P" + std::to_string(client % 8);
         const string variable = project + (client < 8 ? "_GTemp" : "_WAll");
-        const string front = client < 8 ? "http" : client < 10 ? "pipe" : "serial";
+        const string front = client < 8 ? "http/127.0.0.1" : client < 10 ? "pipe" : "serial";
         const Asker ask = client < 8 ? OverHttp(host) : OverPipe(std::stoi(pipe));
         clients.push_back({client < 10 ? ask : OverSerial(terminal), project, variable, front});
     }
@@ -149,7 +149,7 @@ TEST(SendThreadsTest, SendsOneCommandOverEitherTransport) {
         {port + "Create PLANT2 [1,\\n\"2\t\"]", "OK\n", 0},
         {port + "-- --none", "项目名称找不到(project Char error)\n", 3},
         {port + "Get PLANT1_No", "none varname 找不到变量名称\n", 3},
-        {port + "Get json {\\\"VarName\\\":[\\\"PLANT1_GTemp\\\",\\\"X\\\"]}", "[\"4.000000\",\"none", 3},
+        {port + R"(Get json {"VarName":["PLANT1_GTemp","X"]})", "[\"4.000000\",\"none", 3},
         {port + "PjtInfoChk PLANT1", "{", 0},
         {"--address http://127.0.0.1:" + std::to_string(host.Port()) + "/ Fdp PLANT1", "1\n", 0},
         {pipe + "a/b", "vorn-send: COMMAND and NAME cannot hold '/' on the pipe\n", 2},
@@ -161,7 +161,7 @@ TEST(SendThreadsTest, SendsOneCommandOverEitherTransport) {
         EXPECT_TRUE(output.starts_with(each.output)) << each.arguments << ": " << output;
         EXPECT_EQ(status, each.status) << each.arguments;
     }
-    EXPECT_EQ(host.WaitFor("write  http Create PLANT2 "), R"('[1,\n"2\x09"]' 'OK')");
+    EXPECT_EQ(host.WaitFor("write  http/127.0.0.1 Create PLANT2 "), R"('[1,\n"2\x09"]' 'OK')");
     string counters;
     for (int look = 0; look < 2000 && counters.find("command=\"Create\"} 2\n") == string::npos; ++look) {
         std::this_thread::sleep_for(std::chrono::milliseconds(10));

@@ -31,7 +31,7 @@ TEST(HostThreadsTest, PrintsWhatNobodyReadToWhoReadsAgain) {
     for (int request = 0; request < 100; ++request) host.Ask("Get", name);
     host.Ask("Fdp", "LAST");
     std::this_thread::sleep_for(std::chrono::milliseconds(500));  // it fetches its log and finds no room
-    EXPECT_EQ(host.WaitFor("read   http Fdp LAST "), "'' '0'");
+    EXPECT_EQ(host.WaitFor("read   http/127.0.0.1 Fdp LAST "), "'' '0'");
 }
 
 TEST(HostThreadsTest, PrintsTheLastExchangesAtItsEnd) {
@@ -40,8 +40,8 @@ TEST(HostThreadsTest, PrintsTheLastExchangesAtItsEnd) {
     host.Ask("Create", "P");
     host.Ask("Fdp", "P");
     EXPECT_EQ(host.End(), 0);
-    EXPECT_EQ(host.WaitFor("write  http Create P "), "'' 'OK'");
-    EXPECT_EQ(host.WaitFor("read   http Fdp P "), "'' '1'");
+    EXPECT_EQ(host.WaitFor("write  http/127.0.0.1 Create P "), "'' 'OK'");
+    EXPECT_EQ(host.WaitFor("read   http/127.0.0.1 Fdp P "), "'' '1'");
     EXPECT_TRUE(host.WaitFor("VornServer has ended.").empty());
     EXPECT_TRUE(host.Output().ends_with("\nVornServer has ended.\n")) << host.Output();
 }

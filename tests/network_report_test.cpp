@@ -110,7 +110,7 @@ TEST_F(NetworkReportTest, ShowsEachChange) {
     Send("PjtInfoChk", "PLANT");
     const std::pair<std::function<void()>, std::string> rows[] = {
         {[] { ProjectModuleXYSet("PLANT", 0, 50, 0); },
-         R"("MOD0","DeviceName": "膨胀水箱","VornModuleID": 26010100000000014,"PositionX": 1.0,)"},
+         R"("MOD0","DeviceName": "膨胀水箱","VornModuleID": 2601010000014,"PositionX": 1.0,)"},
         {[] { ProjectNodeXYSet("PLANT", 0, 50, 0); },
          R"("NodeName": "FLUID","VornModuleID": 3000,"PositionX": 1.0,)"},
         {[] { ModuleInstanceIDSet(0, 0, "tank"); }, R"({"InstanceID": "tank",)"},

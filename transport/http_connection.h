@@ -60,7 +60,7 @@ class HttpConnection : public httplib::Stream {
     std::size_t behindHead_ = 0;  ///< where what follows it begins
     std::array<char, 16384> reply_{};
     std::size_t replyBytes_ = 0;  ///< of the reply, not yet sent
-    bool timed_ = false;  ///< what comes now must have come by `until_`
+    bool timed_ = false;          ///< what comes now must have come by `until_`
     Clock::time_point until_{};
     bool chunked_ = false;
     std::uint64_t bodyLeft_ = 0;  ///< of a body that is not chunked
