@@ -3,6 +3,7 @@
 // element is held. The project's part is compared without case.
 
 #include <algorithm>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -31,10 +32,11 @@ bool PortParse(std::string_view text, DecodedName& decoded) {
         decoded.variable = 0;
         return true;
     }
-    const auto* real = std::find_if(PortReals.begin(), PortReals.end(),
-                                    [word](const PortReal& each) { return each.word == word; });
-    decoded.variable = static_cast<int>(real - PortReals.begin());
-    return real != PortReals.end();
+    const std::span<const PortReal> reals(PortReals);
+    const auto real =
+        std::find_if(reals.begin(), reals.end(), [word](const PortReal& each) { return each.word == word; });
+    decoded.variable = static_cast<int>(real - reals.begin());
+    return real != reals.end();
 }
 
 /// A variable of the element that is decoded: a port's value, or an item of its table.

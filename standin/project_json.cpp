@@ -1,5 +1,6 @@
 #include "standin/project_json.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <span>

@@ -1,5 +1,7 @@
 #include "standin/run_time.h"
 
+#include <algorithm>
+
 #include "standin/simulation.h"
 #include "standin/values.h"
 

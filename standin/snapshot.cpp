@@ -1,6 +1,7 @@
 // The engine's operations that serve the network analysis: the snapshot of a project, the connections that
 // lead over jumps, and the aisles of its modules.
 
+#include <algorithm>
 #include <cstring>
 #include <string_view>
 #include <unordered_map>

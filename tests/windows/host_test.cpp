@@ -46,7 +46,7 @@ TEST(SendThreadsTest, TakesAndShowsUnicodeAtAConsoleAndLeavesItAsItWas) {
     EXPECT_NE(Shown().find(L"none varname 找不到变量名称"), std::wstring::npos);
     EXPECT_EQ(GetConsoleOutputCP(), 437U);
     FreeConsole();
-    EXPECT_EQ(host.WaitFor("read   http Get '房*' "), "'' '" + string(NoVariable) + "'");
+    EXPECT_EQ(host.WaitFor("read   http/127.0.0.1 Get '房*' "), "'' '" + string(NoVariable) + "'");
 }
 
 TEST(SerialPortTest, IsSetAsItIsAskedFor) {
