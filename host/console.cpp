@@ -42,9 +42,9 @@ bool FromOwnPage(const Console& console, const httplib::Request& request) {
 }
 
 /// Runs a command of the page. Its reply ends at its first zero byte, as on the service's own port.
-void Api(const httplib::Request& request, httplib::Response& response) {
+void Api(const httplib::Request& request, const std::string& body, httplib::Response& response) {
     std::string reply;
-    vorn::ApiEnvelope(request.body, reply, {.front = vorn::Front::Console, .peer = request.remote_addr});
+    vorn::ApiEnvelope(body, reply, {.front = vorn::Front::Console, .peer = request.remote_addr});
     reply.resize(std::min(reply.find('\0'), reply.size()));
     response.set_content(reply, "text/plain; charset=utf-8");
 }
@@ -78,7 +78,7 @@ void Prepare(Console& console) {
                                          {"Cross-Origin-Resource-Policy", "same-origin"},
                                          {"Cross-Origin-Opener-Policy", "same-origin"},
                                          {"Cache-Control", "no-cache"}});
-    console.server->Post("/api", Api);
+    console.server->PostWhole("/api", Api);
     console.server->Get("/events", Events);
     console.server->Get(".*", [&console](const httplib::Request& request, httplib::Response& response) {
         FileServe(console, request, response);

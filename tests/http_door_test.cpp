@@ -26,10 +26,11 @@ class DoorThreadsTest : public testing::Test {
     }
     void Serve(const vorn::HttpRules& rules) {
         Bind(rules);
-        server_->Post("/api", [](const httplib::Request& request, httplib::Response& response) {
-            const string from = request.remote_addr + " " + std::to_string(request.remote_port);
-            response.set_content(from + " " + request.body, "text/plain");
-        });
+        server_->PostWhole(
+            "/api", [](const httplib::Request& request, const string& body, httplib::Response& response) {
+                const string from = request.remote_addr + " " + std::to_string(request.remote_port);
+                response.set_content(from + " " + body, "text/plain");
+            });
         serving_ = std::thread([this] { server_->listen_after_bind(); });
         while (!server_->is_running()) std::this_thread::yield();
     }

@@ -1,15 +1,12 @@
 // Memory that runs out in the midst of a request: that request fails, and the service goes on.
 
-#include <atomic>
 #include <functional>
-#include <thread>
 
 #include "include/vorn_server.h"
 #include "standin/plant_step.h"
 #include "standin/simulation.h"
 #include "tests/support/failing_new.h"
 #include "tests/support/service_test.h"
-#include "transport/http_workers.h"
 
 namespace {
 
@@ -145,20 +142,6 @@ TEST_F(MemoryProjectTest, KeepsTheProjectUntilADocumentIsReadWhole) {
         EXPECT_TRUE(NewFailed());
         FailNew(-1);
         ASSERT_EQ(Send("VarInfoGet", "P_tank").substr(0, 1), "[") << count;
-    }
-}
-
-TEST(MemoryThreadsTest, KeepsAConnectionUntilThereIsRoomForIt) {
-    for (const int failing : {1, 2, 3}) {
-        FailNew(0, failing);
-        vorn::HttpWorkers workers;
-        std::atomic<bool> served{false};
-        FailNew(0, failing);
-        workers.enqueue([&served] { served = true; });
-        EXPECT_TRUE(NewFailed());
-        FailNew(-1);
-        workers.shutdown();
-        EXPECT_TRUE(served);
     }
 }
 

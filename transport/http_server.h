@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "transport/http_rules.h"
@@ -24,6 +25,13 @@ class HttpServer : public LibraryServer {
     /// failed takes no further port, so that each is tried with a fresh one.
     bool Bind(const std::string& host, int port);
 
+    /// Answers a request with its whole body; a multipart body, which has no one text, counts as empty.
+    using BodyHandler =
+        std::function<void(const httplib::Request&, const std::string& body, httplib::Response&)>;
+    /// Runs `handler` for each `POST` to `path`, a regular expression. A request whose body did not end as it
+    /// must is not run: the library's status answers it, or 400 where the library saw no fault.
+    void PostWhole(const std::string& path, BodyHandler handler);
+
 #if !VORN_HTTPLIB_PUBLIC_ONLY
   protected:
     void ServeConnection(socket_t socket) override;
@@ -33,6 +41,9 @@ class HttpServer : public LibraryServer {
     /// What depends on how much of the library is used.
     void Prepare();
     bool Admits(const httplib::Request& request, httplib::Response& response) const;
+    /// The body of the request that this thread serves was read up to its correct end, as far as this build
+    /// can see it.
+    static bool BodyEnded();
 #if !VORN_HTTPLIB_PUBLIC_ONLY
     bool Serve(HttpConnection& connection, bool last);
 #endif

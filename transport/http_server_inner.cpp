@@ -18,6 +18,9 @@ constexpr std::size_t RequestsPerConnection = 100;
 /// For a client that still sends what nobody reads: it could else lose its answer.
 constexpr int LingerMilliseconds = 1000;
 
+/// What this thread serves, while it serves one.
+thread_local const HttpConnection* served = nullptr;
+
 /// Ends a connection. What came and was not read is taken out first: left there, it would cost the client the
 /// end of its reply. The client has so long to send more of it and to end.
 void LetGo(std::intptr_t socket, int milliseconds) {
@@ -49,6 +52,10 @@ bool HttpServer::Admits(const httplib::Request& request, httplib::Response& resp
     return false;
 }
 
+bool HttpServer::BodyEnded() {
+    return served != nullptr && served->RequestTaken();
+}
+
 void HttpServer::ServeConnection(socket_t socket) {
     int linger = 0;
     try {
@@ -66,8 +73,9 @@ void HttpServer::ServeConnection(socket_t socket) {
 /// True when the connection may bring another request.
 bool HttpServer::Serve(HttpConnection& connection, bool last) {
     bool closes = false;
-    const bool served = ServeRequest(connection, connection.Ends(), last, closes);
-    return connection.Flush() && served && !closes && connection.RequestTaken();
+    served = &connection;
+    const bool usable = ServeRequest(connection, connection.Ends(), last, closes);
+    return connection.Flush() && usable && !closes && connection.RequestTaken();
 }
 
 }  // namespace vorn

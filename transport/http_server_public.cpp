@@ -28,4 +28,8 @@ bool HttpServer::Admits(const httplib::Request& request, httplib::Response& resp
     return false;
 }
 
+bool HttpServer::BodyEnded() {
+    return true;  // the library alone sees the body's end
+}
+
 }  // namespace vorn

@@ -102,17 +102,10 @@ std::vector<std::string> BodiesIn(string_view text) {
 class Door : public vorn::HttpServer {
   public:
     Door() {
-        Post(".*", [this](const httplib::Request& request, httplib::Response& response,
-                          const httplib::ContentReader& content) {
-            std::string body;
-            // Of a body in parts the library gives the parts alone.
+        PostWhole(".*", [this](const httplib::Request& request, const std::string& body,
+                               httplib::Response& response) {
             if (request.is_multipart_form_data()) return;
-            const bool whole = content([&body](const char* bytes, std::size_t size) {
-                body.append(bytes, size);
-                return true;
-            });
-            if (!whole) return;
-            run_.push_back(std::move(body));
+            run_.push_back(body);
             response.set_content("ran", "text/plain");
         });
     }

@@ -39,7 +39,7 @@ inline const FramingForm FramingForms[] = {
     {"Transfer-Encoding: chunked\r\n\r\n10000000000000000\r\n"},
     {"Transfer-Encoding: chunked\r\n\r\n2\r\n{}0\r\n\r\n"},
     {"Transfer-Encoding: chunked\r\n\r\n2\n{}\n0\n\n"},
-    {"Transfer-Encoding: chunked\r\n\r\n0\r\nX: y\r\n\r\n"},
+    {"Transfer-Encoding: chunked\r\n\r\n2\r\n{}\r\n0\r\nX: y\r\n\r\n"},
     {"Content-Encoding: gzip\r\nContent-Length: 300000\r\n\r\n", 415},
     {"Content-Encoding: br\r\nTransfer-Encoding: chunked\r\n\r\n", 415},
 };
