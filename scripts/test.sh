@@ -72,8 +72,6 @@ if [ "$full" = yes ]; then
     tests/install_test.sh build/package/packages || fail "the installation"
     stage "the proxy and the fleet"
     /usr/bin/python3 -B -m pytest -q -p no:cacheprovider tests/deploy || fail "the tests of the deployment"
-    stage "the other Debian"
-    scripts/other_debian.sh || exit 1
 fi
 stage
 say "test: all passed"
