@@ -28,15 +28,15 @@ say "the other Debian: $other"
 mmdebstrap --quiet --variant=apt --include="$packages" "$other" "$root" "$folder/$(basename "$sources")" \
     >"$folder/mmdebstrap.log" 2>&1 || skip "$(tail -n 1 "$folder/mmdebstrap.log")"
 
-mkdir "$root/work"
-git ls-files -z | tar --create --null --files-from=- --ignore-failed-read | tar --extract --directory="$root/work"
+mkdir "$root/source"
+git ls-files -z | tar --create --null --files-from=- --ignore-failed-read | tar --extract --directory="$root/source"
 cat >"$folder/session.sh" <<SESSION
 set -euo pipefail
 mount -t proc proc "$root/proc"
 mount -t tmpfs shm "$root/dev/shm"
 mount -t devpts -o newinstance,ptmxmode=0666 pts "$root/dev/pts"
 ip link set lo up
-exec chroot "$root" env -i HOME=/root LC_ALL=C.UTF-8 PATH=/usr/sbin:/usr/bin:/sbin:/bin /work/scripts/test.sh
+exec chroot "$root" env -i HOME=/root LC_ALL=C.UTF-8 PATH=/usr/sbin:/usr/bin:/sbin:/bin /source/scripts/test.sh
 SESSION
 unshare --mount --net --pid --fork --kill-child bash "$folder/session.sh" </dev/null \
     || fail "the build or the tests in $other"
