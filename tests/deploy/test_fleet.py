@@ -1,4 +1,4 @@
-"""A fleet of four servers with one store: sixteen clients, and the death of a server."""
+"""A fleet of four servers with one store: eight clients, and the death of a server."""
 
 from __future__ import annotations
 
@@ -12,7 +12,7 @@ import pytest
 from web import HOST, REPOSITORY, answers, ask, await_that, free_port, program, request
 
 SERVERS = 4
-CLIENTS = 16
+CLIENTS = 8  # each has one project open at a time, and one server may get them all: it has eight places
 PROJECTS = [f"HALL{number}" for number in range(32)]
 NODE = {"DeviceInfo": [{"InstanceID": "start", "DeviceID": 3000}]}
 
@@ -54,7 +54,7 @@ def fleet(tmp_path_factory: pytest.TempPathFactory) -> Iterator[Fleet]:
 
 
 def by_clients(work: list[str], task: Callable[[str], object]) -> None:
-    """Does the task for each project, sixteen clients at once; a fault of one is a fault of the test."""
+    """Does the task for each project, eight clients at once; a fault of one is a fault of the test."""
     faults: list[str] = []
 
     def client(mine: list[str]) -> None:
