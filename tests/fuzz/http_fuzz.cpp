@@ -144,6 +144,10 @@ std::ptrdiff_t SocketRead(std::intptr_t /*socket*/, char* bytes, std::size_t siz
     connection.coming.remove_prefix(count);
     return static_cast<std::ptrdiff_t>(count);
 }
+void SocketReadTimeSet(std::intptr_t /*socket*/, int /*milliseconds*/) {}
+std::ptrdiff_t SocketReadAwait(std::intptr_t socket, char* bytes, std::size_t size) {
+    return SocketRead(socket, bytes, size);
+}
 std::ptrdiff_t SocketWrite(std::intptr_t /*socket*/, const char* bytes, std::size_t size,
                            int /*milliseconds*/) {
     Require(connection.open, "nothing is sent behind the end", "");

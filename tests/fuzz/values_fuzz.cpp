@@ -28,9 +28,10 @@ int ToInt(double value, int low, int high) {
     return static_cast<int>(std::clamp<double>(value, low, high));
 }
 
-/// The text of a scalar real, or of eight; `lift` is added to what becomes an integer.
+/// A scalar real; the engine stores 0 for a number that is not finite.
 std::string RealExpected(const std::string& text) {
-    return Printed("%f", std::strtod(text.c_str(), nullptr));
+    const double value = std::strtod(text.c_str(), nullptr);
+    return Printed("%f", std::isfinite(value) ? value : 0.0);
 }
 
 std::string IntExpected(const std::string& text) {
