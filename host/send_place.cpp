@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr std::size_t CredentialsBytes = 64 * 1024;
+constexpr std::size_t CredentialsBytes = std::size_t{64} << 10U;
 
 /// The library's https ends this program before a reply comes, for a reason that is not found yet: refused
 /// until it is.

@@ -47,7 +47,8 @@ scripts/test_console.sh "$@" || exit 1
 
 if [ "$full" = yes ]; then
     stage lint
-    git ls-files '*.cpp' ':!tests' ':!bench' ':!examples' ':!*/windows/*' | xargs -P "$(nproc)" -n 4 clang-tidy -p build/release --quiet 2>/dev/null \
+    # One source belongs to a build with another option, which has no place in the list of this build's commands.
+    git ls-files '*.cpp' ':!tests' ':!bench' ':!examples' ':!*/windows/*' ':!transport/http_server_public.cpp' | xargs -P "$(nproc)" -n 4 clang-tidy -p build/release --quiet 2>/dev/null \
         || fail "the lint check"
     stage "types and the tool server's style"
     mypy || fail "the types of the Python code"

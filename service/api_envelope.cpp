@@ -27,7 +27,7 @@ bool IsBatch(const Envelope& envelope, const JsonValue& messages, const JsonSlic
 void MessagesRead(const std::string& body, const JsonSlice& slice, Envelope& envelope) {
     constexpr const char* Messages = "messages";
     if (FieldText(envelope.document, Messages, envelope.midValue) != Field::WrongType) return;
-    const JsonValue& messages = envelope.document[Messages];
+    const JsonValue& messages = envelope.document.FindMember(Messages)->value;
     envelope.midValue = JsonTextOf(messages, slice, body);
     if (IsBatch(envelope, messages, slice)) envelope.batch = &messages;
 }

@@ -49,7 +49,8 @@ std::ptrdiff_t SocketRead(std::intptr_t socket, char* bytes, std::size_t size) {
 }
 
 void SocketReadTimeSet(std::intptr_t socket, int milliseconds) {
-    const timeval time{.tv_sec = milliseconds / 1000, .tv_usec = milliseconds % 1000 * 1000};
+    constexpr suseconds_t MicrosecondsEach = 1000;
+    const timeval time{.tv_sec = milliseconds / 1000, .tv_usec = milliseconds % 1000 * MicrosecondsEach};
     setsockopt(static_cast<int>(socket), SOL_SOCKET, SO_RCVTIMEO, &time, sizeof time);
 }
 
